@@ -1,0 +1,63 @@
+// One database: its connection, and single attempts to query it. Inside fault_database only.
+#pragma once
+
+#include <sqlite3.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "fault_common/fault_mutex.h"
+
+struct FaultSqliteCloser {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+};
+using FaultSqliteHandle = std::unique_ptr<sqlite3, FaultSqliteCloser>;
+
+struct FaultSqliteTableFreer {
+    void operator()(char** cells) const { sqlite3_free_table(cells); }
+};
+
+// All rows of one query: `cells` row by row, the column names first.
+struct FaultResultTable {
+    std::unique_ptr<char*, FaultSqliteTableFreer> cells;
+    int32_t rowCount = 0;
+    int32_t columnCount = 0;
+};
+
+// How one attempt to query ended. A table counts only when the attempt is ok.
+struct FaultAttempt {
+    bool ok = false;
+    bool moved = false;  // the connection's file is no longer the file at its path
+    std::string error;   // SQLite's text; empty where it has none
+    FaultResultTable table;
+};
+
+// The lock of a connection is held while it is queried or replaced, never between two attempts. Any thread.
+class FaultConnection {
+public:
+    // `logName` stands in log lines; `fixedPath` is one of agent/agent_storage.h. Both are kept as they are.
+    constexpr FaultConnection(const char* logName, const char* fixedPath) : name(logName), path(fixedPath) {}
+
+    // Opens the file anew; the former connection is closed once the new one stands in its place. Returns
+    // SQLite's result; unless that is 0 the former connection stays.
+    int32_t Open();
+
+    // Closes the connection if there is one.
+    void Close();
+
+    bool IsOpen();
+
+    // Runs a statement once. Without a connection the attempt has failed.
+    FaultAttempt Query(const std::string& sql);
+
+private:
+    const char* const name;
+    const char* const path;
+    FaultMutex mutex;
+    FaultSqliteHandle handle FAULT_GUARDED_BY(mutex);
+};
+
+// The two databases. They are never destroyed: the watcher thread outlives main().
+FaultConnection& FaultLumoDataBase();
+FaultConnection& FaultZorvHealDataBase();

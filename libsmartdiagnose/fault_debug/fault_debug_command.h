@@ -1,0 +1,49 @@
+// What all console commands share: how they are called, their time arguments, the alarm. Inside fault_debug
+// only. A command prints its results and its errors itself, and runs on the console's thread, alone.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "agent/agent_console.h"
+
+// Index of a command's own first argument: the words before it are those with which the console reached it.
+constexpr int32_t FIRST_ARGUMENT = 3;
+
+// A command's work; `argc` and `argv` as the console passes them. May throw: see FaultCommandBoundary().
+using FaultCommand = void (*)(int32_t argc, char** argv);
+
+// Runs a command. An exception that leaves it is logged, and answered with "inner err". Returns 0.
+uint32_t FaultRunCommand(FaultCommand command, int32_t argc, char** argv);
+
+// The handler of a command, as the console calls it.
+template <FaultCommand command>
+uint32_t FaultCommandHandler(int32_t argc, char** argv) {
+    return FaultRunCommand(command, argc, argv);
+}
+
+// Prints an error line: two tabs, "[ERROR]: ", the message.
+void FaultPrintError(const char* message);
+
+// True, and an error line printed, when the switch is off.
+bool FaultRefusedBySwitch();
+
+// Whether the first `maxLength` characters of `text`, as many as there are, are digits. True for none.
+bool CheckDigitString(const char* text, int32_t maxLength);
+
+// Takes a range of compact local times from the arguments from index `first` on: two times, unchecked, or one
+// length in minutes up to now. Returns 1, with the outputs unchanged, when the arguments are neither.
+uint32_t ParseTimeArgs(int32_t argc, char** argv, int32_t first, std::string& start, std::string& end);
+
+// Whether a range may be used: two compact local times, ascending, at most two days apart. Prints the reason
+// when not, except for a time that does not convert.
+bool CheckTimeRange(const std::string& start, const std::string& end);
+
+// Raises the alarm for a detected delay fault, at most three times in any day. Any thread.
+void FaultDiagRecordAndSendAlarm();
+
+// The commands on delays. Their arguments are told by the help texts of the command table.
+void FaultDelayDetectCommand(int32_t argc, char** argv);
+void FaultSimuDetectCommand(int32_t argc, char** argv);
+void FaultDataShowCommand(int32_t argc, char** argv);
+void FaultShowValidTimeCommand(int32_t argc, char** argv);

@@ -1,0 +1,67 @@
+#include "fault_spectrum_graph/fault_json_object.h"
+
+#include <json/reader.h>
+
+#include <fstream>
+#include <memory>
+
+#include "fault_common/fault_log.h"
+
+namespace {
+
+// Null unless the stream holds one JSON object. The reader throws when the nesting is too deep.
+Json::Value ParseObject(std::istream& stream) {
+    Json::Value parsed;
+    std::string error;
+    try {
+        if (Json::parseFromStream(Json::CharReaderBuilder(), stream, &parsed, &error) && parsed.isObject()) {
+            return parsed;
+        }
+    } catch (const Json::Exception&) {
+        return {};
+    }
+    return {};
+}
+
+}  // namespace
+
+FaultJsonObject* FaultJsonObject::pInstance = nullptr;
+
+FaultJsonObject& FaultJsonObject::GetInstance() {
+    if (pInstance == nullptr) {
+        pInstance = std::make_unique<FaultJsonObject>().release();
+    }
+    return *pInstance;
+}
+
+uint32_t FaultJsonObject::ParseJsonConfig(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file.is_open()) {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Failed to open the configuration file.");
+        return 1;
+    }
+    root = ParseObject(file);
+    if (root.isNull()) {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Failed to parse json data stream.");
+        return 1;
+    }
+    return 0;
+}
+
+uint32_t FaultJsonObject::GetGraphValueByKeyTag(const std::string& graphName, const std::string& keyTag,
+                                                Json::Value& value) {
+    if (keyTag != "nodes" && keyTag != "edges") {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "the key(%s) is incorrect.", keyTag.c_str());
+        return 1;
+    }
+    if (root.isNull()) {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "FlowGraph is null.");
+        return 1;
+    }
+    value = root[graphName][keyTag];
+    return 0;
+}
+
+bool FaultJsonObject::IsMember(const std::string& graphName) const {
+    return root.isMember(graphName);
+}
