@@ -7,7 +7,7 @@
 extern "C" {
 #endif
 
-// What a thread runs. Returning ends the thread; nobody reads the value.
+// What a thread runs. Returning ends the thread; nobody reads the value. No thread is ever cancelled.
 typedef int32_t (*VOPX_THREAD_ENTRY)(void* arg);
 
 // Starts a detached thread that runs entry(arg). `arg` stays the caller's and must live as long as the

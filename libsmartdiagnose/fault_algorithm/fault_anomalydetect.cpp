@@ -3,7 +3,7 @@
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_log.h"
 
-std::vector<AnomalyDetectResult> anomalyDetect(std::string startDate, std::string endDate) {
+std::vector<AnomalyDetectResult> anomalyDetect(const std::string& startDate, const std::string& endDate) {
     std::string startTime;
     std::string endTime;
     if (TransDateToTime(startDate, startTime) != 0 || TransDateToTime(endDate, endTime) != 0) {

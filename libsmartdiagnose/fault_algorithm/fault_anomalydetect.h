@@ -11,4 +11,5 @@
 // included) and returns the anomalies, at most one per point. Empty when there are none, when a date does not
 // convert (logged), or when nothing could be loaded. Blocks on the database, for 70 s per query that keeps
 // failing. Throws the standard conversion errors for a text that is no number.
-FAULT_EXPORT std::vector<AnomalyDetectResult> anomalyDetect(std::string startDate, std::string endDate);
+FAULT_EXPORT std::vector<AnomalyDetectResult> anomalyDetect(const std::string& startDate,
+                                                            const std::string& endDate);

@@ -3,6 +3,7 @@
 #include <stdio.h>
 
 #include <array>
+#include <optional>
 
 #include "agent/agent_memory.h"
 #include "agent/agent_time.h"
@@ -18,7 +19,7 @@ constexpr size_t COMPACT_LENGTH = 14;
 constexpr int32_t SECONDS_PER_HOUR = 3600;
 
 FaultMutex g_zoneMutex;
-std::string g_zoneOffset FAULT_GUARDED_BY(g_zoneMutex);
+std::optional<int32_t> g_zoneOffset FAULT_GUARDED_BY(g_zoneMutex);  // seconds east of UTC, once it is known
 
 uint32_t RunZoneCommand(std::string& output) {
     std::array<char, 64> buffer{};
@@ -50,8 +51,8 @@ uint32_t LocalSeconds(const std::string& utcTime, int64_t& seconds) {
 
 uint32_t GetTimeZoneOffset(std::string& offset) {
     FaultLock lock(g_zoneMutex);
-    if (!g_zoneOffset.empty()) {
-        offset = g_zoneOffset;
+    if (g_zoneOffset) {
+        offset = std::to_string(*g_zoneOffset);
         return 0;
     }
     std::string zone;
@@ -67,8 +68,8 @@ uint32_t GetTimeZoneOffset(std::string& offset) {
         return 1;
     }
     const int32_t hours = FaultToInt32(std::string_view(zone).substr(1, 2));
-    g_zoneOffset = std::to_string((zone[0] == '-' ? -hours : hours) * SECONDS_PER_HOUR);
-    offset = g_zoneOffset;
+    g_zoneOffset = (zone[0] == '-' ? -hours : hours) * SECONDS_PER_HOUR;
+    offset = std::to_string(*g_zoneOffset);
     return 0;
 }
 

@@ -1,5 +1,6 @@
 #include "fault_common/fault_number.h"
 
+#include <algorithm>
 #include <charconv>
 #include <stdexcept>
 #include <string>
@@ -7,8 +8,11 @@
 namespace {
 
 [[noreturn]] void ThrowNoNumber(std::string_view text, bool tooLarge) {
-    // A cell may hold a megabyte; its beginning is enough to recognise it.
-    const std::string shown(text.substr(0, 40));
+    // A cell may hold a megabyte, or what would look like a log line of its own; its beginning is enough to
+    // recognise it.
+    std::string shown(text.substr(0, 40));
+    std::replace_if(
+        shown.begin(), shown.end(), [](unsigned char letter) { return letter < ' ' || letter == 0x7f; }, '?');
     if (tooLarge) {
         throw std::out_of_range("number out of range: '" + shown + "'");
     }

@@ -3,8 +3,9 @@
 #include "agent/agent_time.h"
 
 bool FaultRateLimiter::Admit(const FaultLogSite& site) {
-    const uint64_t now = vopx_get_jiffies();
     FaultLock lock(mutex);
+    // Read inside: a thread that waited with an older time would seem to be a window ahead.
+    const uint64_t now = vopx_get_jiffies();
     if (now - windowStart >= window) {
         windowStart = now;
         lines = 0;

@@ -123,7 +123,7 @@ uint32_t FaultGetDataTimeRange(std::string& earliest) {
                         {FAULT_HERE, nullptr, FAULT_HERE, nullptr}, table)) {
         return 1;
     }
-    if (table.cells == nullptr || table.columnCount <= 0) {
+    if (table.cells == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Query from database failed, data(%s), dataCol(%d).",
                   table.cells == nullptr ? "NULL" : "not NULL", table.columnCount);
         return 1;

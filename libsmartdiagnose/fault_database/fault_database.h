@@ -53,7 +53,7 @@ FAULT_EXPORT uint32_t FaultDataBaseExcuteFullSql(const std::string& sql, FaultFu
                                                  std::map<std::string, FaultSeries>& series);
 
 // The earliest time for which there are statistics, compact local time. Unlike the queries above it waits for
-// a database that is not open.
+// a database that is not open. Throws std::invalid_argument when the catalogue holds a null for a name.
 FAULT_EXPORT uint32_t FaultGetDataTimeRange(std::string& earliest);
 
 // Builds the statement that reads the selected columns of one point from one table, or all twelve values and
@@ -64,11 +64,13 @@ FAULT_EXPORT uint32_t FaultConstructFullSql(const FaultSqlInputParam& query, std
 // Appends the names of the data tables that cover the range of compact local times to `tables`, in catalogue
 // order. Success with none when the range ends before the first table; failure when the catalogue is empty or
 // does not answer. Throws the standard conversion errors for a time that is no number, and for a table name
-// without one; std::out_of_range for a table name that is shorter than the prefix of table names.
+// without one or a null in its place; std::out_of_range for a table name that is shorter than the prefix of
+// table names.
 FAULT_EXPORT uint32_t FaultGetQueryTable(const std::string& beginTime, const std::string& endTime,
                                          std::vector<std::string>& tables);
 
-// The row callback of that query: appends every cell to `tableNames`.
+// The row callback of that query: appends every cell to `tableNames`. Throws std::invalid_argument for a null
+// cell.
 FAULT_EXPORT uint32_t FaultGetQueryTableCallBack(char** result, int32_t rowCount, int32_t columnCount,
                                                  std::vector<int64_t>& first, std::vector<int64_t>& second,
                                                  std::vector<std::string>& tableNames);

@@ -1,6 +1,8 @@
 #define FAULT_UNIT_FILE "fault_database.cpp"
 #include "fault_database/fault_database_connection.h"
 
+#include <sys/stat.h>
+
 #include "agent/agent_storage.h"
 #include "fault_common/fault_log.h"
 #include "fault_common/fault_path.h"
@@ -11,9 +13,21 @@ FaultConnection& NeverDestroyed(const char* logName, const char* fixedPath) {
     return *std::make_unique<FaultConnection>(logName, fixedPath).release();
 }
 
-bool HasMoved(sqlite3* handle) {
+FaultFileIdentity IdentityOf(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        return {};
+    }
+    return {status.st_dev, status.st_ino};
+}
+
+// Whether the file behind the connection, `opened`, is no longer the one at its path. SQLite looks at the
+// path behind all links, as it was at the opening; links may lead elsewhere by now.
+bool HasMoved(sqlite3* handle, const FaultFileIdentity& opened, const std::string& path) {
     int moved = 0;
-    return sqlite3_file_control(handle, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK && moved != 0;
+    sqlite3_file_control(handle, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+    const FaultFileIdentity now = IdentityOf(path);
+    return moved != 0 || now.device != opened.device || now.inode != opened.inode;
 }
 
 }  // namespace
@@ -29,8 +43,11 @@ FaultConnection& FaultZorvHealDataBase() {
 }
 
 int32_t FaultConnection::Open() {
+    const std::string fullPath = FaultPath(path);
+    // Before the opening: if the file is replaced meanwhile, the first query finds out.
+    const FaultFileIdentity identity = IdentityOf(fullPath);
     sqlite3* opened = nullptr;
-    const int32_t result = sqlite3_open_v2(FaultPath(path).c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const int32_t result = sqlite3_open_v2(fullPath.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
     FaultSqliteHandle replaced(opened);  // a failed opening leaves a handle too
     if (result != SQLITE_OK) {
         return result;
@@ -38,6 +55,7 @@ int32_t FaultConnection::Open() {
     {
         FaultLock lock(mutex);
         handle.swap(replaced);
+        file = identity;
     }
     FAULT_LOG(FAULT_IN("FaultDataBaseInit"), FAULT_INFO, "%s is %p", name, static_cast<void*>(opened));
     return SQLITE_OK;
@@ -73,7 +91,7 @@ FaultAttempt FaultConnection::Query(const std::string& sql) {
                                              &attempt.table.columnCount, &error);
     attempt.table.cells.reset(cells);
     const std::unique_ptr<char, decltype(&sqlite3_free)> errorOwner(error, &sqlite3_free);
-    attempt.moved = HasMoved(handle.get());
+    attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
     attempt.ok = result == SQLITE_OK && !attempt.moved;
     attempt.error = error != nullptr ? error : "";
     return attempt;

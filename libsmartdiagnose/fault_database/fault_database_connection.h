@@ -25,6 +25,12 @@ struct FaultResultTable {
     int32_t columnCount = 0;
 };
 
+// Which file it is, whatever its path.
+struct FaultFileIdentity {
+    uint64_t device = 0;
+    uint64_t inode = 0;  // 0: there is no file
+};
+
 // How one attempt to query ended. A table counts only when the attempt is ok.
 struct FaultAttempt {
     bool ok = false;
@@ -56,6 +62,7 @@ private:
     const char* const path;
     FaultMutex mutex;
     FaultSqliteHandle handle FAULT_GUARDED_BY(mutex);
+    FaultFileIdentity file FAULT_GUARDED_BY(mutex);  // what stood at the path when the handle was opened
 };
 
 // The two databases. They are never destroyed: the watcher thread outlives main().

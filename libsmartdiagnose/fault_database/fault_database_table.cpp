@@ -2,6 +2,7 @@
 #include "fault_database/fault_database_table.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "fault_common/fault_number.h"
 
@@ -72,6 +73,12 @@ uint32_t FaultCollectTexts(char** result, int32_t rowCount, int32_t columnCount,
         texts.emplace_back(FaultCellText(values[i]));
     }
     return 0;
+}
+
+void FaultCheckColumns(int32_t rowCount, int32_t columnCount, int32_t needed) {
+    if (rowCount > 0 && columnCount < needed) {
+        throw std::invalid_argument("result of " + std::to_string(columnCount) + " columns");
+    }
 }
 
 int64_t FaultTableTime(const std::string& tableName) {

@@ -20,6 +20,10 @@ std::vector<std::string> FaultListTables(FaultRowsCallBack callback);
 uint32_t FaultCollectTexts(char** result, int32_t rowCount, int32_t columnCount,
                            std::vector<std::string>& texts, const FaultLogSite& site);
 
+// Throws std::invalid_argument when there are rows of fewer columns than `needed`. Table names go into
+// statements as they are, so what comes back may be the answer to something else.
+void FaultCheckColumns(int32_t rowCount, int32_t columnCount, int32_t needed);
+
 // The start time that a table's name tells, compact local time as a number. Throws std::out_of_range when the
 // name is shorter than the prefix, and the standard conversion errors when no number follows it.
 int64_t FaultTableTime(const std::string& tableName);

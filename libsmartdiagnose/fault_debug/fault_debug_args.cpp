@@ -49,7 +49,7 @@ uint32_t ParseTimeArgs(int32_t argc, char** argv, int32_t first, std::string& st
     if (argv == nullptr || argc <= first) {
         return 1;
     }
-    if (argc == first + 2) {
+    if (argc == first + 2 && argv[first] != nullptr && argv[first + 1] != nullptr) {
         start = argv[first];
         end = argv[first + 1];
         return 0;

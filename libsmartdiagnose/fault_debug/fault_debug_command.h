@@ -10,7 +10,7 @@
 // Index of a command's own first argument: the words before it are those with which the console reached it.
 constexpr int32_t FIRST_ARGUMENT = 3;
 
-// A command's work; `argc` and `argv` as the console passes them. May throw: see FaultCommandBoundary().
+// A command's work; `argc` and `argv` as the console passes them. May throw: see FaultRunCommand().
 using FaultCommand = void (*)(int32_t argc, char** argv);
 
 // Runs a command. An exception that leaves it is logged, and answered with "inner err". Returns 0.

@@ -20,7 +20,7 @@ FAULT_EXPORT uint32_t ZorvSmartDiagnoseTimerInit();
 FAULT_EXPORT uint32_t ZorvSmartDiagnoseMsgHandleInit();
 
 // Opens the databases and starts their watcher. Databases that do not open do not fail the step: the watcher
-// opens them once they are there.
+// tries again at the next change of the statistics file. Returns 1 when the watcher did not start.
 FAULT_EXPORT uint32_t ZorvSmartDiagnoseDataBaseInit();
 
 // Registers the console commands. Returns 1 when the agent refuses them.

@@ -14,8 +14,8 @@
 
 namespace {
 
-const std::string TIME_COLUMN = "curtime";
-const std::string DELAY_COLUMN = "avgdelay";
+constexpr const char* TIME_COLUMN = "curtime";
+constexpr const char* DELAY_COLUMN = "avgdelay";
 
 constexpr int64_t TEST_SECONDS_MAX = 2000000;  // four points of 16 bytes a second: 128 MB
 constexpr int64_t TEST_DELAY = 10;
@@ -168,6 +168,7 @@ uint32_t FaultDetectObject::FaultDetectQueryCallBack(char** result, int32_t rowC
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "invalid input which pResult is null.");
         return 1;
     }
+    FaultCheckColumns(rowCount, columnCount, 2);
     char** cells = result;
     for (int32_t row = 0; row < rowCount; ++row) {
         cells += columnCount;  // the first row holds the column names

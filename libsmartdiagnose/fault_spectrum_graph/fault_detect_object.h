@@ -47,7 +47,8 @@ public:
     void GetData(const std::string& startDate, const std::string& endDate);
 
     // At most one anomaly per point, the largest flagged delay (the earliest of equal ones), in point order.
-    // The whole series is one sample set. The arguments are not used.
+    // The whole series is one sample set. Points without data get empty entries in `data`. The arguments are
+    // not used.
     std::vector<AnomalyDetectResult> DoDetect(const std::string& startTime, const std::string& endTime);
 
     // Fills `data` with a synthetic series of one sample per second, two of them spikes, to try the rule
@@ -57,7 +58,9 @@ public:
     // Prints nothing; makes sure that a point which has data has an "avgdelay" series.
     void DisplayData(const std::string& pointName, int32_t count);
 
-    // Row callbacks of the two queries, see fault_database.h: times and delays of samples; table names.
+    // Row callbacks of the two queries, see fault_database.h: times and delays of samples, in two columns;
+    // table names. They throw std::invalid_argument for a null cell or a missing column, and for a sample
+    // that is no number the standard conversion errors.
     static uint32_t FaultDetectQueryCallBack(char** result, int32_t rowCount, int32_t columnCount,
                                              std::vector<int64_t>& times, std::vector<int64_t>& delays,
                                              std::vector<std::string>& texts);

@@ -102,9 +102,8 @@ bool ZorvCoreGetFaultDiagSwitchFromMaster(int32_t& value) {
 }  // namespace
 
 uint32_t ZorvFaultDiagSwitchMsgHandleInit() {
-    const uint32_t result =
-        ZORV_CommRegMsgHandle(ZORV_OP_SET_FAULTDIAG_SWITCH, ZorvSetFaultDiagSwitchMsgHandle) +
-        ZORV_CommRegMsgHandle(ZORV_OP_GET_FAULTDIAG_SWITCH, ZorvGetFaultDiagSwitchMsgHandle);
+    uint32_t result = ZORV_CommRegMsgHandle(ZORV_OP_SET_FAULTDIAG_SWITCH, ZorvSetFaultDiagSwitchMsgHandle);
+    result += ZORV_CommRegMsgHandle(ZORV_OP_GET_FAULTDIAG_SWITCH, ZorvGetFaultDiagSwitchMsgHandle);
     if (result != 0) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Register msg handle fail, ret=%d.", static_cast<int32_t>(result));
     }
