@@ -1,0 +1,193 @@
+#include "host/console/console.h"
+
+#include <array>
+#include <cstdio>
+#include <cstring>
+
+#include "host/console/switch_command.h"
+#include "host/services/console.h"
+#include "host/services/log.h"
+#include "host/services/text.h"
+
+namespace {
+struct HostCommand {
+    const char* name;
+    const char* help;
+};
+
+constexpr std::array<HostCommand, 3> HOST_COMMANDS = {
+    {{"help", "help [COMMAND]: list the commands, or explain one."},
+     {"switch", "switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch."},
+     {"quit", "quit: leave; so does Ctrl-D."}}};
+
+void Report(const std::string& place, const std::string& text) {
+    std::fprintf(stderr, "zorv-local: %s%s\n", place.c_str(), text.c_str());
+}
+
+Words CommandNames() {
+    Words names;
+    for (const RegisteredCommand& command : RegisteredCommands()) {
+        names.emplace_back(command.row->name);
+    }
+    for (const HostCommand& command : HOST_COMMANDS) {
+        names.emplace_back(command.name);
+    }
+    return names;
+}
+
+[[noreturn]] void ThrowUnknown(const std::string& name) {
+    const std::string nearest = NearestName(name, CommandNames());
+    throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
+                     (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
+}
+
+const ZORV_DIAG_CMD_S* FindRegistered(const std::vector<RegisteredCommand>& commands, const std::string& name,
+                                      const char** group) {
+    for (const RegisteredCommand& command : commands) {
+        if (name == command.row->name) {
+            *group = command.group;
+            return command.row;
+        }
+    }
+    return nullptr;
+}
+
+// A help text that says which command it is about, and ends with a line break.
+std::string CompleteHelp(const std::string& name, const char* help) {
+    std::string text = help == nullptr ? "" : help;
+    if (text.compare(0, name.size(), name) != 0) {
+        text = name + (text.empty() ? "" : ": " + text);
+    }
+    text.erase(text.find_last_not_of('\n') + 1);
+    return text + '\n';
+}
+
+void PrintFirstLine(const std::string& name, const char* help) {
+    const std::string text = CompleteHelp(name, help);
+    DBG_Print("  %s\n", text.substr(0, text.find('\n')).c_str());
+}
+
+void PrintWhole(const std::string& name, const char* help) {
+    const std::string text = CompleteHelp(name, help);
+    const char* indent = "";
+    for (size_t start = 0; start < text.size();) {
+        const size_t end = text.find('\n', start);
+        DBG_Print("%s%s\n", indent, text.substr(start, end - start).c_str());
+        indent = "    ";
+        start = end + 1;
+    }
+}
+
+void ListCommands() {
+    const char* group = "";
+    for (const RegisteredCommand& command : RegisteredCommands()) {
+        if (std::strcmp(command.group, group) != 0) {
+            group = command.group;
+            DBG_Print("%s\n", group);
+        }
+        PrintFirstLine(command.row->name, command.row->help);
+    }
+    DBG_Print("console\n");
+    for (const HostCommand& command : HOST_COMMANDS) {
+        PrintFirstLine(command.name, command.help);
+    }
+}
+
+void ExplainCommand(const std::string& name) {
+    for (const HostCommand& command : HOST_COMMANDS) {
+        if (name == command.name) {
+            return PrintWhole(name, command.help);
+        }
+    }
+    const std::vector<RegisteredCommand> commands = RegisteredCommands();
+    const char* group = nullptr;
+    const ZORV_DIAG_CMD_S* const row = FindRegistered(commands, name, &group);
+    if (row == nullptr) {
+        ThrowUnknown(name);
+    }
+    PrintWhole(name, row->help);
+}
+
+void RunHelp(const Words& words) {
+    if (words.size() > 2) {
+        throw UsageError("usage: help [COMMAND]");
+    }
+    words.size() == 1 ? ListCommands() : ExplainCommand(words[1]);
+}
+
+void RunRegistered(const Words& words) {
+    const char* group = nullptr;
+    const ZORV_DIAG_CMD_S* const row = FindRegistered(RegisteredCommands(), words.front(), &group);
+    if (row == nullptr) {
+        ThrowUnknown(words.front());
+    }
+    Words texts = {"diagnose", group};
+    texts.insert(texts.end(), words.begin(), words.end());
+    std::vector<char*> argv;
+    for (std::string& text : texts) {
+        argv.push_back(text.data());
+    }
+    argv.push_back(nullptr);
+    row->handler(static_cast<int32_t>(texts.size()), argv.data());
+}
+}  // namespace
+
+ExitStatus Console::RunLine(std::string_view line, const std::string& place) {
+    try {
+        const Words words = SplitLine(line);
+        return words.empty() ? STATUS_OK : Run(words, place);
+    } catch (const UsageError& error) {
+        Report(place, error.what());
+        return STATUS_USAGE;
+    }
+}
+
+ExitStatus Console::Run(const Words& words, const std::string& place) {
+    ExitStatus status = STATUS_OK;
+    try {
+        TakeErrorLine();
+        Dispatch(words);
+        status = TakeErrorLine() ? STATUS_FAILED : STATUS_OK;
+    } catch (const UsageError& error) {
+        Report(place, error.what());
+        status = STATUS_USAGE;
+    } catch (const std::exception& error) {
+        Report(place, error.what());
+        status = STATUS_FAILED;
+    } catch (...) {
+        Report(place, "the command ended with an unknown exception");
+        status = STATUS_FAILED;
+    }
+    if (OutputError() != 0) {
+        Report(place, std::string("cannot print the results: ") + std::strerror(OutputError()));
+        leaving = true;
+        status = STATUS_FAILED;
+    }
+    return status;
+}
+
+void Console::Dispatch(const Words& words) {
+    if (words.front() == "help") {
+        RunHelp(words);
+    } else if (words.front() == "switch") {
+        RunSwitchCommand(words);
+    } else if (words.front() == "quit") {
+        Quit(words);
+    } else {
+        RunRegistered(words);
+    }
+}
+
+void Console::Quit(const Words& words) {
+    if (words.size() > 1) {
+        throw UsageError("usage: quit");
+    }
+    leaving = true;
+}
+
+Words Console::WordsAfter(const Words& words) const {
+    if (words.empty() || (words.size() == 1 && words.front() == "help")) {
+        return CommandNames();
+    }
+    return words.front() == "switch" ? SwitchWordsAfter(words) : Words();
+}

@@ -1,0 +1,30 @@
+// The console: every command an operator can type, the plug-in's and the host's own.
+#pragma once
+
+#include <string>
+
+#include "host/console/command_line.h"
+#include "host/status.h"
+
+// Belongs to one thread, the console's.
+class Console {
+public:
+    // Runs one command line, or does nothing when it has no words. Results go to stdout; what is wrong with
+    // the line, to stderr, with `place` (such as "line 3: ") before it.
+    ExitStatus RunLine(std::string_view line, const std::string& place);
+
+    // The same for a line that is cut into words already; there is at least one.
+    ExitStatus Run(const Words& words, const std::string& place);
+
+    // The words that can follow `words`, which may be empty.
+    Words WordsAfter(const Words& words) const;
+
+    // Whether the operator has asked to leave, or can no longer be told anything.
+    bool IsLeaving() const { return leaving; }
+
+private:
+    void Dispatch(const Words& words);
+    void Quit(const Words& words);
+
+    bool leaving = false;
+};

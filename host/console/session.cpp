@@ -1,0 +1,63 @@
+#include "host/console/session.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iostream>
+#include <optional>
+#include <string>
+
+#include "host/console/line_editor.h"
+#include "host/services/console.h"
+
+namespace {
+constexpr size_t LONGEST_LINE = size_t{16} << 20;  // enough for any command; an endless line must end
+
+// Reads one line without its end; of a longer one no more than LONGEST_LINE + 1 bytes are kept.
+bool ReadLine(std::streambuf& input, std::string& line) {
+    using Traits = std::streambuf::traits_type;
+    line.clear();
+    int letter = input.sbumpc();
+    if (letter == Traits::eof()) {
+        return false;
+    }
+    for (; letter != Traits::eof() && letter != '\n'; letter = input.sbumpc()) {
+        if (line.size() <= LONGEST_LINE) {
+            line += Traits::to_char_type(letter);
+        }
+    }
+    return true;
+}
+}  // namespace
+
+ExitStatus RunLinesOfInput(Console& console) {
+    std::ios::sync_with_stdio(false);
+    ExitStatus worst = STATUS_OK;
+    std::string line;
+    for (size_t number = 1; !console.IsLeaving() && ReadLine(*std::cin.rdbuf(), line); ++number) {
+        const std::string place = "line " + std::to_string(number) + ": ";
+        if (line.size() > LONGEST_LINE) {
+            std::fprintf(stderr, "zorv-local: %slonger than %zu bytes\n", place.c_str(), LONGEST_LINE);
+            worst = std::max(worst, STATUS_USAGE);
+            continue;
+        }
+        worst = std::max(worst, console.RunLine(line, place));
+    }
+    return worst;
+}
+
+ExitStatus RunTerminal(Console& console) {
+    LineEditor editor(isatty(STDOUT_FILENO) == 1 ? stdout : stderr,
+                      [&console](const Words& before) { return console.WordsAfter(before); });
+    std::fputs("'help' lists the commands, TAB completes them; 'quit' or Ctrl-D leaves.\n", stderr);
+    while (!console.IsLeaving()) {
+        const std::optional<std::string> line = editor.Read();
+        if (!line.has_value()) {
+            std::fputs("\n", stderr);
+            break;
+        }
+        console.RunLine(*line, "");
+    }
+    return OutputError() == 0 ? STATUS_OK : STATUS_FAILED;
+}

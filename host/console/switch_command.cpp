@@ -1,0 +1,114 @@
+#include "host/console/switch_command.h"
+
+#include <array>
+#include <cstring>
+#include <optional>
+
+#include "agent/agent_console.h"
+#include "agent/agent_message.h"
+#include "agent/agent_switch.h"
+#include "host/services/log.h"
+#include "host/services/text.h"
+
+namespace {
+struct SwitchValue {
+    int32_t number;
+    const char* word;
+};
+
+constexpr std::array<SwitchValue, 3> VALUES = {{{FAULT_DIAG_SWITCH_ON, "on"},
+                                                {FAULT_DIAG_SWITCH_ON_SILENT, "on-silent"},
+                                                {FAULT_DIAG_SWITCH_OFF, "off"}}};
+
+// An answer's data, freed with it.
+class Reply {
+public:
+    Reply() = default;
+    ~Reply() { ZORV_CommFreeRetData(&reply); }
+    Reply(const Reply&) = delete;
+    Reply& operator=(const Reply&) = delete;
+
+    ZORV_COMM_RET_S* Get() { return &reply; }
+    std::optional<int32_t> Number() const {
+        int32_t number = 0;
+        if (reply.data == nullptr || reply.length < sizeof number) {
+            return std::nullopt;
+        }
+        std::memcpy(&number, reply.data, sizeof number);
+        return number;
+    }
+
+private:
+    ZORV_COMM_RET_S reply{};
+};
+
+int32_t AskMaster(uint32_t opcode, int32_t payload) {
+    const uint32_t master = ZORV_GetMasterNid();
+    ZORV_COMM_INFO_S info;
+    ZORV_CommFillinCommInfoInner(&info, master, HOST_MODULE, opcode, sizeof payload, 1);
+    Reply reply;
+    const uint32_t result = ZORV_CommSendRequestMsg(&info, &payload, reply.Get());
+    const std::optional<int32_t> number = reply.Number();
+    if (result != 0 || !number.has_value()) {
+        throw std::runtime_error("node " + std::to_string(master) +
+                                 ", which keeps the switch, did not answer");
+    }
+    return *number;
+}
+
+// The value and what it means to a node that reads it.
+std::string Described(int32_t number) {
+    if (number == FAULT_DIAG_SWITCH_UNREADABLE) {
+        return "2 (on-silent, the default: no value is stored)";
+    }
+    for (const SwitchValue& value : VALUES) {
+        if (value.number == number) {
+            return std::to_string(number) + " (" + value.word + ")";
+        }
+    }
+    return std::to_string(number) + " (no value of the switch: taken as 2, on-silent)";
+}
+
+int32_t NumberOf(const std::string& word) {
+    for (const SwitchValue& value : VALUES) {
+        if (word == value.word) {
+            return value.number;
+        }
+    }
+    throw UsageError("the switch cannot be '" + Printable(word, 40) + "'; it can be on, on-silent or off");
+}
+
+void Set(int32_t number) {
+    const int32_t before = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    const int32_t result = AskMaster(ZORV_OP_SET_FAULTDIAG_SWITCH, number);
+    if (result != 0) {
+        throw std::runtime_error("node " + std::to_string(ZORV_GetMasterNid()) +
+                                 " could not store the value, result " + std::to_string(result));
+    }
+    DBG_Print("old value: %s\nnew value: %s, stored on node %u\n", Described(before).c_str(),
+              Described(number).c_str(), ZORV_GetMasterNid());
+}
+}  // namespace
+
+void RunSwitchCommand(const Words& words) {
+    if (words.size() == 2 && words[1] == "get") {
+        DBG_Print("%s\n", Described(AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0)).c_str());
+    } else if (words.size() == 3 && words[1] == "set") {
+        Set(NumberOf(words[2]));
+    } else {
+        throw UsageError("usage: switch get | switch set on|on-silent|off");
+    }
+}
+
+Words SwitchWordsAfter(const Words& words) {
+    if (words.size() == 1) {
+        return {"get", "set"};
+    }
+    Words next;
+    if (words.size() == 2 && words[1] == "set") {
+        for (const SwitchValue& value : VALUES) {
+            next.emplace_back(value.word);
+        }
+    }
+    return next;
+}

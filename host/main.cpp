@@ -1,0 +1,94 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+
+#include "host/console/session.h"
+#include "host/leak_check.h"
+#include "host/options.h"
+#include "host/plugin.h"
+#include "host/services/log.h"
+#include "host/services/settings.h"
+#include "host/services/timer.h"
+#include "host/status.h"
+
+namespace {
+// A database opened on the number of a closed stream would be printed into. What takes the number here can
+// only be read, so that printing to a closed stdout still fails.
+void OccupyStandardStreams() {
+    int number = 0;
+    do {
+        number = open("/dev/null", O_RDONLY);
+    } while (number >= 0 && number <= STDERR_FILENO);
+    if (number > STDERR_FILENO) {
+        close(number);
+    }
+}
+
+std::string CheckedRoot(const std::string& root) {
+    std::error_code ignored;
+    if (!std::filesystem::is_directory(root, ignored)) {
+        throw std::runtime_error("the root '" + root + "' is not a directory");
+    }
+    return std::filesystem::absolute(root).lexically_normal();
+}
+
+void SetUpServices(const Options& options) {
+    HostSettings settings;
+    if (options.root.has_value()) {
+        settings.root = CheckedRoot(*options.root);
+    }
+    settings.node = options.node;
+    settings.master = options.node;
+    SetHostSettings(settings);
+    ConfigureLog(options.logFile, options.logLevel);
+}
+
+ExitStatus RunCommands(const Options& options) {
+    Console console;
+    if (!options.command.empty()) {
+        return console.Run(options.command, "");
+    }
+    return isatty(STDIN_FILENO) == 1 ? RunTerminal(console) : RunLinesOfInput(console);
+}
+
+ExitStatus RunHost(const Options& options) {
+    try {
+        SetUpServices(options);
+        StartPlugin(options.plugin);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zorv-local: %s\n", error.what());
+        return STATUS_NOT_STARTED;
+    }
+    try {
+        return RunCommands(options);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zorv-local: %s\n", error.what());
+        return STATUS_FAILED;
+    }
+}
+
+// The plug-in cannot be stopped and its threads run on: nothing that they use may be destroyed under them.
+[[noreturn]] void Leave(int status) {
+    StopTimers();
+    std::fflush(nullptr);
+    CheckLeaks();
+    _exit(status);
+}
+}  // namespace
+
+int main(int argc, char** argv) {
+    OccupyStandardStreams();
+    std::signal(SIGPIPE, SIG_IGN);
+    std::setlocale(LC_CTYPE, "");
+    Options options;
+    if (const std::optional<int> status = ParseOptions(argc, argv, options)) {
+        return *status;
+    }
+    Leave(RunHost(options));
+}

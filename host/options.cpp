@@ -1,0 +1,88 @@
+#include "host/options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+#include <memory>
+
+#include "host/services/text.h"
+#include "host/status.h"
+
+namespace {
+constexpr const char* DESCRIPTION =
+    "Loads the diagnosis plug-in on a machine that is no storage node, and gives it a console.";
+
+constexpr const char* EXAMPLES = R"(
+COMMAND is run with its ARGS, which may begin with '-'. Without a command there is a console on a terminal;
+otherwise command lines are read from standard input.
+
+Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
+3 the plug-in could not be loaded, or the root or the log is not there.
+
+Examples:
+  zorv-local --root /tmp/world                     a console over the files below /tmp/world
+  zorv-local --root /tmp/world help                lists the commands
+  zorv-local --root /tmp/world delaydetect 60      looks for delay faults in the last hour
+  zorv-local --root /tmp/world switch set off      turns fault diagnosis off
+  zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
+)";
+
+const std::map<std::string, uint32_t> LEVELS = {
+    {"error", VPLOG_LEVEL_ERROR}, {"warning", VPLOG_LEVEL_WARNING}, {"info", VPLOG_LEVEL_INFO},
+    {"debug", VPLOG_LEVEL_DEBUG}, {"3", VPLOG_LEVEL_ERROR},         {"4", VPLOG_LEVEL_WARNING},
+    {"5", VPLOG_LEVEL_INFO},      {"7", VPLOG_LEVEL_DEBUG}};
+
+class HelpFormatter : public CLI::Formatter {
+public:
+    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
+        return "Usage: zorv-local [OPTIONS] [COMMAND [ARGS...]]\n";
+    }
+};
+
+uint32_t LevelOf(const std::string& word) {
+    const auto level = LEVELS.find(word);
+    if (level == LEVELS.end()) {
+        throw CLI::ValidationError("--log-level",
+                                   "'" + Printable(word) + "' is none of error, warning, info, debug");
+    }
+    return level->second;
+}
+
+void Declare(CLI::App& app, Options& options) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.footer(EXAMPLES);
+    app.set_version_flag("--version", "zorv-local " ZORV_LOCAL_VERSION);
+    app.add_option("--root", options.root, "Directory that stands before every fixed path; default: none")
+        ->type_name("DIR");
+    app.add_option("--plugin", options.plugin, "The plug-in; default: the one that came with this program")
+        ->type_name("FILE");
+    app.add_option("--node", options.node, "Id of this node; default: 1")->type_name("N");
+    app.add_option("--log", options.logFile, "Append the log to this file; default: standard error")
+        ->type_name("FILE");
+    app.add_option_function<std::string>(
+           "--log-level", [&options](const std::string& word) { options.logLevel = LevelOf(word); },
+           "error, warning, info or debug (or 3, 4, 5, 7); default: warning")
+        ->type_name("L");
+    app.prefix_command();
+}
+}  // namespace
+
+std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
+    CLI::App app(DESCRIPTION);
+    Declare(app, options);
+    try {
+        app.parse(argc, argv);
+        options.command = app.remaining();
+        if (!options.command.empty() && options.command.front() == "--") {
+            options.command.erase(options.command.begin());
+        } else if (!options.command.empty() && options.command.front().substr(0, 1) == "-") {
+            throw CLI::ExtrasError({Printable(options.command.front())});
+        }
+    } catch (const CLI::Success& answer) {
+        return app.exit(answer);
+    } catch (const CLI::Error& error) {
+        std::cerr << "zorv-local: " << error.what() << "\nRun with --help for more information.\n";
+        return STATUS_USAGE;
+    }
+    return std::nullopt;
+}

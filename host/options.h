@@ -1,0 +1,22 @@
+// The command line of zorv-local.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "agent/agent_log.h"
+
+struct Options {
+    std::optional<std::string> root;    // the directory that stands before the fixed paths
+    std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
+    uint32_t node = 1;
+    std::string logFile;  // empty: stderr
+    uint32_t logLevel = VPLOG_LEVEL_WARNING;
+    std::vector<std::string> command;  // the command and its arguments; empty: a console
+};
+
+// Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing
+// what was asked for or what is wrong, the status to leave with.
+std::optional<int> ParseOptions(int argc, char** argv, Options& options);

@@ -1,0 +1,48 @@
+#include "agent/agent_alarm.h"
+
+#include <json/writer.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <string>
+
+#include "host/services/files.h"
+#include "host/services/log.h"
+#include "host/services/settings.h"
+#include "host/services/text.h"
+
+namespace {
+constexpr const char* ALARM_FILE = "/VRA/coffer_log/log/alarm/alarms.jsonl";
+
+std::string AlarmLine(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
+    Json::Value alarm;
+    alarm["time"] = static_cast<Json::Int64>(std::time(nullptr));
+    alarm["node"] = GetHostSettings().node;
+    alarm["module"] = module;
+    alarm["alarmId"] = static_cast<Json::UInt64>(alarmId);
+    alarm["type"] = type;
+    alarm["text"] = text;
+    Json::StreamWriterBuilder writer;
+    writer["indentation"] = "";
+    return Json::writeString(writer, alarm);
+}
+
+uint32_t RaiseAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
+    std::fprintf(stderr, "alarm 0x%" PRIX64 " of module %u, type %u: %s\n", alarmId, module, type,
+                 Printable(text).c_str());
+    const std::string path = RootedPath(ALARM_FILE);
+    if (!MakeDirectoryOf(path) || !AppendLine(path, AlarmLine(module, alarmId, type, text))) {
+        HOST_LOG(VPLOG_LEVEL_ERROR, "%s cannot be written: %s", path.c_str(), std::strerror(errno));
+        return 1;
+    }
+    return 0;
+}
+}  // namespace
+
+uint32_t ALM_SendAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
+    return Guarded("alarm", 1U,
+                   [=] { return RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
+}

@@ -1,0 +1,101 @@
+#include "host/services/console.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+#include <string>
+#include <string_view>
+
+#include "host/services/immortal.h"
+#include "host/services/log.h"
+#include "host/services/text.h"
+
+namespace {
+constexpr std::string_view ERROR_START = "\t\t[ERROR]: ";
+constexpr std::string_view INNER_ERROR = "\ninner error\n";
+
+struct Groups {
+    std::mutex mutex;
+    std::vector<std::string> names;
+    std::vector<RegisteredCommand> commands;
+};
+
+std::atomic<bool> g_errorLine{false};
+std::atomic<int> g_outputError{0};
+
+Groups& AllGroups() {
+    static Groups& groups = MakeImmortal<Groups>();
+    return groups;
+}
+
+void Print(std::string_view text) {
+    if (text.substr(0, ERROR_START.size()) == ERROR_START || text == INNER_ERROR) {
+        g_errorLine = true;
+    }
+    const bool printed =
+        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    int none = 0;
+    if (!printed) {
+        g_outputError.compare_exchange_strong(none, errno == 0 ? EIO : errno);
+    }
+}
+
+bool IsComplete(const ZORV_DIAG_CMD_S* table) {
+    for (; table->name != nullptr; ++table) {
+        if (table->handler == nullptr) {
+            return false;
+        }
+    }
+    return true;
+}
+
+uint32_t AddGroup(const char* group, const ZORV_DIAG_CMD_S* table) {
+    Groups& groups = AllGroups();
+    const std::lock_guard<std::mutex> lock(groups.mutex);
+    for (const std::string& name : groups.names) {
+        if (name == group) {
+            return 1;
+        }
+    }
+    std::vector<RegisteredCommand> commands = groups.commands;
+    for (; table->name != nullptr; ++table) {
+        commands.push_back({group, table});
+    }
+    groups.names.emplace_back(group);
+    groups.commands = std::move(commands);
+    return 0;
+}
+}  // namespace
+
+std::vector<RegisteredCommand> RegisteredCommands() {
+    Groups& groups = AllGroups();
+    const std::lock_guard<std::mutex> lock(groups.mutex);
+    return groups.commands;
+}
+
+bool TakeErrorLine() {
+    return g_errorLine.exchange(false);
+}
+
+int OutputError() {
+    return g_outputError;
+}
+
+void DBG_Print(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    Guarded("console output", 0, [&] {
+        Print(FormatText(format, args));
+        return 0;
+    });
+    va_end(args);
+}
+
+uint32_t Zorvdebug_RegDiagnose(const char* group, ZORV_DIAG_CMD_S* table) {
+    if (group == nullptr || table == nullptr || !IsComplete(table)) {
+        return 1;
+    }
+    return Guarded("console registration", 1U, [=] { return AddGroup(group, table); });
+}

@@ -1,0 +1,37 @@
+// Files that survive a crash.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// A file descriptor that is closed with its owner; below 0 when it could not be opened.
+class OwnedFd {
+public:
+    explicit OwnedFd(int number) : fd(number) {}
+    ~OwnedFd();
+    OwnedFd(const OwnedFd&) = delete;
+    OwnedFd& operator=(const OwnedFd&) = delete;
+
+    int Get() const { return fd; }
+    explicit operator bool() const { return fd >= 0; }
+
+private:
+    int fd;
+};
+
+// Makes sure that the directory of the file `path` is there, and will be after a power cut. Returns success.
+// Any thread; blocks on file I/O, as all of these do. errno tells what went wrong.
+bool MakeDirectoryOf(const std::string& path);
+
+// Replaces the content of the file `path`, whose directory must be there: whatever happens, a reader finds
+// the old content or the new one. Processes and threads that do so in one directory take turns. Returns true
+// when the new content is on disk.
+bool ReplaceFile(const std::string& path, std::string_view content);
+
+// Appends `line` and a line end to the file `path` in one piece, and makes a missing file. Returns true when
+// the line is on disk.
+bool AppendLine(const std::string& path, const std::string& line);
+
+// Reads the whole of the regular file `path`. Returns false, with `content` unchanged, when that is not
+// possible or the file is longer than `most` bytes.
+bool ReadSmallFile(const std::string& path, size_t most, std::string& content);

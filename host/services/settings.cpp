@@ -1,0 +1,22 @@
+#include "host/services/settings.h"
+
+#include "host/services/immortal.h"
+
+namespace {
+HostSettings& Settings() {
+    static HostSettings& settings = MakeImmortal<HostSettings>();
+    return settings;
+}
+}  // namespace
+
+void SetHostSettings(const HostSettings& settings) {
+    Settings() = settings;
+}
+
+const HostSettings& GetHostSettings() {
+    return Settings();
+}
+
+std::string RootedPath(const std::string& path) {
+    return GetHostSettings().root + path;
+}

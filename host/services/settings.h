@@ -1,0 +1,22 @@
+// What the services of this process are set up with.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <string>
+
+struct HostSettings {
+    std::string root;     // a directory that stands before every fixed path; empty: none
+    uint32_t node = 1;    // this node's id
+    uint32_t master = 1;  // the id of the cluster's master node
+    std::chrono::milliseconds messageDeadline{3000};  // how long a request waits for its answer
+};
+
+// Replaces the settings (at first the defaults). Not thread-safe: call it before other threads use a service.
+void SetHostSettings(const HostSettings& settings);
+
+// The settings, valid as long as the process. Any thread.
+const HostSettings& GetHostSettings();
+
+// `path` as it is found under the root.
+std::string RootedPath(const std::string& path);

@@ -1,0 +1,5 @@
+extern "C" int SomethingElse();
+
+int SomethingElse() {
+    return 0;
+}
