@@ -1,0 +1,77 @@
+// The graphs of the simulated storage system as tables: one source for the list of trace points, for the way
+// in which delays and errors spread, and for the route configuration.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+namespace lumosim {
+
+// FLOW graphs carry delays, ERRCODE graphs carry error counts, FACTOR graphs list a module's points.
+enum class GraphFamily { FLOW, ERRCODE, FACTOR };
+
+// What a node is besides a point: where the walk goes on below it, and how an error-code graph counts it.
+struct NodeRole {
+    std::string_view subGraph = {};  // the graph that continues below the node; empty: none
+    std::string_view attr = {};      // words of an error-code node: "whole", "automic", "follow"
+    std::string_view erridx = {};    // error index of an atomic node, as text
+    std::string_view qname = {};     // the point that an atomic node is counted by; empty: itself
+};
+
+constexpr NodeRole PLAIN = {};
+constexpr NodeRole WHOLE = {{}, "whole"};
+constexpr NodeRole FOLLOW = {{}, "whole follow"};
+constexpr NodeRole ATOMIC_ERROR = {{}, "automic", "-1"};
+constexpr NodeRole ATOMIC_RETRY = {{}, "automic", "-2"};
+constexpr NodeRole ATOMIC_DENIED = {{}, "automic", "-3"};
+
+constexpr NodeRole HandOver(std::string_view graph) {
+    return {graph};
+}
+constexpr NodeRole WholeHandOver(std::string_view graph) {
+    return {graph, "whole"};
+}
+constexpr NodeRole CountedBy(std::string_view point, std::string_view erridx) {
+    return {{}, "automic", erridx, point};
+}
+
+// One row of a graph's outline: a node below the nearest row above it that has a smaller depth. A point that
+// the graph has already is no second node but a second parent of the first. Description and advice of a
+// point are those of the first row of all graphs that gives any. A description that begins with "MODULE"
+// makes a node that groups points and is none itself.
+struct GraphRow {
+    int depth;
+    std::string_view point;
+    NodeRole role = PLAIN;
+    std::string_view description = {};
+    std::string_view advice = {};
+};
+
+// A named graph. The rows are static data.
+struct GraphTable {
+    std::string_view name;
+    GraphFamily family;
+    const GraphRow* rows;
+    size_t count;
+
+    template <size_t N>
+    constexpr GraphTable(std::string_view graphName, GraphFamily graphFamily, const GraphRow (&graphRows)[N])
+        : name(graphName), family(graphFamily), rows(graphRows), count(N) {}
+
+    const GraphRow* begin() const { return rows; }
+    const GraphRow* end() const { return rows + count; }
+};
+
+std::vector<GraphTable> SanFlowGraphs();
+std::vector<GraphTable> NasFlowGraphs();
+std::vector<GraphTable> PoolFlowGraphs();
+std::vector<GraphTable> SanErrorGraphs();
+std::vector<GraphTable> NasErrorGraphs();
+std::vector<GraphTable> PoolErrorGraphs();
+std::vector<GraphTable> FactorGraphs();
+
+// All of them, in the order above.
+std::vector<GraphTable> AllGraphs();
+
+}  // namespace lumosim

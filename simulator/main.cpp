@@ -1,0 +1,41 @@
+#include <cstdio>
+#include <exception>
+
+#include "simulator/options.h"
+#include "simulator/progress.h"
+#include "simulator/world.h"
+
+namespace {
+
+enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1, EXIT_USAGE = 2 };
+
+lumosim::WorldSummary WriteWithProgress(const lumosim::WorldOptions& options) {
+    lumosim::TerminalProgress progress;
+    return lumosim::WriteWorld(options, [&progress](double done) { progress.Show(done); });
+}
+
+int Run(int argc, char** argv) {
+    const lumosim::Request request = lumosim::ParseCommandLine(argc, argv);
+    if (request.text) {
+        std::fputs(request.text->c_str(), stdout);
+        return EXIT_WRITTEN;
+    }
+    const lumosim::WorldSummary summary = WriteWithProgress(request.world);
+    std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
+                summary.pointCount, summary.rowCount, summary.truthFile.c_str());
+    return EXIT_WRITTEN;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (const lumosim::BadInput& error) {
+        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
+        return EXIT_USAGE;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
+        return EXIT_NOT_WRITTEN;
+    }
+}

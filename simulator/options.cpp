@@ -1,0 +1,103 @@
+#include "simulator/options.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <ctime>
+
+#include "simulator/local_time.h"
+#include "simulator/scenario.h"
+
+namespace lumosim {
+namespace {
+
+constexpr char DESCRIPTION[] =
+    "Plays the storage system: writes statistics, heal events and a route configuration under a folder,\n"
+    "with a planted fault, and the truth about it as truth.json.";
+
+constexpr char EXAMPLES[] =
+    "Examples:\n"
+    "  lumo-sim --root /tmp/world\n"
+    "  lumo-sim --root /tmp/world --scenario nas-slow --seed 7\n"
+    "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000\n"
+    "\n"
+    "Exit status: 0 written, 1 a file cannot be written, 2 bad usage.";
+
+std::string ScenarioList() {
+    std::string text;
+    for (const Scenario& scenario : Scenarios()) {
+        std::string name(scenario.name);
+        name.resize(14, ' ');
+        text += name + std::string(scenario.summary) + "\n";
+    }
+    return text;
+}
+
+// What is wrong with a seed; empty: nothing.
+std::string CheckSeed(const std::string& text) {
+    uint64_t seed = 0;
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, seed);
+    return result.ec == std::errc() && result.ptr == end ? "" : "must be a number of 64 bits, not " + text;
+}
+
+int64_t EndTime(const std::string& text, const WorldOptions& options) {
+    if (text.empty()) {
+        const int64_t now = std::time(nullptr);
+        return options.step > 0 ? now - now % options.step : now;
+    }
+    const auto end = ParseCompactTime(text, options.zoneOffset);
+    if (!end) {
+        throw BadInput("--end must be a local date and time as YYYYMMDDhhmmss, not \"" + text + "\"");
+    }
+    return *end;
+}
+
+}  // namespace
+
+Request ParseCommandLine(int argc, const char* const* argv) {
+    Request request;
+    WorldOptions& world = request.world;
+    std::string root;
+    std::string end;
+    bool list = false;
+    CLI::App app(DESCRIPTION, "lumo-sim");
+    app.footer(EXAMPLES);
+    app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
+        ->type_name("DIR");
+    app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
+        ->type_name("NAME")
+        ->capture_default_str();
+    app.add_option("--seed", world.seed, "The same seed gives the same world")
+        ->check(CheckSeed)
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--hours", world.hours, "Length of the range")->type_name("H")->capture_default_str();
+    app.add_option("--step", world.step, "Time between two samples")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--end", end, "End of the range, local time; now when left out")
+        ->type_name("YYYYMMDDhhmmss");
+    app.add_flag("--list", list, "Lists the scenarios");
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        request.text = app.help();
+        return request;
+    } catch (const CLI::ParseError& error) {
+        throw BadInput(error.what());
+    }
+    if (list) {
+        request.text = ScenarioList();
+        return request;
+    }
+    if (root.empty()) {
+        throw BadInput("--root DIR is missing");
+    }
+    world.root = root;
+    world.zoneOffset = ZoneOffset();
+    world.end = EndTime(end, world);
+    CheckOptions(world);
+    return request;
+}
+
+}  // namespace lumosim

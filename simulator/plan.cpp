@@ -1,0 +1,130 @@
+#include "simulator/plan.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+
+namespace lumosim {
+namespace {
+
+constexpr int64_t FAULT_SECONDS = 120;
+constexpr int64_t FAULT_MINIMUM_SAMPLES = 2;
+constexpr int64_t ECHO_SAMPLES = 6;  // after the fault has ended at the point itself
+// A request that takes long is counted by whoever waits for it, and by some of them in the next interval.
+constexpr double LATE_SHARE = 0.25;
+// Of a child's errors, some are mended by its parent.
+constexpr double ERROR_SHARE = 0.9;
+constexpr int64_t QUIET_SECONDS = 480;  // around a fault
+constexpr double LOST_ROW_SHARE = 0.02;
+
+constexpr uint64_t FAULT_STREAM = Noise::Hash("fault");
+constexpr uint64_t GAP_STREAM = Noise::Hash("gap");
+constexpr uint64_t LOST_ROW_SALT = 15;
+
+// How much of the worst a fault of `length` samples shows at sample i: it comes, peaks in the middle, goes.
+double Shape(int64_t i, int64_t length) {
+    const double offCentre =
+        static_cast<double>(std::abs(2 * i - (length - 1))) / static_cast<double>(length - 1);
+    return 1 - 0.4 * offCentre;
+}
+
+// Adds to every point what its children have, times the share that reaches it, part of it a sample later.
+template <typename Share>
+void SpreadToParents(const Dependencies& dependencies, Share share,
+                     std::vector<std::vector<double>>& series) {
+    for (const size_t parent : dependencies.childrenFirst) {
+        for (size_t i = 0; i < dependencies.children[parent].size(); ++i) {
+            const std::vector<double>& child = series[dependencies.children[parent][i]];
+            double before = 0;
+            for (size_t k = 0; k < child.size(); ++k) {
+                series[parent][k] += share(parent, i) * ((1 - LATE_SHARE) * child[k] + LATE_SHARE * before);
+                before = child[k];
+            }
+        }
+    }
+}
+
+}  // namespace
+
+Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Topology& topology,
+           const Levels& levels, const Noise& worldNoise)
+    : options(worldOptions), noise(worldNoise), constant(topology.Points().size()) {
+    for (const std::string_view point : scenario.constantPoints) {
+        constant[topology.IndexOf(point)] = true;
+    }
+    if (scenario.fault.kind != FaultKind::NONE) {
+        PlantFault(scenario.fault, topology, levels);
+    }
+    if (scenario.hasGaps) {
+        PlanGaps();
+    }
+}
+
+void Plan::PlantFault(const FaultRecipe& recipe, const Topology& topology, const Levels& levels) {
+    GraphPath path = topology.FindPath(recipe.graph, recipe.point);
+    if (path.points.empty()) {
+        throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
+                               std::string(recipe.point));
+    }
+    const int64_t samples = options.SampleCount();
+    // Short against the range, whose deviation would otherwise widen until the fault hides in it.
+    const int64_t length = std::max(FAULT_SECONDS / options.step, FAULT_MINIMUM_SAMPLES);
+    const double place = 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0);
+    const int64_t first = static_cast<int64_t>(place * static_cast<double>(samples));
+    fault = PlantedFault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1)};
+
+    const bool isDelay = recipe.kind == FaultKind::DELAY;
+    const size_t point =
+        isDelay ? topology.IndexOf(recipe.point) : topology.ErrorCounterOf(topology.IndexOf(recipe.point));
+    const double unit =
+        isDelay ? levels.usualDelay[point] : levels.rate[point] * static_cast<double>(options.step);
+    added.assign(topology.Points().size(), std::vector<double>(static_cast<size_t>(length + ECHO_SAMPLES)));
+    for (int64_t i = 0; i < length; ++i) {
+        const double flicker = 1 + 0.05 * noise.Symmetric(FAULT_STREAM, i, 1);
+        added[point][static_cast<size_t>(i)] = recipe.strength * unit * Shape(i, length) * flicker;
+    }
+    if (isDelay) {
+        SpreadToParents(
+            topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; }, added);
+    } else {
+        SpreadToParents(
+            topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, added);
+    }
+}
+
+void Plan::PlanGaps() {
+    const int64_t firstFullHour =
+        (options.Start() + SECONDS_PER_HOUR - 1) / SECONDS_PER_HOUR * SECONDS_PER_HOUR;
+    gaps.emplace_back(firstFullHour, firstFullHour + SECONDS_PER_HOUR);
+    for (int64_t i = 0; i < 4; ++i) {
+        const double place = noise.Uniform(GAP_STREAM, i, 0);
+        const int64_t first = static_cast<int64_t>(place * static_cast<double>(options.SampleCount()));
+        const int64_t length = 3 + static_cast<int64_t>(4 * noise.Uniform(GAP_STREAM, i, 1));
+        gaps.emplace_back(options.TimeOf(first), options.TimeOf(first + length));
+    }
+}
+
+bool Plan::IsNearFault(int64_t time) const {
+    return fault && time >= fault->start - QUIET_SECONDS &&
+           time <= fault->last + std::max(QUIET_SECONDS, ECHO_SAMPLES * options.step);
+}
+
+bool Plan::IsMissing(size_t point, int64_t time) const {
+    if (gaps.empty() || IsNearFault(time)) {
+        return false;
+    }
+    return noise.Uniform(GAP_STREAM + point, time, LOST_ROW_SALT) < LOST_ROW_SHARE ||
+           std::any_of(gaps.begin(), gaps.end(),
+                       [time](const auto& gap) { return time >= gap.first && time < gap.second; });
+}
+
+double Plan::Added(FaultKind kind, size_t point, int64_t time) const {
+    if (!fault || fault->recipe.kind != kind || time < fault->start) {
+        return 0;
+    }
+    const auto sample = static_cast<size_t>((time - fault->start) / options.step);
+    return sample < added[point].size() ? added[point][sample] : 0;
+}
+
+}  // namespace lumosim

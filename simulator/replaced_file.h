@@ -1,0 +1,35 @@
+// A file that is written beside the one it replaces, so that a reader finds the old one or the new one,
+// whole, at any time.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace lumosim {
+
+class ReplacedFile {
+public:
+    // Creates the folder of `target`, and removes what an interrupted run left beside it. Throws
+    // std::filesystem::filesystem_error.
+    explicit ReplacedFile(std::filesystem::path target);
+    // Removes the new file unless it was committed.
+    ~ReplacedFile();
+    ReplacedFile(ReplacedFile&& other) noexcept;
+    ReplacedFile(const ReplacedFile&) = delete;
+    ReplacedFile& operator=(const ReplacedFile&) = delete;
+    ReplacedFile& operator=(ReplacedFile&&) = delete;
+
+    // Where the new file is to be written. Nothing is there before.
+    const std::filesystem::path& NewPath() const { return newPath; }
+    // Writes `text` as the new file. Throws std::runtime_error.
+    void Write(const std::string& text) const;
+    // Puts the new file in the old one's place. A database's journals of the old file go with it: they would
+    // be rolled back into the new one. Throws std::filesystem::filesystem_error.
+    void Commit();
+
+private:
+    std::filesystem::path target;
+    std::filesystem::path newPath;  // empty: committed or moved away
+};
+
+}  // namespace lumosim

@@ -1,0 +1,95 @@
+#include "simulator/scenario.h"
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+namespace lumosim {
+namespace {
+
+constexpr int64_t ONE_WEEK = 604800;  // no range is longer
+constexpr FaultRecipe SLOW_DISK = {FaultKind::DELAY, "SAN_IO_READ", "BDM_DISK_READ", 20};
+
+// Number of characters to insert, delete or replace between two texts.
+size_t EditDistance(std::string_view left, std::string_view right) {
+    std::vector<size_t> row(right.size() + 1);
+    std::iota(row.begin(), row.end(), size_t{0});
+    for (size_t i = 0; i < left.size(); ++i) {
+        size_t diagonal = std::exchange(row[0], i + 1);
+        for (size_t j = 0; j < right.size(); ++j) {
+            const size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+}  // namespace
+
+const std::vector<Scenario>& Scenarios() {
+    static const std::vector<Scenario> scenarios = {
+        {"healthy", "Nothing is wrong."},
+        {"slow-disk", "A data disk answers slowly, and host reads with it.", SLOW_DISK},
+        {"slow-network",
+         "Acknowledgements between the nodes are late, and host writes with them.",
+         {FaultKind::DELAY, "SAN_IO_WRITE", "SPACE_IOTUNNEL_UC_ACK_WRITE", 120}},
+        {"nas-slow",
+         "The file system's log commits slowly, and NFSv3 with it.",
+         {FaultKind::DELAY, "NAS_IO_NFSV3", "FS_NFSV3_LOG_COMMIT", 250}},
+        {"error-burst",
+         "A data disk has unreadable sectors, and host reads fail.",
+         {FaultKind::ERROR, "ERRCODE_SAN_PROTO", "BDM_DISK_MEDIUM_ERROR", 0.05, 0}},
+        {"healed",
+         "As slow-disk, and the agent has healed the disk and the pool meanwhile.",
+         SLOW_DISK,
+         {{-ONE_WEEK, "BDM", "IOHANG", "DISK_SLOW", 1},
+          {45, "BDM", "IOHANG", "DISK_SLOW", 1},
+          {60, "BDM", "IOHANG", "DISK_SLOW", 2},
+          {75, "CACHE", "MEMLEAK", "PAGE_LOST", 1},
+          {90, "POOL", "IOERR", "DISK_FAULT", 1},
+          {ONE_WEEK, "POOL", "IOERR", "DISK_FAULT", 1}}},
+        {"gaps",
+         "As slow-disk, but an hour, some intervals and single rows of the statistics are missing.",
+         SLOW_DISK,
+         {},
+         {},
+         true,
+         4},
+        {"constant",
+         "Nothing is wrong, and the statistics of some points never change.",
+         {},
+         {},
+         {"TGT_LUMO_HOST_CMD", "SPACE_SPLIT_IO_READ_TOTAL", "SPACE_SPLIT_IO_LOCAL_WRITE",
+          "POOL_DOP_READ_TIME_IN_POOL", "BDM_OB_DISK_QUEUE_READ", "NAS_NFSV3_PROC_ALL"}},
+    };
+    return scenarios;
+}
+
+const Scenario* FindScenario(std::string_view name) {
+    const auto& all = Scenarios();
+    const auto place =
+        std::find_if(all.begin(), all.end(), [&](const Scenario& one) { return one.name == name; });
+    return place == all.end() ? nullptr : &*place;
+}
+
+std::vector<std::string_view> NearestScenarios(std::string_view name) {
+    constexpr size_t FAR_OFF = 6;
+    std::vector<std::pair<size_t, std::string_view>> ranked;
+    for (const Scenario& scenario : Scenarios()) {
+        const size_t distance = EditDistance(name, scenario.name);
+        if (distance < FAR_OFF) {
+            ranked.emplace_back(distance, scenario.name);
+        }
+    }
+    std::sort(ranked.begin(), ranked.end());
+    ranked.resize(std::min<size_t>(ranked.size(), 3));
+    std::vector<std::string_view> names;
+    names.reserve(ranked.size());
+    for (const auto& entry : ranked) {
+        names.push_back(entry.second);
+    }
+    return names;
+}
+
+}  // namespace lumosim

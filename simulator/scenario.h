@@ -1,0 +1,49 @@
+// The scenarios: what is planted into a healthy world, as data.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumosim {
+
+enum class FaultKind { NONE, DELAY, ERROR };
+
+// A fault at `point`, below the first node of `graph` (hand-overs included).
+struct FaultRecipe {
+    FaultKind kind = FaultKind::NONE;
+    std::string_view graph = {};
+    std::string_view point = {};
+    // DELAY: the added delay at its worst, in multiples of the point's usual delay.
+    // ERROR: the share of the point's requests that fail at the worst.
+    double strength = 0;
+    int errorColumn = 0;  // ERROR: which of errCode0 to errCode4 counts
+};
+
+// A healing action, `offset` seconds after the fault began.
+struct HealRecipe {
+    int64_t offset;
+    std::string_view module, cause, inferredCause;
+    int node;
+};
+
+struct Scenario {
+    std::string_view name;
+    std::string_view summary;  // one sentence
+    FaultRecipe fault = {};
+    std::vector<HealRecipe> heals = {};
+    std::vector<std::string_view> constantPoints = {};  // statistics that never change
+    bool hasGaps = false;                               // an hour, some intervals and single rows are missing
+    int64_t minimumHours = 1;
+};
+
+const std::vector<Scenario>& Scenarios();
+
+// The scenario named `name`; null when there is none.
+const Scenario* FindScenario(std::string_view name);
+
+// The names of the scenarios that `name` may have been meant for, nearest first; at most three.
+std::vector<std::string_view> NearestScenarios(std::string_view name);
+
+}  // namespace lumosim

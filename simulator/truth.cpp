@@ -1,0 +1,91 @@
+#include "simulator/truth.h"
+
+#include "simulator/json_text.h"
+#include "simulator/local_time.h"
+
+namespace lumosim {
+namespace {
+
+bool IsDelay(const PlantedFault& fault) {
+    return fault.recipe.kind == FaultKind::DELAY;
+}
+
+Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const PlantedFault& fault,
+                       const PeakFinder& peak) {
+    Json::Value value(Json::objectValue);
+    value["kind"] = IsDelay(fault) ? "delay" : "error";
+    value["point"] = std::string(fault.recipe.point);
+    value["graph"] = std::string(fault.path.graph);
+    value["advice"] = std::string(topology.Points()[topology.IndexOf(fault.recipe.point)].advice);
+    value["path"] = Json::Value(Json::arrayValue);
+    for (const std::string_view point : fault.path.points) {
+        value["path"].append(std::string(point));
+    }
+    if (IsDelay(fault)) {
+        value["detector_point"] = std::string(fault.path.points.front());
+    } else {
+        value["detector_point"] = Json::Value();
+        value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
+    }
+    value["start_epoch"] = Json::Int64{fault.start};
+    value["end_epoch"] = Json::Int64{fault.last};
+    value["peak_epoch"] = Json::Int64{peak.Time()};
+    value["peak_local"] = ReadableTime(peak.Time(), options.zoneOffset);
+    value["peak_compact"] = CompactTime(peak.Time(), options.zoneOffset);
+    value["peak_value"] = Json::Int64{peak.Value()};
+    return value;
+}
+
+Json::Value EventValue(const HealEvent& event) {
+    Json::Value value(Json::objectValue);
+    value["healtime"] = event.time;
+    value["modulename"] = std::string(event.recipe.module);
+    value["healcause"] = std::string(event.recipe.cause);
+    value["infercause"] = std::string(event.recipe.inferredCause);
+    value["nodeid"] = event.recipe.node;
+    return value;
+}
+
+}  // namespace
+
+PeakFinder::PeakFinder(const Topology& topology, const Plan& worldPlan) : plan(worldPlan) {
+    if (const PlantedFault* fault = plan.Fault()) {
+        watched = topology.IndexOf(IsDelay(*fault) ? fault->path.points.front() : fault->recipe.point);
+    }
+}
+
+void PeakFinder::Observe(size_t point, int64_t sampleTime, const Sample& sample) {
+    if (point != watched) {
+        return;
+    }
+    const FaultRecipe& recipe = plan.Fault()->recipe;
+    const int64_t found = recipe.kind == FaultKind::DELAY
+                              ? sample.averageDelay
+                              : sample.errorCodes[static_cast<size_t>(recipe.errorColumn)];
+    if (found > value) {
+        time = sampleTime;
+        value = found;
+    }
+}
+
+std::string Truth(const WorldOptions& options, const Topology& topology, const Plan& plan,
+                  const PeakFinder& peak, const std::vector<HealEvent>& events) {
+    Json::Value truth(Json::objectValue);
+    truth["version"] = 1;
+    truth["scenario"] = options.scenario;
+    truth["seed"] = Json::UInt64{options.seed};
+    truth["start"] = CompactTime(options.Start(), options.zoneOffset);
+    truth["start_epoch"] = Json::Int64{options.Start()};
+    truth["end"] = CompactTime(options.end, options.zoneOffset);
+    truth["end_epoch"] = Json::Int64{options.end};
+    truth["step"] = Json::Int64{options.step};
+    truth["fault"] =
+        plan.Fault() != nullptr ? FaultValue(options, topology, *plan.Fault(), peak) : Json::Value();
+    truth["heal_events"] = Json::Value(Json::arrayValue);
+    for (const HealEvent& event : events) {
+        truth["heal_events"].append(EventValue(event));
+    }
+    return JsonText(truth);
+}
+
+}  // namespace lumosim

@@ -1,0 +1,45 @@
+#include "simulator/world_options.h"
+
+#include "simulator/scenario.h"
+
+namespace lumosim {
+namespace {
+
+void CheckRange(const char* option, int64_t value, int64_t least, int64_t most) {
+    if (value < least || value > most) {
+        throw BadInput(std::string(option) + " must be from " + std::to_string(least) + " to " +
+                       std::to_string(most) + ", not " + std::to_string(value));
+    }
+}
+
+const Scenario& CheckScenario(const std::string& name) {
+    if (const Scenario* scenario = FindScenario(name)) {
+        return *scenario;
+    }
+    std::string text = "there is no scenario \"" + name + "\"";
+    const char* separator = "; did you mean ";
+    for (const std::string_view near : NearestScenarios(name)) {
+        text += separator + std::string(near);
+        separator = " or ";
+    }
+    throw BadInput(text + " (--list shows all)");
+}
+
+}  // namespace
+
+void CheckOptions(const WorldOptions& options) {
+    const Scenario& scenario = CheckScenario(options.scenario);
+    CheckRange("--hours", options.hours, 1, MAXIMUM_HOURS);
+    CheckRange("--step", options.step, 1, MAXIMUM_STEP);
+    if (options.hours < scenario.minimumHours) {
+        throw BadInput("scenario " + options.scenario + " needs at least " +
+                       std::to_string(scenario.minimumHours) + " hours");
+    }
+    if (options.SampleCount() < MINIMUM_SAMPLES || options.SampleCount() > MAXIMUM_SAMPLES) {
+        throw BadInput("--hours and --step make " + std::to_string(options.SampleCount()) +
+                       " samples per point; possible are " + std::to_string(MINIMUM_SAMPLES) + " to " +
+                       std::to_string(MAXIMUM_SAMPLES));
+    }
+}
+
+}  // namespace lumosim

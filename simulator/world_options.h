@@ -1,0 +1,43 @@
+// What a world is made from.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+
+namespace lumosim {
+
+constexpr int64_t SECONDS_PER_HOUR = 3600;
+
+constexpr int64_t MAXIMUM_HOURS = 168;
+constexpr int64_t MAXIMUM_STEP = 300;
+// A burst of two samples must stand out of its range.
+constexpr int64_t MINIMUM_SAMPLES = 60;
+constexpr int64_t MAXIMUM_SAMPLES = 172800;
+
+// A request that cannot be served as it is; the text is for the user.
+class BadInput : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+struct WorldOptions {
+    std::filesystem::path root;
+    std::string scenario = "slow-disk";
+    uint64_t seed = 42;
+    int64_t hours = 4;
+    int64_t step = 30;       // seconds between two samples of a point
+    int64_t end = 0;         // UTC; the first sample lies `hours` before, the last one `step` before
+    int64_t zoneOffset = 0;  // seconds east of UTC, whole hours
+
+    int64_t Start() const { return end - hours * SECONDS_PER_HOUR; }
+    int64_t SampleCount() const { return hours * SECONDS_PER_HOUR / step; }
+    int64_t TimeOf(int64_t sample) const { return Start() + sample * step; }
+};
+
+// Throws BadInput when the scenario is unknown, or a number is out of its range or too small for the
+// scenario.
+void CheckOptions(const WorldOptions& options);
+
+}  // namespace lumosim
