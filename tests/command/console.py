@@ -1,0 +1,94 @@
+"""What the tests of whole consoles share: worlds in temporary directories, and programs run on them."""
+import os
+import sqlite3
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+BIN = Path(os.environ["SMARTDIAGNOSE_BIN"])
+ZONE = 8 * 3600  # the tests run in CST-8
+DATABASE = "VRA/data/lumo/lumo_diagnose_data.db"
+HEAL_DATABASE = "VRA/data/zorv/zorv_heal.db"
+CONFIG = "VRA/zorv/conf/route_config.json"
+POINTS = ["TGT_LUMO_HOST_READ", "TGT_LUMO_HOST_WRITE", "TGT_LUMO_HOST_CMD", "NAS_TRANS_ALL"]
+
+TITLE = "\nSmartDiagnose Anomaly Point\n"
+DELAY_HEADER = TITLE + "lumoLocName                        anomalyTime               anomalyValue\n"
+SIMU_HEADER = TITLE + "lumoLocName                        timeStamp               nomalyVal\n"
+
+
+def error(text):
+    return f"\t\t[ERROR]: {text}\n"
+
+
+def compact(seconds):
+    return time.strftime("%Y%m%d%H%M%S", time.gmtime(seconds + ZONE))
+
+
+def readable(seconds):
+    local = time.gmtime(seconds + ZONE)
+    return f"{local[0]}/{local[1]}/{local[2]} {local[3]}:{local[4]}:{local[5]}"
+
+
+def delay_listing(rows):
+    return DELAY_HEADER + "".join(f"{point:<35}{readable(when):<24}{value:<20}\n" for point, when, value in rows)
+
+
+def eventually(condition, seconds=60):
+    deadline = time.monotonic() + seconds
+    while not condition():
+        if time.monotonic() > deadline:
+            return False
+        time.sleep(0.01)
+    return True
+
+
+class ConsoleTest(unittest.TestCase):
+    """Each test has an empty world: the folders at their fixed paths."""
+    maxDiff = None
+
+    def setUp(self):
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.root = Path(holder.name)
+        for file in (DATABASE, HEAL_DATABASE, CONFIG):
+            (self.root / file).parent.mkdir(parents=True)
+
+    def simulate(self, *options):
+        subprocess.run([BIN / "lumo-sim", "--root", self.root, *options], check=True, stdout=subprocess.DEVNULL)
+
+    def statistics(self, tables, to=DATABASE):
+        """Writes a new database: {table: [(point, time, delay), ...]}, cells as they are; deletes the old one."""
+        (self.root / to).unlink(missing_ok=True)
+        database = sqlite3.connect(self.root / to, isolation_level=None)
+        database.execute("pragma synchronous = off")
+        database.execute("begin")
+        database.execute("create table version_nmaps(locateid, locatename)")
+        database.executemany("insert into version_nmaps values(?, ?)", enumerate(POINTS))
+        database.execute("create table table_flag(tablename, reporttime)")
+        for number, (table, rows) in enumerate(tables.items()):
+            database.execute("insert into table_flag values(?, ?)", (table, number))
+            database.execute(f'create table "{table}"(locateid, curtime, avgdelay)')
+            database.executemany(f'insert into "{table}" values(?, ?, ?)',
+                                 [(POINTS.index(point), when, delay) for point, when, delay in rows])
+        database.execute("commit")
+        database.close()
+        sqlite3.connect(self.root / HEAL_DATABASE).close()
+        (self.root / HEAL_DATABASE).touch()
+
+    def start(self, *options, **streams):
+        return subprocess.Popen([BIN / "zorv-local", "--root", self.root, *options], stdin=subprocess.PIPE, **streams)
+
+    def run_lines(self, lines, *options):
+        """Runs command lines from a pipe: status, stdout, stderr."""
+        console = self.start(*options, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        out, err = console.communicate(lines if isinstance(lines, bytes) else lines.encode())
+        return console.returncode, out.decode(errors="replace"), err.decode(errors="replace")
+
+    def expect(self, lines, status, screen):
+        """Compares the whole screen and the exit status; returns what went to stderr."""
+        found_status, out, err = self.run_lines(lines)
+        self.assertEqual((out, found_status), (screen, status), err)
+        return err

@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""Checks of the sources that need no build: lint.py CHECK SOURCE_DIR BUILD_DIR [TOOL...]. Prints what is wrong."""
+import json
+import re
+import subprocess
+import sys
+from pathlib import Path
+
+# Who may include whom; all may include themselves and agent/. A folder is one unit, or several named here.
+SHARED_FOLDERS = {
+    "fault_algorithm": ["fault_anomalydetect", "fault_correlation", "fault_rootcause"],
+    "fault_spectrum_graph": ["fault_causality_errcode_graph", "fault_causality_graph", "fault_detect_object",
+                             "fault_json_object"],
+}
+GRAPHS = {"fault_causality_graph", "fault_causality_errcode_graph"}
+ARROWS = {
+    "agent": set(),
+    "fault_common": set(),
+    "fault_switch": set(),
+    "fault_database": set(),
+    "fault_json_object": set(),
+    "fault_correlation": set(),
+    "fault_detect_object": {"fault_correlation", "fault_database"},
+    "fault_anomalydetect": {"fault_detect_object"},
+    "fault_causality_graph": {"fault_correlation", "fault_database", "fault_json_object"},
+    "fault_causality_errcode_graph": {"fault_causality_graph", "fault_correlation", "fault_database",
+                                      "fault_json_object"},
+    "fault_rootcause": GRAPHS | {"fault_json_object", "fault_correlation"},
+    "fault_debug": GRAPHS | {"fault_rootcause", "fault_anomalydetect", "fault_detect_object", "fault_database",
+                             "fault_switch"},
+    "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
+    "host": set(),
+    "simulator": set(),
+}
+# System headers that only one unit of the plug-in may use.
+OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
+
+root, build, tools = Path(sys.argv[2]), Path(sys.argv[3]), sys.argv[4:]
+
+
+def sources(*suffixes):
+    tops = [top for top in root.iterdir() if top.name not in ("build", ".git")]
+    files = [path for top in tops for path in (top.rglob("*") if top.is_dir() else [top])]
+    return sorted(path for path in files if path.suffix in suffixes and path.is_file())
+
+
+def unit_of(path):
+    parts = path.relative_to(root).parts
+    if parts[0] != "libsmartdiagnose":
+        return parts[0]
+    named = [unit for unit in SHARED_FOLDERS.get(parts[1], []) if path.stem.startswith(unit)]
+    return named[0] if named else parts[1]
+
+
+def check_arrows():
+    folders = [root, root / "libsmartdiagnose"]
+    for path in sources(".h", ".cpp"):
+        unit = unit_of(path)
+        if unit in ("tests", "benchmarks"):
+            continue
+        in_plugin = path.is_relative_to(root / "libsmartdiagnose")
+        allowed = ARROWS.get(unit, set()) | {unit, "agent"} | ({"fault_common"} if in_plugin else set())
+        for name in re.findall(r'^\s*#\s*include\s*["<](.+?)[">]', path.read_text(), re.M):
+            found = [folder / name for folder in [path.parent, *folders] if (folder / name).exists()]
+            owner = next((unit for header, unit in OWNED_HEADERS.items() if in_plugin and name.startswith(header)), unit)
+            if owner != unit or unit not in ARROWS or found and unit_of(found[0].resolve()) not in allowed:
+                yield f"{path.relative_to(root)}: {unit} may not include {name}"
+
+
+def check_registered():
+    """Every source is compiled, and every test file's program is run by ctest."""
+    commands = {Path(entry["file"]): entry["command"]
+                for entry in json.loads((build / "compile_commands.json").read_text())}
+    run_by_ctest = "\n".join(path.read_text() for path in build.rglob("CTestTestfile.cmake"))
+    for path in sources(".cpp"):
+        target = re.search(r" -o \S*CMakeFiles/([^/]+)\.dir/", commands.get(path, ""))
+        if not target:
+            yield f"{path.relative_to(root)}: no target compiles it"
+        elif path.stem.endswith("_test") and f"/{target[1]}" not in run_by_ctest:
+            yield f"{path.relative_to(root)}: ctest does not run {target[1]}"
+
+
+def output_of(*command):
+    run = subprocess.run(command, cwd=root, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    return [f"{' '.join(map(str, command[:3]))} ...\n{run.stdout}"] if run.returncode else []
+
+
+def check_headers():
+    """The agent's headers stand alone, in both languages that agents are written in."""
+    for compiler, language, standard in ((tools[0], "c", "c11"), (tools[1], "c++", "c++17")):
+        for header in (root / "agent").glob("*.h"):
+            yield from output_of(compiler, "-x", language, f"-std={standard}", "-fsyntax-only", "-Wall", "-Wextra",
+                                 "-Wpedantic", "-Werror", "-I", root, "-include", header, "/dev/null")
+
+
+def check_format():
+    for path in sources(".h", ".cpp"):
+        if subprocess.run([tools[0], path], check=True, stdout=subprocess.PIPE).stdout != path.read_bytes():
+            yield f"{path.relative_to(root)}: {tools[0]} would change it"
+
+
+def check_spelling():
+    return output_of(tools[0])
+
+
+def check_scripts():
+    scripts = [path for path in sources("", ".sh") if path.suffix or path.read_bytes()[:64].startswith(b"#!/usr/bin/env bash")]
+    return output_of(tools[0], "--external-sources", *scripts)
+
+
+faults = list(globals()[f"check_{sys.argv[1]}"]())
+print("\n".join(faults) or "nothing found")
+sys.exit(bool(faults))
