@@ -34,7 +34,9 @@ public:
     const PlantedFault* Fault() const { return fault ? &*fault : nullptr; }
     // Microseconds on top of the point's usual delay at a sample's time.
     double AddedDelay(size_t point, int64_t time) const { return Added(FaultKind::DELAY, point, time); }
-    // Failed requests of the fault's error column that the point counts at a sample's time.
+    // The column that counts the fault's failed requests, and how many the point counts there at a sample's
+    // time.
+    size_t ErrorColumn() const { return fault ? static_cast<size_t>(fault->recipe.errorColumn) : 0; }
     double AddedErrors(size_t point, int64_t time) const { return Added(FaultKind::ERROR, point, time); }
     // Whether the point's statistics never change.
     bool IsConstant(size_t point) const { return constant[point]; }

@@ -92,7 +92,7 @@ void SampleSource::FillCounts(size_t point, int64_t time, double load, Sample& s
         sample.errorCodes[DENIED_COLUMN] = 1;
     }
     if (const double errors = plan.AddedErrors(counter, time); errors > 0) {
-        sample.errorCodes[static_cast<size_t>(plan.Fault()->recipe.errorColumn)] += Round(errors);
+        sample.errorCodes[plan.ErrorColumn()] += Round(errors);
     }
     for (int64_t& count : sample.errorCodes) {
         count = std::min(count, sample.accepted / 4);

@@ -1,29 +1,12 @@
 #include "simulator/scenario.h"
 
 #include <algorithm>
-#include <numeric>
-#include <utility>
 
 namespace lumosim {
 namespace {
 
 constexpr int64_t ONE_WEEK = 604800;  // no range is longer
 constexpr FaultRecipe SLOW_DISK = {FaultKind::DELAY, "SAN_IO_READ", "BDM_DISK_READ", 20};
-
-// Number of characters to insert, delete or replace between two texts.
-size_t EditDistance(std::string_view left, std::string_view right) {
-    std::vector<size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), size_t{0});
-    for (size_t i = 0; i < left.size(); ++i) {
-        size_t diagonal = std::exchange(row[0], i + 1);
-        for (size_t j = 0; j < right.size(); ++j) {
-            const size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
-        }
-    }
-    return row.back();
-}
 
 }  // namespace
 
@@ -71,25 +54,6 @@ const Scenario* FindScenario(std::string_view name) {
     const auto place =
         std::find_if(all.begin(), all.end(), [&](const Scenario& one) { return one.name == name; });
     return place == all.end() ? nullptr : &*place;
-}
-
-std::vector<std::string_view> NearestScenarios(std::string_view name) {
-    constexpr size_t FAR_OFF = 6;
-    std::vector<std::pair<size_t, std::string_view>> ranked;
-    for (const Scenario& scenario : Scenarios()) {
-        const size_t distance = EditDistance(name, scenario.name);
-        if (distance < FAR_OFF) {
-            ranked.emplace_back(distance, scenario.name);
-        }
-    }
-    std::sort(ranked.begin(), ranked.end());
-    ranked.resize(std::min<size_t>(ranked.size(), 3));
-    std::vector<std::string_view> names;
-    names.reserve(ranked.size());
-    for (const auto& entry : ranked) {
-        names.push_back(entry.second);
-    }
-    return names;
 }
 
 }  // namespace lumosim

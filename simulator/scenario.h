@@ -43,7 +43,4 @@ const std::vector<Scenario>& Scenarios();
 // The scenario named `name`; null when there is none.
 const Scenario* FindScenario(std::string_view name);
 
-// The names of the scenarios that `name` may have been meant for, nearest first; at most three.
-std::vector<std::string_view> NearestScenarios(std::string_view name);
-
 }  // namespace lumosim

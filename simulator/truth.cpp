@@ -55,10 +55,11 @@ PeakFinder::PeakFinder(const Topology& topology, const Plan& worldPlan) : plan(w
 }
 
 void PeakFinder::Observe(size_t point, int64_t sampleTime, const Sample& sample) {
-    if (point != watched) {
+    const PlantedFault* fault = plan.Fault();
+    if (fault == nullptr || point != watched) {
         return;
     }
-    const FaultRecipe& recipe = plan.Fault()->recipe;
+    const FaultRecipe& recipe = fault->recipe;
     const int64_t found = recipe.kind == FaultKind::DELAY
                               ? sample.averageDelay
                               : sample.errorCodes[static_cast<size_t>(recipe.errorColumn)];

@@ -1,5 +1,6 @@
 #include "simulator/world_options.h"
 
+#include "cli/nearest_name.h"
 #include "simulator/scenario.h"
 
 namespace lumosim {
@@ -16,13 +17,13 @@ const Scenario& CheckScenario(const std::string& name) {
     if (const Scenario* scenario = FindScenario(name)) {
         return *scenario;
     }
-    std::string text = "there is no scenario \"" + name + "\"";
-    const char* separator = "; did you mean ";
-    for (const std::string_view near : NearestScenarios(name)) {
-        text += separator + std::string(near);
-        separator = " or ";
+    std::vector<std::string> names;
+    for (const Scenario& scenario : Scenarios()) {
+        names.emplace_back(scenario.name);
     }
-    throw BadInput(text + " (--list shows all)");
+    const std::string nearest = NearestName(name, names);
+    throw BadInput("there is no scenario \"" + name + "\"" +
+                   (nearest.empty() ? "" : "; did you mean " + nearest + "?") + " (--list shows all)");
 }
 
 }  // namespace

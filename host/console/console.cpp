@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "cli/nearest_name.h"
 #include "host/console/switch_command.h"
 #include "host/services/console.h"
 #include "host/services/log.h"

@@ -29,8 +29,9 @@ ARROWS = {
     "fault_debug": GRAPHS | {"fault_rootcause", "fault_anomalydetect", "fault_detect_object", "fault_database",
                              "fault_switch"},
     "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
-    "host": set(),
-    "simulator": set(),
+    "cli": set(),
+    "host": {"cli"},
+    "simulator": {"cli"},
 }
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
