@@ -1,9 +1,8 @@
 #include <gmock/gmock.h>
 
-#include <filesystem>
 #include <numeric>
-#include <stdexcept>
 
+#include "fault_spectrum_graph/fault_detect_object.h"
 #include "support/database_test.h"
 
 namespace {
@@ -11,255 +10,219 @@ namespace {
 using testing::ElementsAre;
 
 const std::string LOG = " fault_database.cpp ";
+const std::string SQL = "FaultDataBaseExcuteSql";
+const std::string FULL_SQL = "FaultDataBaseExcuteFullSql";
+const std::string MISSING = "no such table: missing";
 const Lines OPENED = {"5" + LOG + "FaultDataBaseInit: g_lumoDataBase is 0x",
                       "5" + LOG + "FaultDataBaseInit: g_zorvHealDataBase is 0x"};
 const Lines RELEASED = {"5" + LOG + "FaultDataBaseRelease: g_lumoDataBase is (nil)",
                         "5" + LOG + "FaultDataBaseRelease: g_zorvHealDataBase is (nil)"};
-const Lines CANNOT_OPEN = {"3" + LOG + "FaultDataBaseInit: sqlite3_open faild:14"};
 
 Lines operator+(Lines first, const Lines& second) {
     first.insert(first.end(), second.begin(), second.end());
     return first;
 }
 
-Lines Attempts(const std::string& function, const std::vector<int>& numbers, const std::string& error) {
+// The lines of some attempts of `function`; number 0 stands for the line behind the last one.
+Lines Failed(const std::string& function, const std::vector<int>& numbers, const std::string& error) {
     Lines lines;
     for (const int number : numbers) {
-        lines.push_back("3" + LOG + function + ": sqlite3 get table faild for " + std::to_string(number) +
-                        " time:" + error + ", retry after 2 sec.");
+        const std::string attempt = std::to_string(number) + " time:" + error + ", retry after 2 sec.";
+        lines.push_back("3" + LOG + function + ": sqlite3 get table faild for " +
+                        (number == 0 ? "35 times, donot retry again." : attempt));
     }
     return lines;
 }
 
-Lines End(const std::string& function) {
-    return {"3" + LOG + function + ": sqlite3 get table faild for 35 times, donot retry again."};
+void ExpectSleeps(size_t count) {
+    EXPECT_EQ(Agent::Record().sleeps, std::vector<uint32_t>(count, 200));
 }
 
-// The cells that the callbacks below were given behind the column names; "none" for a call without any.
-Lines g_cells;
-
-uint32_t KeepRows(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& first,
-                  std::vector<int64_t>& second, Lines& texts) {
-    for (int32_t i = columnCount; i < (rowCount + 1) * columnCount; ++i) {
-        g_cells.push_back(result[i] == nullptr ? "null" : result[i]);
-    }
-    if (rowCount == 0) {
-        g_cells.push_back("none");
-    }
-    first.push_back(1);
-    second.push_back(2);
-    texts.push_back("3");
-    return 1;  // nobody looks at it
-}
-uint32_t KeepFullRows(char** result, int32_t rowCount, int32_t columnCount,
-                      std::map<std::string, FaultSeries>& series) {
-    series["P"].push_back({1, 2});
-    std::vector<int64_t> unused;
-    Lines texts;
-    return KeepRows(result, rowCount, columnCount, unused, unused, texts);
-}
-
-// Every case holds for both executors.
-class Query : public DatabaseTest, public testing::WithParamInterface<const char*> {
+class Query : public DatabaseTest {
 protected:
-    Query() { Open({{"lumo_data_1"}}); }
+    Query() { Open({{"generation0"}}); }
 
-    uint32_t Run(const std::string& sql) {
-        return GetParam() == std::string("FaultDataBaseExcuteSql")
-                   ? FaultDataBaseExcuteSql(sql, KeepRows, first, second, texts)
-                   : FaultDataBaseExcuteFullSql(sql, KeepFullRows, series);
+    uint32_t Run(const std::string& sql, bool isFull = false) {
+        return isFull ? FaultDataBaseExcuteFullSql(sql, nullptr, series)
+                      : FaultDataBaseExcuteSql(sql, FaultGetQueryTableCallBack, numbers, numbers, texts);
     }
-    static Lines Failed(const std::vector<int>& numbers,
-                        const std::string& error = "no such table: missing") {
-        return Attempts(GetParam(), numbers, error);
-    }
-    static void ExpectSleeps(size_t count) {
-        EXPECT_EQ(Agent::Record().sleeps, std::vector<uint32_t>(count, 200));
-    }
-
-    std::vector<int64_t> first, second;
+    std::vector<int64_t> numbers;
     Lines texts;
     std::map<std::string, FaultSeries> series;
 };
 
-INSTANTIATE_TEST_SUITE_P(Executors, Query,
-                         testing::Values("FaultDataBaseExcuteSql", "FaultDataBaseExcuteFullSql"),
-                         [](const auto& name) { return std::string(name.param); });
-
-TEST_P(Query, HandsTheRowsToTheCallBackAlsoWhenThereAreNone) {
-    EXPECT_EQ(Run("select 7, null union all select 'a', '' ;"), 0U);
-    EXPECT_TRUE((first.size() == 1 && second.size() == 1 && texts.size() == 1) != (series["P"].size() == 1));
-    EXPECT_EQ(Run("select * from lumo_data_1;"), 0U);
-    EXPECT_THAT(g_cells, ElementsAre("7", "null", "a", "", "none"));
-    EXPECT_EQ(FaultDataBaseExcuteSql("select 1;", nullptr, first, second, texts), 0U);
-    EXPECT_EQ(FaultDataBaseExcuteFullSql("select 1;", nullptr, series), 0U);
-    EXPECT_EQ(Agent::TakeLines(), Lines());
+TEST_F(Query, HandsTheRowsToTheCallBack) {
+    EXPECT_EQ(Run("select 7, 'a' union all select 'b', '';"), 0U);
+    EXPECT_THAT(texts, ElementsAre("7", "a", "b", ""));
+    const auto keepSize = [](char** result, int32_t rowCount, int32_t columnCount, auto& given) -> uint32_t {
+        given[result[columnCount + 1]].resize(static_cast<size_t>(10 * rowCount + columnCount));
+        return 1;  // nobody looks at it
+    };
+    EXPECT_EQ(FaultDataBaseExcuteFullSql("select 1, 'x' union all select 2, 'y';", keepSize, series), 0U);
+    EXPECT_EQ(series["x"].size(), 22U);
     FaultDataBaseRelease();
-    Agent::TakeLines();
     EXPECT_EQ(Run("select 1;"), 1U);
-    EXPECT_EQ(Agent::TakeLines(), Lines{"4" + LOG + GetParam() + ": g_lumoDataBase is nullptr."});
-    EXPECT_EQ(g_cells.size(), 5U);
+    EXPECT_EQ(Agent::TakeLines(), RELEASED + Lines{"4" + LOG + SQL + ": g_lumoDataBase is nullptr."});
     ExpectSleeps(0);
 }
 
 // The clock moves 500 jiffies per sleep: the 31st attempt is 15000 after the first and opens a new window.
-TEST_P(Query, GivesUpAfterThirtyFiveAttempts) {
-    const std::string name = GetParam();
-    const Lines lines = Failed({1, 2, 3, 31, 32, 33}) + End(name);
-    Agent::SetJiffies(100000);  // too early for a report of what was suppressed
-    EXPECT_EQ(Run("select * from missing;"), 1U);
-    ExpectSleeps(35);
-    EXPECT_EQ(Agent::TakeLines(), lines);
-
-    Agent::SetJiffies(1000000);  // 27 + 2 lines were suppressed
-    EXPECT_EQ(Run("select * from missing;"), 1U);
-    ExpectSleeps(70);
-    const std::string attemptLine = std::to_string(Agent::Record().logs.at(1).line);
-    EXPECT_EQ(Agent::TakeLines(), Lines{"3" + LOG + name + ": print: 29 messages suppressed." + name +
-                                        ",line=" + attemptLine + "."} +
-                                      lines);
-    EXPECT_EQ(g_cells, Lines());
+TEST_F(Query, GivesUpAfterThirtyFiveAttempts) {
+    for (const std::string& name : {SQL, FULL_SQL}) {
+        const Lines lines = Failed(name, {1, 2, 3, 31, 32, 33, 0}, MISSING);
+        Agent::Reset();
+        Agent()->jiffies = 100000;  // too early for a report of what was suppressed
+        EXPECT_EQ(Run("select * from missing;", name == FULL_SQL), 1U);
+        ExpectSleeps(35);
+        EXPECT_EQ(Agent::TakeLines(), lines);
+        Agent()->jiffies = 1000000;  // 27 + 2 lines were suppressed
+        EXPECT_EQ(Run("select * from missing;", name == FULL_SQL), 1U);
+        ExpectSleeps(70);
+        const std::string line = std::to_string(Agent()->logs.at(1).line);
+        const std::string report = "print: 29 messages suppressed." + name + ",line=" + line + ".";
+        EXPECT_EQ(Agent::TakeLines(), Lines{"3" + LOG + name + ": " + report} + lines);
+    }
 }
 
-TEST_P(Query, RecoversAndCountsALostHandleAsAFailedAttempt) {
-    Agent::OnSleep([&](size_t number) {
+TEST_F(Query, RecoversAndCountsALostHandleAsAFailedAttempt) {
+    Agent()->onSleep = [&](size_t number) {
         if (number == 1) {
             FaultDataBaseRelease();
         } else if (number == 5) {
             world.Exec(LUMO_DATABASE_FILE, "CREATE TABLE missing (x); INSERT INTO missing VALUES (42);");
             FaultDataBaseInit();
         }
-    });
+    };
     EXPECT_EQ(Run("select x from missing;"), 0U);
     ExpectSleeps(5);
-    EXPECT_EQ(g_cells, Lines{"42"});
-    EXPECT_EQ(Agent::TakeLines(), (Failed({1}) + RELEASED + Failed({2, 3}, "") + OPENED));
+    EXPECT_THAT(texts, ElementsAre("42"));
+    EXPECT_EQ(Agent::TakeLines(), Failed(SQL, {1}, MISSING) + RELEASED + Failed(SQL, {2, 3}, "") + OPENED);
 }
 
-// An answer from a file that is no longer the one at its path does not count.
-TEST_P(Query, AnswersFromTheFileAtThePathOnly) {
-    const std::string sql = "select avgdelay from lumo_data_1;";
-    const auto rows = [](int value) {
-        return std::vector<StatisticsTable>{{"lumo_data_1", {{"P", 1, value}}}};
+// An answer from a file that is no longer the one at its path, behind whatever links, does not count.
+TEST_F(Query, AnswersFromTheFileAtThePathOnly) {
+    int number = 0;
+    const auto next = [&] { return std::vector<StatisticsTable>{{"generation" + std::to_string(++number)}}; };
+    const auto expectAnswer = [&](size_t sleeps) {
+        EXPECT_EQ(Run("select tablename from table_flag;"), 0U);
+        EXPECT_EQ(texts.back(), "generation" + std::to_string(number));
+        ExpectSleeps(sleeps);
     };
-    Open(rows(11));
-    EXPECT_EQ(Run(sql), 0U);
-    world.StatisticsByRename(rows(22));
-    EXPECT_EQ(Run(sql), 0U);
-    EXPECT_EQ(Agent::TakeLines(), OPENED + Failed({1}, ""));
-    world.Statistics(rows(33));
-    EXPECT_EQ(Run(sql), 0U);
-    EXPECT_EQ(Agent::TakeLines(), OPENED + Failed({1}, ""));
-    ExpectSleeps(2);
+    world.StatisticsByRename(next());
+    expectAnswer(1);
+    world.Statistics(next());
+    expectAnswer(2);
+    for (const char* target : {"/3", "/4"}) {
+        world.Statistics(next());
+        world.Rename(LUMO_DATABASE_FILE, target);
+        std::filesystem::create_symlink(world.Path(target), world.Path(LUMO_DATABASE_FILE));
+        expectAnswer(static_cast<size_t>(number));
+    }
     world.Remove(LUMO_DATABASE_FILE);
-    Agent::OnSleep([&](size_t number) {
-        if (number == 5) {
-            Open(rows(44));
+    Agent()->onSleep = [&](size_t sleeps) {
+        if (sleeps == 7) {
+            Open(next());
         }
-    });
-    EXPECT_EQ(Run(sql), 0U);
-    ExpectSleeps(5);
-    EXPECT_THAT(g_cells, ElementsAre("11", "22", "33", "44"));
-
+    };
+    expectAnswer(7);
     world.Write(LUMO_DATABASE_FILE, std::string(4096, 'x'));
-    Agent::OnSleep(nullptr);
-    EXPECT_EQ(Run(sql), 1U);
+    EXPECT_EQ(Run("select tablename from table_flag;"), 1U);
 }
 
-TEST_P(Query, AnswersFromTheFileBehindTheLinkAsItIsNow) {
-    const std::string path = world.Path(LUMO_DATABASE_FILE);
-    for (const std::string target : {"first", "second"}) {
-        world.Exec("/VRA/" + target, "CREATE TABLE t (x); INSERT INTO t VALUES ('" + target + "');");
-        std::filesystem::remove(path);
-        std::filesystem::create_symlink(world.Path("/VRA/" + target), path);
-        EXPECT_EQ(Run("select x from t;"), 0U);
-    }
-    EXPECT_THAT(g_cells, ElementsAre("first", "second"));
-    ExpectSleeps(2);
-}
-
-class DataTimeRange : public DatabaseTest {
-protected:
-    static std::string Earliest() {
-        std::string earliest = "unchanged";
-        const uint32_t result = FaultGetDataTimeRange(earliest);
-        EXPECT_EQ(result, earliest == "unchanged" ? 1U : 0U);
-        return earliest;
-    }
-    const std::string log = LOG + "FaultGetDataTimeRange: ";
-};
+using DataTimeRange = DatabaseTest;
 
 TEST_F(DataTimeRange, IsTheNameOfTheFirstReportedTable) {
-    for (const std::string name : {"lumo_data_20230105143000", "lumo_data_1", "lumo_data_", "l"}) {
-        Open({{"lumo_data_00000000000000"}, {name}});
-        world.Exec(LUMO_DATABASE_FILE,
-                   "UPDATE table_flag SET reporttime = -1 WHERE tablename = '" + name + "'");
-        const std::string text = "The tableName:" + name;
-        if (name.size() > 10) {
-            EXPECT_EQ(Earliest(), name.substr(10));
-            EXPECT_EQ(Agent::TakeLines(), Lines{"7" + log + text});
-        } else {
-            EXPECT_EQ(Earliest(), "unchanged");
-            EXPECT_EQ(Agent::TakeLines(), (Lines{"7" + log + text, "4" + log + text}));
-        }
-    }
-    Open({});
-    EXPECT_EQ(Earliest(), "unchanged");
-    EXPECT_EQ(Agent::TakeLines(),
-              Lines{"3" + log + "Query from database failed, data(not NULL), dataCol(0)."});
-    world.Exec(LUMO_DATABASE_FILE, "INSERT INTO table_flag VALUES (NULL, 1)");
-    EXPECT_THROW(Earliest(), std::invalid_argument);
-    EXPECT_EQ(Agent::Record().sleeps.size(), 0U);
-}
-
-TEST_F(DataTimeRange, LogsEveryAttempt) {
-    std::vector<int> all(35);
-    std::iota(all.begin(), all.end(), 1);
-    for (const std::string error : {"", "no such table: table_flag"}) {
-        EXPECT_EQ(Earliest(), "unchanged");  // first without a database
-        EXPECT_EQ(Agent::TakeLines(),
-                  Attempts("FaultGetDataTimeRange", all, error) + End("FaultGetDataTimeRange"));
-        Open({});
-        world.Exec(LUMO_DATABASE_FILE, "DROP TABLE table_flag");
-    }
-    EXPECT_EQ(Agent::Record().sleeps, std::vector<uint32_t>(70, 200));
-}
-
-using Opening = DatabaseTest;
-
-TEST_F(Opening, NeedsBothFilesAndReleasesBothWhenOneFails) {
-    const auto expect = [](uint32_t result, const Lines& lines) {
-        EXPECT_EQ(FaultDataBaseInit(), result);
-        EXPECT_EQ(Agent::TakeLines(), lines);
-    };
-    EXPECT_EQ(FaultDataBaseRelease(), 0U);
-    expect(1, CANNOT_OPEN);
+    const std::string function = "FaultGetDataTimeRange";
+    const std::string log = LOG + function + ": ";
+    const std::string name = "The tableName:lumo_data_";
+    std::string earliest = "unchanged";
+    std::vector<int> all(36);
+    std::iota(all.begin(), all.end() - 1, 1);
+    EXPECT_EQ(FaultGetDataTimeRange(earliest), 1U);
+    EXPECT_EQ(Agent::TakeLines(), Failed(function, all, ""));
+    ExpectSleeps(35);
     world.Statistics({});
-    expect(1, Lines{OPENED[0], RELEASED[0]} + CANNOT_OPEN);
-    world.Heal();
-    expect(0, OPENED);
-    expect(0, OPENED);
-    world.Remove(LUMO_DATABASE_FILE);
-    expect(1, RELEASED + CANNOT_OPEN);
-    EXPECT_EQ(FaultDataBaseRelease(), 0U);
-    EXPECT_EQ(Agent::TakeLines(), Lines());
+    EXPECT_EQ(FaultDataBaseInit(), 1U);  // one of two
+    EXPECT_LOGGED(OPENED[0], RELEASED[0], "3" + LOG + "FaultDataBaseInit: sqlite3_open faild:14");
+    Open({});
+    EXPECT_EQ(FaultGetDataTimeRange(earliest), 1U);
+    EXPECT_LOGGED("3" + log + "Query from database failed, data(not NULL), dataCol(0).");
+    Open({{"lumo_data_"}});
+    EXPECT_EQ(FaultGetDataTimeRange(earliest), 1U);
+    EXPECT_LOGGED("7" + log + name, "4" + log + name);
+    EXPECT_EQ(earliest, "unchanged");
+    Open({{"lumo_data_1"}, {"lumo_data_0"}});
+    EXPECT_EQ(FaultGetDataTimeRange(earliest), 0U);
+    EXPECT_EQ(earliest, "1");
+    EXPECT_LOGGED("7" + log + name + "1");
 }
 
-TEST_F(Opening, AThousandReopeningsLeakNothing) {
-    const auto openDescriptors = [] {
-        const std::filesystem::directory_iterator descriptors("/proc/self/fd");
-        return std::distance(begin(descriptors), end(descriptors));
+using Table = DatabaseTest;
+
+TEST_F(Table, StatementsNameColumnsTablePointAndBounds) {
+    const std::string rest =
+        " from T where locateid = (select locateid from version_nmaps where locatename = 'P')"
+        " and curtime >= 10 and curtime <= 20;";
+    std::string sql = "replaced";
+    FaultConstructSql({"a", "b", "T", "P", "10", "20"}, sql);
+    EXPECT_EQ(sql, "select a, b" + rest);
+    FaultConstructFullSql({"a", "b", "T", "P", "10", "20"}, sql);
+    EXPECT_EQ(sql,
+              "select curtime, acceptnum, successnum, failednum, retrynum, avgdelay, maxdelay, mindelay, "
+              " errCode0, errCode1, errCode2, errCode3, errCode4 " +
+                  rest);
+}
+
+TEST_F(Table, CoverIsTheSameForBothCallers) {
+    const Lines names = {"lumo_data_100", "lumo_data_200", "lumo_data_300"};
+    Open({{names[0]}, {names[1]}, {names[2]}});
+    const auto expect = [](int64_t begin, int64_t end, const Lines& tables, const Lines& logged) {
+        Lines found;
+        EXPECT_EQ(FaultGetQueryTable(std::to_string(begin), std::to_string(end), found), 0U);
+        EXPECT_EQ(found, tables) << begin << ".." << end;
+        FaultDetectObject detector;
+        EXPECT_EQ(detector.SelectTable(std::to_string(begin), std::to_string(end)), 0U);
+        EXPECT_EQ(detector.tables, tables) << begin << ".." << end;
+        EXPECT_EQ(Agent::TakeLines(), logged) << begin << ".." << end;
     };
-    Open({{"lumo_data_1"}});
-    const auto before = openDescriptors();
-    std::string earliest;
-    for (int i = 0; i < 500; ++i) {
-        ASSERT_EQ(FaultDataBaseInit(), 0U);
-        world.StatisticsByRename({{"lumo_data_1"}});
-        ASSERT_EQ(FaultGetDataTimeRange(earliest), 0U);
+    const std::tuple<int64_t, int64_t, int, int> covered[] = {{150, 250, 0, 2},
+                                                              {50, 250, 0, 2},
+                                                              {350, 400, 2, 3},
+                                                              {100, 300, 0, 3},
+                                                              {50, 100, 0, 1},
+                                                              {250, 210, 1, 2},
+                                                              {INT64_MIN, INT64_MAX, 0, 3}};
+    for (const auto& [begin, end, first, last] : covered) {
+        expect(begin, end, Lines(names.begin() + first, names.begin() + last), {});
     }
-    EXPECT_EQ(openDescriptors(), before);
-    EXPECT_EQ(Agent::Record().sleeps.size(), 500U);
+    const std::tuple<int64_t, int64_t, std::string> uncovered[] = {
+        {99, 99, "-1, right:-1."}, {250, 199, "1, right:0."}, {400, 50, "2, right:-1."}};
+    for (const auto& [begin, end, indexes] : uncovered) {
+        const std::string line = ".cpp GetCoveredTime: GetCoveredTime index left:" + indexes;
+        expect(begin, end, {}, {"4 fault_database" + line, "4 fault_detect_object" + line});
+    }
+    // The catalogue's order counts, and of equal times the last one.
+    Open({{"lumo_data_100"}, {"aaaa_data_200"}, {"bbbb_data_200"}, {"lumo_data_150"}});
+    Lines found = {"kept"};
+    FaultGetQueryTable("200", "200", found);
+    EXPECT_THAT(found, ElementsAre("kept", "lumo_data_150"));
+}
+
+TEST_F(Table, NamesAndTimesAreNumbers) {
+    Lines tables;
+    EXPECT_THROW(FaultGetQueryTable("x", "1", tables), std::invalid_argument);
+    EXPECT_THROW(FaultGetQueryTable("1", "9223372036854775808", tables), std::out_of_range);
+    EXPECT_LOGGED();  // no query was made
+    Open({});
+    EXPECT_EQ(FaultGetQueryTable("1", "2", tables), 1U);
+    EXPECT_LOGGED("5 fault_database.cpp FaultGetQueryTable: invalid lumodata table.");
+    Open({{"lumo_data"}});
+    EXPECT_THROW(FaultGetQueryTable("1", "2", tables), std::out_of_range);
+    for (const std::string name : {"'lumo_data_x1'", "NULL"}) {
+        world.Exec(LUMO_DATABASE_FILE, "UPDATE table_flag SET tablename = " + name);
+        EXPECT_THROW(FaultGetQueryTable("1", "2", tables), std::invalid_argument);
+    }
+    EXPECT_EQ(tables, Lines());
 }
 
 }  // namespace

@@ -4,174 +4,107 @@
 
 #include "support/recording_agent.h"
 
-namespace {
-
 using testing::ElementsAre;
 
 constexpr uint32_t SET = 0x70002120;
 constexpr uint32_t GET = 0x70002121;
 const std::string FILE_PATH = "/VRA/coffer_log/log/heal/data/faultDiagSwitch.ini";
-const std::string SET_LOG = " fault_diagnose_switch.cpp ZorvSetFaultDiagSwitchMsgHandle: ";
-const std::string GET_LOG = " fault_diagnose_switch.cpp ZorvGetFaultDiagSwitchMsgHandle: ";
+const std::string UNIT = " fault_diagnose_switch.cpp Zorv";
+const std::string SET_LOG = UNIT + "SetFaultDiagSwitchMsgHandle: ";
+const std::string GET_LOG = UNIT + "GetFaultDiagSwitchMsgHandle: ";
 
 class Switch : public testing::Test {
 protected:
     Switch() { EXPECT_EQ(ZorvFaultDiagSwitchMsgHandleInit(), 0U); }
 
-    // Calls the handler that the plug-in registered for `opcode`.
-    static void Deliver(uint32_t opcode, ZORV_COMM_INFO_S* info, char* payload) {
-        EXPECT_EQ(Agent::Record().handlers.at(opcode)(info, payload, nullptr), 0U);
+    // Delivers a message to the handler that the plug-in registered; returns the last acknowledgement.
+    static std::string Deliver(uint32_t opcode, ZORV_COMM_INFO_S* info, char* payload) {
+        EXPECT_EQ(Agent()->handlers.at(opcode)(info, payload, nullptr), 0U);
+        return Agent()->acknowledgements.empty() ? "" : Agent()->acknowledgements.back().payload;
     }
-    static void Send(uint32_t opcode, uint32_t length, const std::string& payload) {
+    static std::string Send(uint32_t opcode, uint32_t length, const std::string& payload) {
         ZORV_COMM_INFO_S info{1, 2, 422, opcode, length, 1, 99};
-        std::string shifted = "x" + payload;  // so that the number is not aligned
-        Deliver(opcode, &info, shifted.data() + 1);
-    }
-    static Lines Acknowledged() {
-        Lines payloads;
-        for (const MessageCall& call : Agent::Record().acknowledgements) {
-            EXPECT_EQ(call.info.sequence, 99U);
-            payloads.push_back(call.payload);
-        }
-        return payloads;
+        return Deliver(opcode, &info, ("x" + payload).data() + 1);  // not aligned
     }
 };
 
-TEST_F(Switch, RegistersBothHandlersAndReturnsTheSum) {
-    EXPECT_EQ(Agent::Record().handlers.size(), 2U);
-    EXPECT_EQ(Agent::TakeLines(), Lines());
-    Agent::Fail("ZORV_CommRegMsgHandle", 5, 2);
-    EXPECT_EQ(ZorvFaultDiagSwitchMsgHandleInit(), 5U);
-    EXPECT_EQ(ZorvFaultDiagSwitchMsgHandleInit(), 10U);
-    const std::string line =
-        "3 fault_diagnose_switch.cpp ZorvFaultDiagSwitchMsgHandleInit: Register msg handle fail, ret=";
-    EXPECT_THAT(Agent::TakeLines(), ElementsAre(line + "5.", line + "10."));
-}
-
-TEST_F(Switch, SetStoresAnyValueAndAcknowledgesTheResult) {
-    const auto line = [](int value, int result) {
-        return "5" + SET_LOG + "Send set fault diagnose switch(" + std::to_string(value) +
-               ") ack msg, result = " + std::to_string(result) + ".";
-    };
-    for (const int32_t value : {1, 2, 3, 7, -1, INT32_MIN}) {
-        Send(SET, 4, Bytes(value));
-        EXPECT_EQ(Agent::Record().iniValues.at(FILE_PATH), value);
-        EXPECT_EQ(Agent::TakeLines(), Lines{line(value, 0)});
-    }
-    EXPECT_EQ(Acknowledged(), Lines(6, Bytes(0)));
-    Agent::Fail("HealWriteZorvModePrivateIni", 9);
-    Send(SET, 4, Bytes(1));
-    EXPECT_EQ(Agent::Record().iniValues.at(FILE_PATH), INT32_MIN);
-    EXPECT_EQ(Acknowledged().back(), Bytes(9));
-    EXPECT_EQ(Agent::TakeLines(), Lines{line(1, 9)});
-}
-
-TEST_F(Switch, GetAcknowledgesTheFileAndLogsSuccessAlways) {
+TEST_F(Switch, SetStoresAnyValueAndGetAcknowledgesIt) {
     const std::string success = "5" + GET_LOG + "Send read fault diagnose mode ack success.";
-    Send(GET, 4, Bytes(0));
-    Agent::SetIni(FILE_PATH, 7);
-    Send(GET, 0, "");  // its length does not count
-    EXPECT_THAT(Acknowledged(), ElementsAre(Bytes(-1), Bytes(7)));
-    EXPECT_THAT(Agent::TakeLines(), ElementsAre(success, success));
+    EXPECT_EQ(Send(GET, 4, Bytes(0)), Bytes(-1));  // no file yet
+    EXPECT_LOGGED(success);
+    for (const int32_t result : {0, 9}) {
+        Agent::Fail("HealWriteZorvModePrivateIni", result);
+        for (const int32_t value : {1, 2, INT32_MIN, -2}) {
+            const std::string text = std::to_string(value) + ") ack msg, result = " + std::to_string(result);
+            EXPECT_EQ(Send(SET, 4, Bytes(value)), Bytes(result));
+            EXPECT_EQ(Send(GET, 0, ""), Bytes(result == 0 ? value : -2));  // the length does not count
+            EXPECT_LOGGED("5" + SET_LOG + "Send set fault diagnose switch(" + text + ".", success);
+        }
+    }
+    EXPECT_EQ(Agent()->iniValues.count(FILE_PATH), 1U);
     Agent::Fail("ZORV_CommSendAckMsg", 3);
     Send(GET, 4, Bytes(0));
-    EXPECT_THAT(Agent::TakeLines(),
-                ElementsAre("5" + GET_LOG + "Send read fault diagnose mode ack fail, result =3.", success));
+    EXPECT_LOGGED("5" + GET_LOG + "Send read fault diagnose mode ack fail, result =3.", success);
 }
 
 TEST_F(Switch, MalformedMessagesAreRefusedEachWithItsOwnLimit) {
-    for (const auto& [opcode, log, name] :
-         {std::tuple(SET, SET_LOG, "SET"), std::tuple(GET, GET_LOG, "GET")}) {
+    for (const uint32_t opcode : {SET, GET}) {
         ZORV_COMM_INFO_S wrong{1, 2, 422, opcode ^ 1, 4, 1, 0};
         std::string payload = Bytes(1);
-        const std::string opcodeCondition =
-            std::string("pstMsgInfo->msgOPCode == ZORV_OP_") + name + "_FAULTDIAG_SWITCH";
-        const std::tuple<ZORV_COMM_INFO_S*, char*, std::string> messages[] = {
-            {nullptr, nullptr, "pstMsgInfo != NULL"},
-            {&wrong, nullptr, "pMsg != NULL"},
-            {&wrong, payload.data(), opcodeCondition}};
-        for (const auto& [info, bytes, condition] : messages) {
-            for (int i = 0; i < 5; ++i) {
-                Deliver(opcode, info, bytes);
-            }
-            EXPECT_EQ(Agent::TakeLines(), Lines(3, "3" + log + "Fail condition (" + condition + ")."));
+        const std::string line = "3" + (opcode == SET ? SET_LOG : GET_LOG) + "Fail condition (";
+        const std::string name = opcode == SET ? "SET" : "GET";
+        for (int i = 0; i < 5; ++i) {
+            Deliver(opcode, nullptr, nullptr);
+            Deliver(opcode, &wrong, nullptr);
+            EXPECT_EQ(Deliver(opcode, &wrong, payload.data()), "");
+            const Lines lines = {line + "pstMsgInfo != NULL).", line + "pMsg != NULL).",
+                                 line + "pstMsgInfo->msgOPCode == ZORV_OP_" + name + "_FAULTDIAG_SWITCH)."};
+            EXPECT_EQ(Agent::TakeLines(), i < 3 ? lines : Lines());
         }
     }
-    EXPECT_EQ(Acknowledged(), Lines());
-    EXPECT_TRUE(Agent::Record().iniValues.empty());
-}
-
-TEST_F(Switch, AWrongLengthIsRefusedWithTheSlowLimit) {
-    const std::string line = "3" + SET_LOG + "Cannot support msg length(8), not equal to right length(4).";
-    for (int i = 0; i < 12; ++i) {
-        Send(SET, 8, Bytes(1) + Bytes(1));
+    const std::string line = "Cannot support msg length(8), not equal to right length(4).";
+    for (int i = 0; i < 14; ++i) {
+        Agent()->jiffies = i < 12 ? 1000000 : i < 13 ? 1899999 : 9000000;
+        EXPECT_EQ(Send(SET, 8, Bytes(1) + Bytes(1)), "");
+        EXPECT_EQ(Agent()->Count("print: 3 messages suppressed.ZorvSet"), i < 13 ? 0U : 1U);
+        EXPECT_EQ(Agent()->Count(line), i < 10 || i == 13 ? 1U : 0U);
+        Agent()->logs.clear();
     }
-    EXPECT_EQ(Agent::TakeLines(), Lines(10, line));
-    Agent::SetJiffies(1000000 + 899999);
-    Send(SET, 8, Bytes(1) + Bytes(1));
-    EXPECT_EQ(Agent::TakeLines(), Lines());
-    Agent::SetJiffies(9000000);
-    Send(SET, 8, Bytes(1) + Bytes(1));
-    EXPECT_EQ(Agent::Record().Count("print: 3 messages suppressed.ZorvSetFaultDiagSwitchMsgHandle,line="),
-              1U);
-    EXPECT_EQ(Agent::TakeLines().at(1), line);
-    EXPECT_EQ(Acknowledged(), Lines());
-    EXPECT_TRUE(Agent::Record().iniValues.empty());
+    EXPECT_TRUE(Agent()->iniValues.empty());
 }
 
 TEST_F(Switch, AsksTheMasterThenTheFileThenTakesTheDefault) {
-    const std::string unit = " fault_diagnose_switch.cpp ZorvCoreGetFaultDiagSwitch";
-    const std::string asking = unit + "FromMaster: Get fault diagnose switch from master ";
-    const std::string master = "5" + asking + "success, switch=";
-    const std::string unreadable = "5" + asking + "fail.";
-    const std::string noData = "3" + asking + "node fail ret=0, buf=(nil)";
-    const std::string shortData = "3" + asking + "node fail ret=0, buf=0x";
-    const std::string noAnswer = "3" + asking + "node fail ret=4, buf=(nil)";
-    const struct {
-        std::optional<std::string> reply;
-        std::optional<int32_t> file;
-        int32_t sendResult, expected;
-        std::string line;
-        bool logsValue;
-    } cases[] = {
-        {Bytes(1), 3, 0, 1, master + "1.", true},
-        {Bytes(2), {}, 0, 2, master + "2.", true},
-        {Bytes(3) + "more", {}, 0, 3, master + "3.", true},
-        {Bytes(7), 3, 0, 2, master + "7.", false},
-        {Bytes(0), 3, 0, 2, master + "0.", false},
-        {Bytes(4), 1, 0, 2, master + "4.", false},
-        {Bytes(-2), 1, 0, 2, master + "-2.", false},
-        {Bytes(-1), 3, 0, 3, unreadable, true},
-        {Bytes(-1), {}, 0, 2, unreadable, false},
-        {Bytes(-1), -1, 0, 2, unreadable, false},
-        {{}, 1, 0, 1, noData, true},
-        {Bytes(1).substr(0, 3), 3, 0, 3, shortData, true},
-        {Bytes(1).substr(0, 1), {}, 0, 2, shortData, false},
-        {Bytes(3), 1, 4, 1, noAnswer, true},
-        {Bytes(3), 8, 4, 2, noAnswer, false},
-        {{}, {}, 4, 2, noAnswer, false},
-    };
-    for (const auto& test : cases) {
+    const std::string asking = "CoreGetFaultDiagSwitchFromMaster: Get fault diagnose switch from master ";
+    const std::string master = "5" + UNIT + asking + "success, switch=";
+    const std::string unreadable = "5" + UNIT + asking + "fail.";
+    const std::string noAnswer = "3" + UNIT + asking + "node fail ret=";
+    const std::optional<std::string> none;
+    // The master's reply, the result of asking it, the file's value or 0 for no file; what is returned, and
+    // what is logged. The value is logged too, unless it is the default for want of one.
+    const std::tuple<std::optional<std::string>, int, int, int, std::string> cases[] = {
+        {Bytes(1), 0, 3, 1, master + "1."},
+        {Bytes(3) + "more", 0, 0, 3, master + "3."},
+        {Bytes(0), 0, 3, 2, master + "0."},
+        {Bytes(4), 0, 1, 2, master + "4."},
+        {Bytes(-1), 0, 3, 3, unreadable},
+        {Bytes(-1), 0, 0, 2, unreadable},
+        {none, 0, 1, 1, noAnswer + "0, buf=(nil)"},
+        {Bytes(1).substr(0, 3), 0, 3, 3, noAnswer + "0, buf=0x"},
+        {Bytes(3), 4, 1, 1, noAnswer + "4, buf=(nil)"},
+        {none, 4, 8, 2, noAnswer + "4, buf=(nil)"}};
+    for (const auto& [reply, result, file, expected, line] : cases) {
         Agent::Reset();
-        Agent::SetReply(test.reply);
-        Agent::SetIni(FILE_PATH, test.file);
-        Agent::Fail("ZORV_CommSendRequestMsg", test.sendResult);
-        EXPECT_EQ(ZorvCoreGetFaultDiagSwitch(), test.expected);
-        Lines lines = {test.line};
-        if (test.logsValue) {
-            lines.push_back("5" + unit + ": Get fault diagnose switch(" + std::to_string(test.expected) +
-                            ") success.");
-        }
-        const AgentRecord record = Agent::Record();
-        EXPECT_EQ(record.Briefs(), lines);
-        EXPECT_EQ(record.repliesToFree, 0);
-        ASSERT_EQ(record.requests.size(), 1U);
-        const auto& [info, payload] = record.requests[0];
-        EXPECT_THAT(
-            (std::vector<uint32_t>{info.dstNid, info.module, info.msgOPCode, info.msgLen, info.needReply}),
-            ElementsAre(ZORV_GetMasterNid(), 422U, GET, 4U, 1U));
-        EXPECT_EQ(payload, Bytes(0));
+        Agent()->reply = reply;
+        Agent::Fail("ZORV_CommSendRequestMsg", result);
+        Agent()->iniValues[file == 0 ? "another file" : FILE_PATH] = file;
+        EXPECT_EQ(ZorvCoreGetFaultDiagSwitch(), expected);
+        const std::string value = "Get fault diagnose switch(" + std::to_string(expected) + ") success.";
+        Lines lines = {line, "5" + UNIT + "CoreGetFaultDiagSwitch: " + value};
+        lines.resize(expected == 2 ? 1 : 2);
+        EXPECT_EQ(Agent::TakeLines(), lines);
+        EXPECT_EQ(Agent()->repliesToFree, 0);
+        const auto [info, payload] = Agent()->requests.at(0);
+        EXPECT_EQ(std::tuple(info.dstNid, info.module, info.msgOPCode, info.msgLen, info.needReply, payload),
+                  std::tuple(ZORV_GetMasterNid(), 422U, GET, 4U, 1U, Bytes(0)));
     }
 }
-
-}  // namespace

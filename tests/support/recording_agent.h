@@ -6,7 +6,9 @@
 #pragma once
 
 #include <functional>
+#include <list>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,17 +26,9 @@ struct LogLine {
 };
 
 // What tests compare: "3 fault_database.cpp FaultDataBaseInit: sqlite3_open faild:14", with "0x" for every
-// address that is not null; and the same with the line number behind the file.
+// address that is not null; with the line's number: "3 fault_debug.cpp:1127 FaultDiagnoseDebugInit: ...".
 using Lines = std::vector<std::string>;
-std::string Brief(const LogLine& line);
-std::string Full(const LogLine& line);
-
-struct AlarmCall {
-    uint32_t module;
-    uint64_t id;
-    uint32_t type;
-    std::string text;
-};
+std::string Brief(const LogLine& line, bool withNumber = false);
 
 struct TimerCall {
     ZORV_TIMER_TASK_S task;
@@ -49,54 +43,60 @@ struct MessageCall {
     std::string payload;
 };
 
-// Everything that the plug-in did since the last Reset().
+// What the plug-in did since the last reset, and what the services do.
 struct AgentRecord {
     std::vector<LogLine> logs;
     std::string console;
     std::vector<uint32_t> sleeps;  // ticks of each vopx_10msleep()
-    std::vector<AlarmCall> alarms;
+    // module, alarm id, type, text
+    std::vector<std::tuple<uint32_t, uint64_t, uint32_t, std::string>> alarms;
     std::vector<TimerCall> timers;
     std::vector<ZORV_MODULE_INIT_S> startupRows;
     std::map<std::string, const ZORV_DIAG_CMD_S*> commandGroups;
     std::map<uint32_t, ZORV_MSG_HANDLER> handlers;
-    std::vector<MessageCall> requests;
-    std::vector<MessageCall> acknowledgements;
+    std::vector<MessageCall> requests, acknowledgements;
     int repliesToFree = 0;
-    std::map<std::string, int32_t> iniValues;  // by path; Agent::SetIni() plants some
+    std::map<std::string, int32_t> iniValues;  // by path; tests may plant some
 
-    Lines Briefs() const;                             // Brief() of each log line
+    uint64_t jiffies = 1000000;
+    int64_t localTime = 1628035200;                           // 2021-08-04 00:00:00
+    std::function<void()> onClock = [] {};                    // runs after each reading of the jiffies
+    std::function<void(size_t)> onSleep = [](size_t) {};      // runs in each sleep, with the number of sleeps
+    std::optional<std::string> reply;                         // to each request; none: success without data
+    std::map<std::string, std::pair<int32_t, int>> failures;  // by service: result, calls before it
+    std::list<std::string> roots = {""};  // the last one counts; the plug-in may still read another
+
     size_t Count(const std::string& textPart) const;  // log lines that contain it
 };
 
-namespace Agent {
+// The recorder, for the time of one statement: Agent()->jiffies = 7. Other threads wait meanwhile.
+class Agent {
+public:
+    AgentRecord* operator->() { return &record; }
 
-// Forgets everything: record, failures, hooks, reply and root. The clock starts at 1,000,000 jiffies and at
-// 2021-08-04 00:00:00 local time.
-void Reset();
+    static void Reset();  // all but the root
+    static AgentRecord Record() { return Agent().record; }
+    // Both forget what they return: what was printed, and Brief() of each log line.
+    static std::string TakeConsole() { return std::exchange(Agent()->console, {}); }
+    static Lines TakeLines();
 
-AgentRecord Record();
-std::string TakeConsole();  // what was printed; and forgets it
-Lines TakeLines();          // Brief() of each log line; and forgets them
+    // From its `fromCall`-th call from now on, `service` (a function's name) does nothing and returns
+    // `result`.
+    static void Fail(const std::string& service, int32_t result = 1, int fromCall = 1) {
+        Agent()->failures[service] = {result, fromCall - 1};
+    }
+    static void SetRoot(const std::string& directory) { Agent()->roots.push_back(directory); }
 
-// From its `fromCall`-th call from now on, `service` (a function's name) does nothing and returns `result`.
-void Fail(const std::string& service, int32_t result = 1, int fromCall = 1);
+private:
+    static std::recursive_mutex mutex;
+    static AgentRecord& record;
+    const std::lock_guard<std::recursive_mutex> lock{mutex};
+};
 
-void SetJiffies(uint64_t now);
-void SetLocalTime(int64_t seconds);
-void OnClock(std::function<void()> hook);        // runs after each reading of the jiffies
-void OnSleep(std::function<void(size_t)> hook);  // runs in each sleep, with the number of sleeps so far
+// The log lines since the last ones that were taken.
+#define EXPECT_LOGGED(...) EXPECT_EQ(Agent::TakeLines(), (Lines{__VA_ARGS__}))
 
-void SetIni(const std::string& path, std::optional<int32_t> value);  // none: no such file
-void SetReply(std::optional<std::string> payload);  // to each request; none: success without data
-void SetReply(int32_t value);
-void SetRoot(const std::string& directory);
-
-// Waits until `condition` holds for the record; false when it did not within a generous time.
-bool WaitUntil(const std::function<bool(const AgentRecord&)>& condition);
-
-}  // namespace Agent
-
-// The same for a condition that is not part of the record: looked at every few milliseconds.
+// Waits until `condition` holds; false when it did not within a generous time.
 bool Eventually(const std::function<bool()>& condition);
 
 // The bytes of a number, as messages carry it.

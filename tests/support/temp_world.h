@@ -1,12 +1,12 @@
 // A storage node's files in a temporary directory: the folders at their fixed paths, and what a producer
-// would write there. While it lives, the recording agent's root is this directory. Failures are test
+// would write there. From its creation on, the recording agent's root is this directory. Failures are test
 // failures.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "agent/agent_storage.h"
@@ -33,16 +33,6 @@ struct StatisticsTable {
     std::vector<StatisticsRow> rows = {};
 };
 
-struct HealEvent {
-    int64_t time;
-    std::string module, cause, inferredCause;
-    int32_t node;
-};
-
-// The statements that write such a database, in one transaction: a reader sees all of it or nothing.
-std::string StatisticsSql(const std::vector<StatisticsTable>& tables);
-std::string HealSql(const std::vector<HealEvent>& events);
-
 class TempWorld {
 public:
     TempWorld();
@@ -54,17 +44,24 @@ public:
     std::string Path(const std::string& fixedPath) const { return root + fixedPath; }
 
     void Write(const std::string& fixedPath, const std::string& text) const;  // with the folders above it
-    void MakeFolder(const std::string& fixedPath) const;
-    void Remove(const std::string& fixedPath) const;                    // a file, or a folder with all in it
-    void Rename(const std::string& from, const std::string& to) const;  // fixed paths; replaces `to`
+    void MakeFolder(const std::string& fixedPath) const {
+        std::filesystem::create_directories(Path(fixedPath));
+    }
+    // A file, or a folder with all in it.
+    void Remove(const std::string& fixedPath) const { std::filesystem::remove_all(Path(fixedPath)); }
+    // Replaces `to`.
+    void Rename(const std::string& from, const std::string& to) const {
+        std::filesystem::rename(Path(from), Path(to));
+    }
 
     // Runs statements on the database at `fixedPath`; creates it when it is missing.
     void Exec(const std::string& fixedPath, const std::string& sql) const;
 
-    // Delete (if there) and create anew; and the same by a file renamed into place.
+    // Delete (if there) and create anew; and the same by a file renamed into place. A reader sees all of the
+    // rows or none.
     void Statistics(const std::vector<StatisticsTable>& tables) const;
     void StatisticsByRename(const std::vector<StatisticsTable>& tables) const;
-    void Heal(const std::vector<HealEvent>& events = {}) const;
+    void Heal() const;  // without events: Exec() adds some to table fault_heal_event
 
     void Config(const std::string& json) const { Write(ZORV_ROUTE_CONFIG_FILE, json); }
 

@@ -1,0 +1,227 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <random>
+
+#include "fault_algorithm/fault_correlation.h"
+#include "fault_spectrum_graph/fault_causality_graph.h"
+#include "support/recording_agent.h"
+
+namespace {
+
+constexpr double TOLERANCE = 1e-9;
+
+// The value that a series has at `time`, one of the times of both: its sample, or what fills the gap.
+long double ValueAt(const FaultSeries& series, int64_t time, const std::optional<int64_t>& last) {
+    for (const FaultSeriesRow& row : series) {
+        if (row[0] == time) {
+            return static_cast<long double>(row[1]);
+        }
+        if (row[0] > time) {
+            return static_cast<long double>(last ? (row[1] + *last) / 2 : row[1]);
+        }
+    }
+    return static_cast<long double>(*last);
+}
+
+std::vector<long double> Aligned(const FaultSeries& series, const std::map<int64_t, int>& times) {
+    std::vector<long double> values;
+    std::optional<int64_t> last;
+    for (const auto& [time, count] : times) {
+        values.push_back(ValueAt(series, time, last));
+        last = static_cast<int64_t>(values.back());
+    }
+    return values;
+}
+
+// Pearson's coefficient over all times of two series, slowly.
+double ReferenceWeight(const FaultSeries& a, const FaultSeries& b) {
+    std::map<int64_t, int> times;
+    for (const FaultSeries* series : {&a, &b}) {
+        for (const FaultSeriesRow& row : *series) {
+            ++times[row[0]];
+        }
+    }
+    if (a.empty() || b.empty()) {
+        return -1.0;
+    }
+    const std::vector<long double> x = Aligned(a, times);
+    const std::vector<long double> y = Aligned(b, times);
+    const auto count = static_cast<long double>(x.size());
+    long double sumX = 0, sumY = 0, sumXX = 0, sumYY = 0, sumXY = 0;
+    for (size_t i = 0; i < x.size(); ++i) {
+        sumX += x[i];
+        sumY += y[i];
+    }
+    for (size_t i = 0; i < x.size(); ++i) {
+        sumXX += (x[i] - sumX / count) * (x[i] - sumX / count);
+        sumYY += (y[i] - sumY / count) * (y[i] - sumY / count);
+        sumXY += (x[i] - sumX / count) * (y[i] - sumY / count);
+    }
+    const long double root = std::sqrt(sumXX * sumYY);
+    return root < 1e-12L ? -1.0 : static_cast<double>(sumXY / root);
+}
+
+FaultSeries RandomSeries(std::mt19937& random, const FaultSeries& like) {
+    FaultSeries series;
+    const uint32_t kind = random() % 8;
+    for (int64_t time = 0; kind != 0 && time < 24; ++time) {
+        if (random() % 5 != 0) {
+            const int64_t follow = like.empty() ? 0 : like[static_cast<size_t>(time) % like.size()][1] / 2;
+            const int64_t noise = static_cast<int64_t>(random() % 200) - 100;
+            series.push_back({time * 30, kind == 1 ? 77 : kind < 5 ? follow + noise : noise});
+        }
+    }
+    return kind == 2 && !like.empty() ? like : series;
+}
+
+// A graph of up to nine nodes with whatever a configuration and a database may hold.
+FaultCausalityGraph RandomGraph(uint32_t seed) {
+    std::mt19937 random(seed);
+    FaultCausalityGraph graph;
+    FaultSeries previous;
+    const auto count = static_cast<int32_t>(1 + random() % 9);
+    for (int32_t id = 1; id <= count; ++id) {
+        Node& node = graph.mapNodeInfo[id];
+        const bool observation = id > 1 && random() % 7 == 0;
+        node.ioPointid = id;
+        node.locName = (observation ? "P_OB_" : "P_") + std::to_string(id);
+        node.statLabel = observation ? FAULT_OB_POINT : FAULT_LUMO_POINT;
+        node.nextGraph = "AFTER_" + std::to_string(id);
+        previous = RandomSeries(random, previous);
+        if (observation) {
+            graph.mapObserveData[node.locName] = previous;
+        } else if (random() % 12 != 0) {
+            graph.mapLumoData[node.locName][random() % 12 == 0 ? "acceptnum" : "avgdelay"] = previous;
+        }
+        for (uint32_t edges = random() % 4; edges > 0; --edges) {
+            // Some lead back, to the node itself, or nowhere.
+            graph.AddEdge(id, static_cast<int32_t>(1 + random() % static_cast<uint32_t>(count + 2)), 0.0);
+        }
+    }
+    return graph;
+}
+
+const FaultSeries* SeriesOf(const FaultCausalityGraph& graph, const Node& node) {
+    if (node.statLabel == FAULT_OB_POINT) {
+        const auto found = graph.mapObserveData.find(node.locName);
+        return found == graph.mapObserveData.end() ? nullptr : &found->second;
+    }
+    const auto found = graph.mapLumoData.find(node.locName);
+    return found == graph.mapLumoData.end() || found->second.count("avgdelay") == 0
+               ? nullptr
+               : &found->second.at("avgdelay");
+}
+
+// Why a step of the walk is wrong; empty when it is right. `next` is null where the walk ended. Coefficients
+// that differ by less than the tolerance may come in either order, unless they are those of equal series.
+std::string WrongStep(const FaultCausalityGraph& graph, const std::vector<NodeResult>& path, size_t at) {
+    const NodeResult* next = at + 1 < path.size() ? &path[at + 1] : nullptr;
+    const auto edges = graph.mapGraph.find(path[at].ioPointid);
+    const FaultSeries* parent = SeriesOf(graph, graph.mapNodeInfo.at(path[at].ioPointid));
+    double best = -1.0;
+    std::vector<std::pair<const Node*, double>> candidates;
+    for (size_t i = 0; parent != nullptr && edges != graph.mapGraph.end() && i < edges->second.size(); ++i) {
+        const auto node = graph.mapNodeInfo.find(edges->second[i].targetId);
+        if (node != graph.mapNodeInfo.end()) {
+            const FaultSeries* series = SeriesOf(graph, node->second);
+            const double weight = series == nullptr ? -1.0 : ReferenceWeight(*parent, *series);
+            candidates.emplace_back(&node->second, weight);
+            best = std::max(best, weight);
+        }
+    }
+    bool mayEnd = best < -1.0 + TOLERANCE;
+    for (size_t i = 0; i < candidates.size(); ++i) {
+        const Node* const node = candidates[i].first;
+        const double weight = candidates[i].second;
+        if (weight < best - TOLERANCE) {
+            continue;
+        }
+        const bool visited =
+            std::any_of(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(at) + 1,
+                        [&](const NodeResult& one) { return one.ioPointid == node->ioPointid; });
+        mayEnd = mayEnd || visited || node->statLabel == FAULT_OB_POINT;
+        if (next != nullptr && next->ioPointid == node->ioPointid) {
+            for (size_t earlier = 0; earlier < i; ++earlier) {
+                const FaultSeries* series = SeriesOf(graph, *candidates[earlier].first);
+                if (candidates[earlier].first != node && series != nullptr &&
+                    *series == *SeriesOf(graph, *node)) {
+                    return "an earlier equal child was passed over";
+                }
+            }
+            return std::abs(next->coff - weight) > TOLERANCE ? "wrong coefficient"
+                   : visited || next->locName.find("OB_") != std::string::npos
+                       ? "a node that must end the walk"
+                       : "";
+        }
+    }
+    return next != nullptr ? "a worse child was followed" : mayEnd ? "" : "the walk ended early";
+}
+
+TEST(Walk, AgreesWithAReferenceOnRandomGraphs) {
+    size_t steps = 0;
+    size_t longest = 0;
+    for (uint32_t seed = 1; seed <= 20000; ++seed) {
+        const FaultCausalityGraph graph = RandomGraph(seed);
+        AnomalyPathInfo info;
+        const bool rooted = graph.mapLumoData.count(graph.mapNodeInfo.at(1).locName) == 1;
+        ASSERT_EQ(graph.TraverseByBfs(1, info), rooted ? 0U : 1U) << seed;
+        ASSERT_EQ(info.statusCode, rooted ? 0 : 1) << seed;
+        if (!rooted) {
+            continue;
+        }
+        ASSERT_EQ(std::pair(info.path.at(0).ioPointid, info.path.at(0).coff), std::pair(1, 1.0)) << seed;
+        const NodeResult* anomalous = nullptr;
+        bool cut = false;
+        for (size_t i = 0; i < info.path.size(); ++i) {
+            ASSERT_EQ(WrongStep(graph, info.path, i), "") << "seed " << seed << ", step " << i;
+            cut = cut || (info.path[i].coff != 0.0 && info.path[i].coff < 0.4);
+            anomalous = !cut && info.path[i].coff != 0.0 ? &info.path[i] : anomalous;
+        }
+        EXPECT_EQ(info.anomalyNodeId, anomalous->ioPointid) << seed;
+        EXPECT_EQ(info.anomalyNodeName, anomalous->locName) << seed;
+        EXPECT_EQ(info.nextGraphName, "AFTER_" + std::to_string(anomalous->ioPointid)) << seed;
+        steps += info.path.size();
+        longest = std::max(longest, info.path.size());
+    }
+    EXPECT_GT(steps, 20000U);
+    EXPECT_GE(longest, 6U);
+    EXPECT_GT(Agent::Record().Count("is on the path already"), 50U);
+}
+
+TEST(Walk, CoefficientsOfKnownSeries) {
+    constexpr int64_t BIG = std::numeric_limits<int64_t>::max();
+    const struct {
+        const char* what;
+        FaultSeries a, b;
+        double expected;
+    } cases[] = {
+        {"equal", {{1, 5}, {2, 9}, {3, 7}}, {{1, 5}, {2, 9}, {3, 7}}, 1.0},
+        {"negated", {{1, 5}, {2, 9}, {3, 7}}, {{1, -5}, {2, -9}, {3, -7}}, -1.0},
+        {"empty", {}, {{1, 5}, {2, 9}}, -1.0},
+        {"constant", {{1, 1000000}, {2, 1000000}, {3, 1000000}}, {{1, 5}, {2, 9}, {3, 7}}, -1.0},
+        {"one sample", {{1, 5}}, {{1, 9}}, -1.0},
+        {"filled by the half-sum", {{10, 100}, {30, 300}}, {{10, 1}, {20, 2}, {30, 3}}, 1.0},
+        {"half-sum towards zero", {{1, 0}, {3, -3}}, {{1, 0}, {2, -1}, {3, -3}}, 1.0},
+        {"begins later", {{1, 4}, {2, 4}, {3, 8}}, {{2, 1}, {3, 2}}, 1.0},
+        {"ends early", {{1, 1}, {2, 5}, {3, 5}}, {{1, 10}, {2, 50}}, 1.0},
+        {"sum of 65 bits", {{1, BIG}, {3, BIG - 2}}, {{1, 2}, {2, 2}, {3, 1}}, -1.0},
+    };
+    for (const auto& one : cases) {
+        EXPECT_NEAR(WeightCompute(one.a, one.b), one.expected, 1e-12) << one.what;
+    }
+    EXPECT_EQ(WeightCompute({{1, 1000000}, {2, 1000000}, {3, 1000000}}, {{1, 5}, {2, 9}, {3, 7}}), -1.0);
+}
+
+TEST(Walk, Reductions) {
+    const FaultSeries series = {{1, 7}, {2, 7}, {3, 8}};
+    EXPECT_EQ(FaultCausalityGraph::SumTimeSeriesArray(series), 22);
+    EXPECT_EQ(FaultCausalityGraph::AvgSeriesArray(series), 6);
+    EXPECT_EQ(FaultCausalityGraph::AvgSeriesArray({}), 0);
+    EXPECT_EQ(FaultCausalityGraph::MaxTimeSeriesArray(series), 8);
+    EXPECT_EQ(FaultCausalityGraph::MaxTimeSeriesArray({{1, -5}, {2, -2}}), 0);
+}
+
+}  // namespace

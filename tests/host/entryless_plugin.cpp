@@ -1,5 +1,0 @@
-extern "C" int SomethingElse();
-
-int SomethingElse() {
-    return 0;
-}
