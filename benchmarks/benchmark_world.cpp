@@ -61,12 +61,12 @@ void WriteBenchmarkWorld(const BenchmarkWorld& world, const std::string& file, c
             "begin; create table table_flag(tablename text, reporttime integer);"
             "create table version_nmaps(locateid integer, locatename text);"
             "insert into version_nmaps values(0, 'TGT_LUMO_HOST_READ');");
-    for (int32_t point = 1; point < world.points; ++point) {
-        const std::string id = std::to_string(point);
-        Execute(statistics, "insert into version_nmaps values(" + id + ", 'POINT_" + id + "');");
-    }
+    Execute(statistics,
+            "insert into version_nmaps with recursive point(i) as (select 1 union all select i + 1 from point"
+            " where i + 1 < " +
+                std::to_string(world.points) + ") select i, 'POINT_' || i from point;");
     for (int32_t hour = 0; hour < world.tables; ++hour) {
-        Execute(statistics, FillTable(world, TableName(hour), FIRST_HOUR + 3600 * hour));
+        Execute(statistics, FillTable(world, TableName(hour), FIRST_HOUR + int64_t{3600} * hour));
     }
     Execute(statistics, "commit;");
     Create(healFile);

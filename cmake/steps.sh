@@ -19,8 +19,9 @@ step() {
         return 0
     fi
     printf 'FAILED (%d)\n\n' "$status"
-    grep -Ev '^\[ *[0-9]+/[0-9]+\] |^ +Start +[0-9]+: | Passed +[0-9.]+ sec$|^clang-tidy|warnings? generated\.$' \
-        "$scratch/log" || true
+    sed -E -e 's/\x1b\[[0-9;]*m//g' \
+        -e '/^\[ *[0-9]+\/[0-9]+\] |^ +Start +[0-9]+: | Passed +[0-9.]+ sec$/d' \
+        -e '/^clang-tidy|warnings? generated\.$/d' "$scratch/log"
     printf '\n'
     return "$status"
 }

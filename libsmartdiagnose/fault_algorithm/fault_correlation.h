@@ -1,10 +1,13 @@
-// The statistics of the detector: mean and deviation of a series, and the three-sigma rule. Pure functions;
-// any thread.
+// Statistics: mean and deviation of a series, the three-sigma rule, and the correlation of two series. Any
+// thread.
+
 #pragma once
 
 #include <cmath>
 #include <cstdint>
 #include <vector>
+
+#include "fault_common/fault_series.h"
 
 namespace SmartDiagnose {
 
@@ -29,3 +32,10 @@ inline bool Is3Sigma(int64_t value, double& mean, double& deviation) {
 }
 
 }  // namespace SmartDiagnose
+
+// The Pearson coefficient of two series of ascending times, in [-1, 1] but for rounding; -1.0 also means that
+// there is none: a series is empty or constant. The series are aligned by time first: a sample that one of
+// them lacks is filled with the half-sum (towards zero) of its last value so far and its next one, or with
+// its last value once it has ended. Linear in the number of rows; the order of the additions is part of the
+// result.
+double WeightCompute(const FaultSeries& parentSeries, const FaultSeries& childSeries);

@@ -1,5 +1,9 @@
 #include "fault_database/fault_database.h"
 
+#include <array>
+
+#include "agent/agent_memory.h"
+#include "agent/agent_message.h"
 #include "agent/agent_time.h"
 #include "fault_common/fault_log.h"
 #include "fault_common/fault_number.h"
@@ -74,6 +78,24 @@ uint32_t Excute(const std::string& sql, const FaultRetryReport& report, CallBack
     return 0;
 }
 
+std::string TextOrEmpty(const char* cell) {
+    return cell != nullptr ? cell : "";
+}
+
+void FaultGetHealEventData(const FaultResultTable& table, std::vector<FaultHealEvent>& events) {
+    if (table.cells == nullptr) {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "DB pointer pResult is null.");
+        return;
+    }
+    FaultCheckColumns(table.rowCount, table.columnCount, 4);
+    char** cells = table.cells.get();
+    for (int32_t row = 0; row < table.rowCount; ++row) {
+        cells += table.columnCount;
+        events.emplace_back(TextOrEmpty(cells[0]), TextOrEmpty(cells[1]), TextOrEmpty(cells[2]),
+                            TextOrEmpty(cells[3]));
+    }
+}
+
 uint32_t OpenOrReleaseBoth(FaultConnection& connection) {
     const int32_t result = connection.Open();
     if (result == SQLITE_OK) {
@@ -135,5 +157,32 @@ uint32_t FaultGetDataTimeRange(std::string& earliest) {
         return 1;
     }
     earliest = name.substr(FAULT_TABLE_PREFIX_LENGTH);
+    return 0;
+}
+
+uint32_t FaultQueryHealEvent(const std::string& beginTime, const std::string& endTime,
+                             std::vector<FaultHealEvent>& events) {
+    static FaultUsualLimiter attemptLimiter;
+    static FaultUsualLimiter endLimiter;
+    if (!FaultZorvHealDataBase().IsOpen()) {
+        FAULT_LOG(FAULT_HERE, FAULT_WARNING, "g_zorvHealDataBase is nullptr.");
+        return 1;
+    }
+    std::array<char, 16> node{};
+    if (snprintf_s(node.data(), node.size(), node.size() - 1, "%d",
+                   static_cast<int32_t>(ZORV_GetLocalNid())) < 0) {
+        FAULT_LOG(FAULT_HERE, FAULT_WARNING, "make sql failed.");
+        return 1;
+    }
+    const std::string sql =
+        "select healtime, modulename, healcause, infercause from fault_heal_event where healtime >= " +
+        beginTime + " and healtime <= " + endTime + " and nodeid = " + node.data() +
+        " and (healcause == 'IOHANG' or healcause == 'IOERR');";
+    FaultResultTable table;
+    if (!QueryWithRetry(FaultZorvHealDataBase(), sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter},
+                        table)) {
+        return 1;
+    }
+    FaultGetHealEventData(table, events);
     return 0;
 }

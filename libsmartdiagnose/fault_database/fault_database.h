@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "fault_common/fault_export.h"
@@ -74,3 +75,12 @@ FAULT_EXPORT uint32_t FaultGetQueryTable(const std::string& beginTime, const std
 FAULT_EXPORT uint32_t FaultGetQueryTableCallBack(char** result, int32_t rowCount, int32_t columnCount,
                                                  std::vector<int64_t>& first, std::vector<int64_t>& second,
                                                  std::vector<std::string>& tableNames);
+
+// A healing action of the agent: time (compact local), module, cause, inferred cause. A null cell is empty
+// text.
+using FaultHealEvent = std::tuple<std::string, std::string, std::string, std::string>;
+
+// Appends what was healed on this node for hanging or failed I/O in a range of compact local times, both
+// included. Refuses at once while the database is not open; on failure `events` stays as it was.
+FAULT_EXPORT uint32_t FaultQueryHealEvent(const std::string& beginTime, const std::string& endTime,
+                                          std::vector<FaultHealEvent>& events);

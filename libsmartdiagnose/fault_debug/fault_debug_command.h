@@ -47,3 +47,7 @@ void FaultDelayDetectCommand(int32_t argc, char** argv);
 void FaultSimuDetectCommand(int32_t argc, char** argv);
 void FaultDataShowCommand(int32_t argc, char** argv);
 void FaultShowValidTimeCommand(int32_t argc, char** argv);
+void FaultDelayAnalCommand(int32_t argc, char** argv);
+
+// Shows the graph "SAN_IO_READ": word, location name, start, end.
+void FaultShowGraphCommand(int32_t argc, char** argv);

@@ -1,0 +1,156 @@
+// The delay causality graph: which trace point's delay can be caused by which other point's, with the
+// statistics of the points over one range of time, and the walk down it to the likely root cause.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fault_common/fault_export.h"
+#include "fault_common/fault_series.h"
+#include "fault_spectrum_graph/fault_json_object.h"
+
+// The kinds of points.
+constexpr const char* FAULT_LUMO_POINT = "LUMO_POINT";  // a trace point of the statistics facility
+constexpr const char* FAULT_OB_POINT = "OB_POINT";      // an observation point: "OB_" is part of its name
+
+// The delay of `sourceId` (the parent) can be caused by `targetId` (the child). `coff` stays 0: coefficients
+// are computed during a walk.
+struct Edge {
+    int32_t sourceId = 0;
+    int32_t targetId = 0;
+    double coff = 0.0;
+};
+
+// A point as the configuration describes it.
+struct Node {
+    int32_t ioPointid = 0;
+    std::string locName;    // the name under which its statistics are stored
+    std::string nextGraph;  // the graph that continues below it, or its own name
+    std::string description;
+    std::string statLabel;    // its kind
+    std::string extraText;    // not used by delay graphs
+    int64_t extraNumber = 0;  // not used by delay graphs
+    std::string suggestion;   // advice when it is the root cause; may be empty
+};
+
+// What the choice of a child passes around.
+struct NodeBase {
+    int32_t ioPointid = 0;  // 0: none
+    std::string locName;
+    std::string statLabel;
+    std::string attr;      // attribute words of error-code graphs
+    double coff = -1.0;    // coefficient by which the node was chosen; -1.0: none, 1.0: root of the walk
+    int32_t erridx = -1;   // error-code graphs: error index
+    int64_t errCount = 0;  // error-code graphs: error count
+};
+
+// One node of a path. Sums are over the loaded range of time.
+struct NodeResult {
+    int32_t ioPointid = 0;  // 0: none
+    std::string locName;
+    double coff = -1.0;
+    int32_t endFlag = 0;  // non-zero: the walk must stop, and the node is not part of the path
+    int64_t acceptnum = 0;
+    int64_t successnum = 0;
+    int64_t failednum = 0;
+    int64_t retrynum = 0;
+    int64_t avgdelay = 0;  // average, microseconds
+    int64_t maxdelay = 0;  // maximum, microseconds
+    std::string fixAdvice;
+};
+
+// The result of one walk.
+struct AnomalyPathInfo {
+    std::string anomalyNodeName;
+    int32_t anomalyNodeId = 0;
+    std::vector<NodeResult> path;  // root first
+    std::string nextGraphName;     // the graph in which the analysis goes on
+    int32_t statusCode = 1;        // 0: the result is valid
+};
+
+// Built in this order: InitGraph(), ExtracNodeInfo(), GetData(), a root finder, TraverseByBfs(). Status
+// results are 0 for success and 1 for failure. Not virtual; confined to the thread that made it.
+class FAULT_EXPORT FaultCausalityGraph {
+public:
+    // Adds every edge of a configuration's "edges". Throws the standard conversion errors for an end that is
+    // no number, Json::LogicError for a value of the wrong type.
+    void InitGraph(const Json::Value& edges);
+
+    // Takes over a configuration's "nodes": a later node with the same id replaces an earlier one. Throws
+    // Json::LogicError for a value of the wrong type.
+    void ExtracNodeInfo(const Json::Value& nodes);
+
+    // Appends an edge. Refuses negative ids and coefficients outside [-1, 1]; the coefficient is not stored.
+    uint32_t AddEdge(int32_t sourceId, int32_t targetId, double coff);
+
+    // The root from the topology: the first edge source that is nobody's target, compared as text. On failure
+    // `root` stays as it was.
+    uint32_t FindRootBySelf(const Json::Value& edges, int32_t& root);
+
+    // The node with the lowest id whose location name contains `label`. On failure `root` stays as it was.
+    uint32_t FindRootBySpecificLabel(const std::string& label, int32_t& root);
+
+    // Loads the statistics of all points for a range of compact local times, both ends included. Observation
+    // points are optional. Blocks on the database. Throws the standard conversion errors for a cell or time
+    // that is no number.
+    uint32_t GetData(const std::string& beginDate, const std::string& endDate);
+
+    // Its two halves; times in UTC seconds since 1970, `tables` the data tables to read. A point gets an
+    // entry, perhaps empty, whatever came back; the first failed query ends the loading.
+    uint32_t GetLumoData(const std::string& beginTime, const std::string& endTime,
+                         const std::vector<std::string>& tables);
+    uint32_t GetObData(const std::string& beginTime, const std::string& endTime,
+                       const std::vector<std::string>& tables);
+
+    // The row callback of the loading: appends twelve values per row to the series of their columns.
+    static uint32_t QueryFullDataCb(char** result, int32_t rowCount, int32_t columnCount,
+                                    std::map<std::string, FaultSeries>& series);
+
+    // Copies one statistic's series of a trace point. On failure, which is logged, `series` stays as it was.
+    uint32_t GetSeriesDataArray(int32_t nodeId, const std::string& statName, FaultSeries& series) const;
+
+    // Reductions of a series' values; 0 for an empty one. The average divides each value before adding,
+    // towards zero, and so may be smaller than the true mean; the maximum is never below 0.
+    static int64_t SumTimeSeriesArray(const FaultSeries& series);
+    static int64_t AvgSeriesArray(const FaultSeries& series);
+    static int64_t MaxTimeSeriesArray(const FaultSeries& series);
+
+    // The coefficient between the parent's delays and the child's; -1.0 when the child has none.
+    double GetCorrelation(const FaultSeries& parentSeries, const NodeBase& child) const;
+
+    // The candidate with the highest coefficient, the earlier of equal ones; id 0 when none is above -1.0.
+    // Its kind is always "LUMO_POINT".
+    NodeBase SelectNodeByWeightCoff(const FaultSeries& parentSeries,
+                                    const std::vector<NodeBase>& candidates) const;
+
+    // The walk: from `root` down the best-correlated children. It ends at a node without a child to follow,
+    // and before a node that is already on the path. `pathInfo` stays as it was on failure.
+    uint32_t TraverseByBfs(int32_t root, AnomalyPathInfo& pathInfo) const;
+    NodeResult SelectChildNode(int32_t parentId, const std::vector<Edge>& edges) const;
+    void GetNodeResult(const NodeBase& node, const std::map<std::string, FaultSeries>& data,
+                       NodeResult& result) const;
+    std::string GetFixAdvice(int32_t nodeId) const;
+
+    // The anomalous node of a path: the deepest one before the coefficient first drops below 0.4. Returns 1,
+    // with `pathInfo` unchanged, for a path without one.
+    uint32_t GetAnomalyResult(const std::vector<NodeResult>& path, AnomalyPathInfo& pathInfo) const;
+
+    int32_t rootId = 0;                                 // as found by FindRootBySelf()
+    std::map<int32_t, std::vector<Edge>> mapGraph;      // by source, in the order of adding
+    std::map<int32_t, Node> mapNodeInfo;                // by id
+    std::vector<std::string> vecLumoLocName;            // trace points, in the configuration's order
+    std::vector<std::string> vecObName;                 // observation points, likewise
+    std::map<std::string, FaultSeries> mapObserveData;  // delays of the observation points
+    std::map<std::string, std::map<std::string, FaultSeries>> mapLumoData;  // by trace point, then by column
+
+private:
+    const FaultSeries* FindSeries(int32_t nodeId, const std::string& statName) const;
+};
+
+// The graph "SAN_IO_READ", with its data for a range of compact local times if they could be loaded. Null,
+// and "inner error" printed, when the configuration does not have it.
+FAULT_EXPORT std::unique_ptr<FaultCausalityGraph> ConstructGraph(const std::string& startTime,
+                                                                 const std::string& endTime);
