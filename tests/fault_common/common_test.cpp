@@ -2,7 +2,6 @@
 #include <signal.h>
 
 #include <array>
-#include <chrono>
 #include <future>
 #include <random>
 #include <sstream>

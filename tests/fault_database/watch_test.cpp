@@ -32,8 +32,7 @@ TEST_F(Watch, OpensAnewOnEachEventOfTheStatisticsFileAlone) {
     world.Statistics({});
     ExpectOpenings(2, 1);
     // Events come in order: the one that follows these proves that they changed nothing.
-    for (const std::string name :
-         {"lumo_diagnose_data.db2", "umo_diagnose_data.db", "f/" LUMO_DATABASE_NAME}) {
+    for (const std::string name : {"lumo_diagnose_data.db2", "lumo.db", "f/" LUMO_DATABASE_NAME}) {
         world.Write(LUMO_DATA_DIRECTORY + name, "x");
         world.Remove(LUMO_DATA_DIRECTORY + name);
     }

@@ -47,7 +47,7 @@ TEST_F(Startup, HandsSixStepsToTheAgentAndEachSucceeds) {
                      "5" + UNIT + "117 ZorvSmartDiagnoseInit: Smart diagnose init success."}));
     EXPECT_TRUE(FaultJsonObject::pInstance->IsMember("G"));
 
-    const auto [task, module, function, line] = Agent()->timers.at(0);
+    const auto [task, module, line, function] = Agent()->timers.at(0);
     EXPECT_STREQ(task.name, "SmartDiagnoseDetect");
     EXPECT_EQ(std::tuple(task.period, task.periodic, task.arg, module, function, line),
               std::tuple(3600000U, 1, nullptr, 422U, "ZorvSmartDiagnoseTimerInit", 64U));

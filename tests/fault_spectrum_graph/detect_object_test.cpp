@@ -1,7 +1,5 @@
 #include "fault_spectrum_graph/fault_detect_object.h"
 
-#include <gmock/gmock.h>
-
 #include <numeric>
 
 #include "fault_algorithm/fault_anomalydetect.h"
@@ -9,7 +7,6 @@
 
 namespace {
 
-using testing::ElementsAre;
 using Series = std::vector<int64_t>;
 
 const std::string READ = "TGT_LUMO_HOST_READ";
@@ -63,7 +60,7 @@ TEST_F(DetectObject, ReportsTheWorstOfEachSeries) {
     detector.data[WRITE] = Columns(1000, 100, {{10, 500}, {50, 900}});
     detector.data[WRITE]["curtime"].resize(50);
     detector.data[READ].erase("curtime");
-    EXPECT_THAT(Shown(detector.DoDetect("", "")), ElementsAre(WRITE + " 500@1010", NAS + " 900@1099"));
+    EXPECT_EQ(Shown(detector.DoDetect("", "")), (Lines{WRITE + " 500@1010", NAS + " 900@1099"}));
 }
 
 TEST_F(DetectObject, SyntheticSeriesHasTwoSpikes) {

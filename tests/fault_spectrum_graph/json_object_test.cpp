@@ -9,13 +9,12 @@ TEST(JsonObject, AnswersByGraphAndKeyFromWhatWasParsedLast) {
     const TempWorld world;
     FaultJsonObject object;
     const std::string log = "3 fault_json_object.cpp ";
-    const std::string sound = R"({"G": {"nodes": "N", "edges": "E", "other": 4}})";
     const std::string deep = R"({"A": )" + std::string(2000, '[') + "}";
     Json::Value value;
     for (const std::string text : {"{", "", "[]", "null", "\"x\"", "\xff\xfe\x01", deep.c_str()}) {
         EXPECT_EQ(object.GetGraphValueByKeyTag("G", "nodes", value), 1U);
         EXPECT_LOGGED(log + "GetGraphValueByKeyTag: FlowGraph is null.");
-        world.Config(sound);
+        world.Config(R"({"G": {"nodes": "N", "edges": "E", "other": 4}})");
         EXPECT_EQ(object.ParseJsonConfig(world.Path(ZORV_ROUTE_CONFIG_FILE)), 0U);
         EXPECT_EQ(object.ParseJsonConfig("/missing"), 1U);  // changes nothing
         EXPECT_LOGGED(log + "ParseJsonConfig: Failed to open the configuration file.");

@@ -1,10 +1,8 @@
 #include "fault_switch/fault_diagnose_switch.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include "support/recording_agent.h"
-
-using testing::ElementsAre;
 
 constexpr uint32_t SET = 0x70002120;
 constexpr uint32_t GET = 0x70002121;
@@ -78,7 +76,6 @@ TEST_F(Switch, AsksTheMasterThenTheFileThenTakesTheDefault) {
     const std::string master = "5" + UNIT + asking + "success, switch=";
     const std::string unreadable = "5" + UNIT + asking + "fail.";
     const std::string noAnswer = "3" + UNIT + asking + "node fail ret=";
-    const std::optional<std::string> none;
     // The master's reply, the result of asking it, the file's value or 0 for no file; what is returned, and
     // what is logged. The value is logged too, unless it is the default for want of one.
     const std::tuple<std::optional<std::string>, int, int, int, std::string> cases[] = {
@@ -88,10 +85,10 @@ TEST_F(Switch, AsksTheMasterThenTheFileThenTakesTheDefault) {
         {Bytes(4), 0, 1, 2, master + "4."},
         {Bytes(-1), 0, 3, 3, unreadable},
         {Bytes(-1), 0, 0, 2, unreadable},
-        {none, 0, 1, 1, noAnswer + "0, buf=(nil)"},
+        {{}, 0, 1, 1, noAnswer + "0, buf=(nil)"},
         {Bytes(1).substr(0, 3), 0, 3, 3, noAnswer + "0, buf=0x"},
         {Bytes(3), 4, 1, 1, noAnswer + "4, buf=(nil)"},
-        {none, 4, 8, 2, noAnswer + "4, buf=(nil)"}};
+        {{}, 4, 8, 2, noAnswer + "4, buf=(nil)"}};
     for (const auto& [reply, result, file, expected, line] : cases) {
         Agent::Reset();
         Agent()->reply = reply;

@@ -11,6 +11,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "agent/agent_console.h"
@@ -19,10 +20,8 @@
 #include "agent/agent_timer.h"
 
 struct LogLine {
-    uint32_t module, level;
-    std::string file;
-    uint32_t line;
-    std::string function, text;
+    uint32_t module, level, line;
+    std::string file, function, text;
 };
 
 // What tests compare: "3 fault_database.cpp FaultDataBaseInit: sqlite3_open faild:14", with "0x" for every
@@ -32,9 +31,8 @@ std::string Brief(const LogLine& line, bool withNumber = false);
 
 struct TimerCall {
     ZORV_TIMER_TASK_S task;
-    uint32_t module;
+    uint32_t module, line;
     std::string function;
-    uint32_t line;
 };
 
 // A request or an acknowledgement: its header and its payload's bytes.

@@ -80,7 +80,7 @@ void vplog(uint32_t module, uint32_t level, const char* file, uint32_t line, con
            uint32_t /*reserved*/, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Agent()->logs.push_back({module, level, file, line, function, FormatText(format, arguments)});
+    Agent()->logs.push_back({module, level, line, file, function, FormatText(format, arguments)});
     va_end(arguments);
 }
 
@@ -156,7 +156,7 @@ uint32_t ZORV_ModulesStartup(ZORV_MODULE_INIT_S* rows, uint32_t count) {
 
 uint32_t ZORV_ThreadPoolAddTimerTaskSub(ZORV_TIMER_TASK_S* task, uint32_t module, const char* function,
                                         uint32_t line) {
-    Agent()->timers.push_back({*task, module, function, line});
+    Agent()->timers.push_back({*task, module, line, function});
     return StatusOf(__func__);
 }
 

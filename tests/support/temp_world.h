@@ -16,6 +16,7 @@ struct SqlValue {
     template <typename Integer, typename = std::enable_if_t<std::is_integral_v<Integer>>>
     SqlValue(Integer number) : text(std::to_string(number)) {}
     SqlValue(const char* sql) : text(sql) {}
+    SqlValue(const std::string& sql) : text(sql) {}
     std::string text;
 };
 
