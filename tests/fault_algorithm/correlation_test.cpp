@@ -25,10 +25,10 @@ TEST(Statistics, AgreeWithALongDoubleReference) {
             return sum + difference * difference;
         };
         const long double squares = std::accumulate(samples.begin(), samples.end(), 0.0L, addSquare);
-        const long double expected = std::sqrt(squares / (count - 1));
+        const auto expected = static_cast<double>(std::sqrt(squares / (count - 1)));
         ASSERT_EQ(MeanStdevCompute(samples, mean, deviation), 0U);
-        EXPECT_LE(std::abs(mean - average), 1e-13L * static_cast<long double>(scale)) << seed;
-        EXPECT_LE(std::abs(deviation - expected), 1e-12L * expected) << seed;
+        EXPECT_NEAR(mean, static_cast<double>(average), 1e-13 * static_cast<double>(scale)) << seed;
+        EXPECT_NEAR(deviation, expected, 1e-12 * expected) << seed;
     }
 }
 

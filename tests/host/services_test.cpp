@@ -52,17 +52,16 @@ TEST(MemoryTest, StaysWithinBounds) {
 
 TEST(NearestNameTest, MendsTypingErrors) {
     const std::vector<std::string> names = {"delaydetect", "delayanal", "errcodeshow", "help"};
-    const std::pair<std::string, const char*> cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"delaydetct", "delaydetect"},
         {"errcodshow", "errcodeshow"},
         {"delay", "delaydetect"},
         {"hlep", "help"},
         {"HELP", ""},
         {"", ""},
-        {std::string(1 << 20, 'q'), ""},
     };
     for (const auto& [word, expected] : cases) {
-        EXPECT_EQ(NearestName(word, names), expected) << word.substr(0, 20);
+        EXPECT_EQ(NearestName(word, names), expected) << word;
     }
 }
 

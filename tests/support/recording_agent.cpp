@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <regex>
 #include <thread>
 
 std::recursive_mutex Agent::mutex;
@@ -11,7 +10,10 @@ std::recursive_mutex Agent::mutex;
 AgentRecord& Agent::record = *std::make_unique<AgentRecord>().release();
 
 std::string Brief(const LogLine& line, bool withNumber) {
-    const std::string text = std::regex_replace(line.text, std::regex("0x[0-9a-f]+"), "0x");
+    std::string text = line.text;
+    for (size_t at = text.find("0x"); at != std::string::npos; at = text.find("0x", at + 2)) {
+        text.erase(at + 2, text.find_first_not_of("0123456789abcdef", at + 2) - (at + 2));
+    }
     const std::string number = withNumber ? ":" + std::to_string(line.line) : "";
     return std::to_string(line.level) + " " + line.file + number + " " + line.function + ": " + text;
 }
