@@ -51,7 +51,8 @@ TEST_F(Query, HandsTheRowsToTheCallBack) {
     EXPECT_EQ(Run("select 7, 'a' union all select 'b', '';"), 0U);
     EXPECT_EQ(texts, (Lines{"7", "a", "b", ""}));
     const auto keepSize = [](char** result, int32_t rowCount, int32_t columnCount, auto& given) -> uint32_t {
-        given[result[columnCount + 1]].resize(static_cast<size_t>(10 * rowCount + columnCount));
+        given[result[columnCount + 1]].resize(10 * static_cast<size_t>(rowCount) +
+                                              static_cast<size_t>(columnCount));
         return 1;  // nobody looks at it
     };
     EXPECT_EQ(FaultDataBaseExcuteFullSql("select 1, 'x' union all select 2, 'y';", keepSize, series), 0U);
