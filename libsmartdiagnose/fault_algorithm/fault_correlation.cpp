@@ -26,6 +26,21 @@ uint32_t MeanStdevCompute(const std::vector<int64_t>& samples, double& mean, dou
     return 0;
 }
 
+std::vector<size_t> Outliers(const std::vector<int64_t>& samples) {
+    std::vector<size_t> outliers;
+    double mean = 0.0;
+    double deviation = 0.0;
+    if (MeanStdevCompute(samples, mean, deviation) != 0) {
+        return outliers;
+    }
+    for (size_t i = 0; i < samples.size(); ++i) {
+        if (Is3Sigma(samples[i], mean, deviation)) {
+            outliers.push_back(i);
+        }
+    }
+    return outliers;
+}
+
 }  // namespace SmartDiagnose
 
 namespace {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -30,6 +31,9 @@ inline double SigmaCompute(int64_t value, double& mean, const double& deviation)
 inline bool Is3Sigma(int64_t value, double& mean, double& deviation) {
     return SigmaCompute(value, mean, deviation) > 3.0;
 }
+
+// Which of `samples` lie more than three deviations from their mean, to either side.
+std::vector<size_t> Outliers(const std::vector<int64_t>& samples);
 
 }  // namespace SmartDiagnose
 

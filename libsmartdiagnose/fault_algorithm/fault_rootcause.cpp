@@ -2,84 +2,144 @@
 
 #include <set>
 
+#include "fault_common/fault_boundary.h"
 #include "fault_common/fault_log.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 
 namespace {
 
+// One graph's analysis. `run` runs the steps that may fail by an exception. Log lines are those of `site`.
+template <typename Graph, typename Run, typename Walk>
+uint32_t AnalyseGraph(const FaultLogSite& site, const RootGraph& rootGraph, const TimeWindow& timeWindow,
+                      bool byLabel, Run run, Walk walk) {
+    FaultJsonObject& config = FaultJsonObject::GetInstance();
+    const std::string& name = rootGraph.graphName;
+    if (!config.IsMember(name)) {
+        FAULT_LOG(site, FAULT_ERROR, "the %s is not exsist.", name.c_str());
+        return 1;
+    }
+    Json::Value nodes;
+    Json::Value edges;
+    const auto read = [&] {
+        return config.GetGraphValueByKeyTag(name, "nodes", nodes) == 0 &&
+               config.GetGraphValueByKeyTag(name, "edges", edges) == 0;
+    };
+    if (!run(read)) {
+        FAULT_LOG(site, FAULT_ERROR, "Fail to get value.");
+        return 1;
+    }
+    Graph graph;
+    graph.InitGraph(edges);
+    const auto extract = [&] {
+        graph.ExtracNodeInfo(nodes);
+        return true;
+    };
+    if (!run(extract)) {
+        return 1;
+    }
+    if (!run([&] { return graph.GetData(timeWindow.startTime, timeWindow.endTime) == 0; })) {
+        FAULT_LOG(site, FAULT_ERROR, "GetData failed.");
+        return 1;
+    }
+    int32_t rootId = 0;
+    if (byLabel) {
+        graph.FindRootBySpecificLabel(rootGraph.label, rootId);
+        FAULT_LOG(site, FAULT_INFO, "FindRootBySpecificLabel rootId: %d.", rootId);
+    } else {
+        graph.FindRootBySelf(edges, rootId);
+        FAULT_LOG(site, FAULT_INFO, "FindRootBySelf rootId: %d.", rootId);
+    }
+    if (walk(graph, rootId) != 0) {
+        FAULT_LOG(site, FAULT_ERROR, "Failed to traverByBfs.");
+        return 1;
+    }
+    return 0;
+}
+
 AnomalyPath PathOf(const AnomalyPathInfo& pathInfo, const std::string& graphName) {
     AnomalyPath path{pathInfo.anomalyNodeName, graphName, {}};
     for (const NodeResult& result : pathInfo.path) {
-        path.nodes.push_back({result.ioPointid, result.locName, result.coff, result.avgdelay});
+        path.nodes.push_back({result.ioPointid, result.locName, result.coff, result.avgdelay, result.erridx,
+                              result.errCount, result.fixAdvice});
     }
     return path;
+}
+
+// Analyses `rootGraph` from the point that it names, and then the graphs to which the analysis is handed
+// over, from their topological roots. Returns the status of the first one.
+template <typename Analyse>
+uint32_t FollowGraphs(const FaultLogSite& site, RootGraph rootGraph, Analyse analyse,
+                      std::vector<AnomalyPath>& paths) {
+    std::set<std::string> analysed;
+    for (;;) {
+        AnomalyPathInfo pathInfo;
+        const bool first = analysed.empty();
+        const uint32_t result = analyse(rootGraph, first, pathInfo);
+        if (result != 0 || pathInfo.statusCode != 0) {
+            FAULT_LOG(site, FAULT_ERROR, "Graph anlaysis failed.retCode: %d, statusCode: %d",
+                      static_cast<int32_t>(result), pathInfo.statusCode);
+            return first ? result : 0;
+        }
+        paths.push_back(PathOf(pathInfo, rootGraph.graphName));
+        analysed.insert(rootGraph.graphName);
+        if (pathInfo.nextGraphName.empty()) {
+            return 0;
+        }
+        FAULT_LOG(site, FAULT_ERROR, "new root graph name :%s", pathInfo.nextGraphName.c_str());
+        if (analysed.count(pathInfo.nextGraphName) > 0) {
+            FAULT_LOG(site, FAULT_WARNING, "graph %s has been analysed already, the analysis ends.",
+                      pathInfo.nextGraphName.c_str());
+            return 0;
+        }
+        rootGraph = {{}, pathInfo.nextGraphName};
+    }
 }
 
 }  // namespace
 
 uint32_t GraphAnalysisBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
                                 AnomalyPathInfo& pathInfo) {
-    FaultJsonObject& config = FaultJsonObject::GetInstance();
-    if (!config.IsMember(rootGraph.graphName)) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "the %s is not exsist.", rootGraph.graphName.c_str());
-        return 1;
-    }
-    Json::Value nodes;
-    Json::Value edges;
-    if (config.GetGraphValueByKeyTag(rootGraph.graphName, "nodes", nodes) != 0 ||
-        config.GetGraphValueByKeyTag(rootGraph.graphName, "edges", edges) != 0) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Fail to get value.");
-        return 1;
-    }
-    FaultCausalityGraph graph;
-    graph.InitGraph(edges);
-    graph.ExtracNodeInfo(nodes);
-    if (graph.GetData(timeWindow.startTime, timeWindow.endTime) != 0) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "GetData failed.");
-        return 1;
-    }
-    int32_t rootId = 0;
-    if (byLabel) {
-        graph.FindRootBySpecificLabel(rootGraph.label, rootId);
-        FAULT_LOG(FAULT_HERE, FAULT_INFO, "FindRootBySpecificLabel rootId: %d.", rootId);
-    } else {
-        graph.FindRootBySelf(edges, rootId);
-        FAULT_LOG(FAULT_HERE, FAULT_INFO, "FindRootBySelf rootId: %d.", rootId);
-    }
-    if (graph.TraverseByBfs(rootId, pathInfo) != 0) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Failed to traverByBfs.");
-        return 1;
-    }
-    return 0;
+    return AnalyseGraph<FaultCausalityGraph>(
+        FAULT_HERE, rootGraph, timeWindow, byLabel, [](auto step) { return step(); },
+        [&](const FaultCausalityGraph& graph, int32_t root) { return graph.TraverseByBfs(root, pathInfo); });
 }
 
 std::vector<AnomalyPath> FlowAnalysisBFS(std::string nodeName, std::string graphName, std::string startTime,
                                          std::string endTime) {
     std::vector<AnomalyPath> paths;
-    std::set<std::string> analysed;
     const TimeWindow timeWindow{std::move(startTime), std::move(endTime)};
-    RootGraph rootGraph{std::move(nodeName), std::move(graphName)};
-    bool byLabel = true;  // only the first graph is entered at a point known by name
-    for (;;) {
-        AnomalyPathInfo pathInfo;
-        const uint32_t result = GraphAnalysisBFSByRoot(rootGraph, timeWindow, byLabel, pathInfo);
-        if (result != 0 || pathInfo.statusCode != 0) {
-            FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Graph anlaysis failed.retCode: %d, statusCode: %d",
-                      static_cast<int32_t>(result), pathInfo.statusCode);
-            return paths;
-        }
-        paths.push_back(PathOf(pathInfo, rootGraph.graphName));
-        analysed.insert(rootGraph.graphName);
-        if (pathInfo.nextGraphName.empty()) {
-            return paths;
-        }
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "new root graph name :%s", pathInfo.nextGraphName.c_str());
-        if (analysed.count(pathInfo.nextGraphName) > 0) {
-            FAULT_LOG(FAULT_HERE, FAULT_WARNING, "graph %s has been analysed already, the analysis ends.",
-                      pathInfo.nextGraphName.c_str());
-            return paths;
-        }
-        rootGraph = {{}, pathInfo.nextGraphName};
-        byLabel = false;
-    }
+    FollowGraphs(
+        FAULT_HERE, {std::move(nodeName), std::move(graphName)},
+        [&](const RootGraph& rootGraph, bool byLabel, AnomalyPathInfo& pathInfo) {
+            return GraphAnalysisBFSByRoot(rootGraph, timeWindow, byLabel, pathInfo);
+        },
+        paths);
+    return paths;
+}
+
+uint32_t AnalysisErrCodeBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
+                                  int32_t erridx, AnomalyPathInfo& pathInfo) {
+    const FaultLogSite site = FAULT_HERE;
+    return AnalyseGraph<FaultCausalityErrCodeGraph>(
+        site, rootGraph, timeWindow, byLabel,
+        [&](auto step) {
+            bool done = false;
+            FaultRunGuarded(site, [&] { done = step(); });
+            return done;
+        },
+        [&](const FaultCausalityErrCodeGraph& graph, int32_t root) {
+            return graph.TraverseByBfs(root, pathInfo, erridx);
+        });
+}
+
+uint32_t AnalysisErrCodeBFS(const std::string& graphName, const std::string& startDate,
+                            const std::string& endDate, const std::string& rootLabel, int32_t erridx,
+                            std::vector<AnomalyPath>& paths) {
+    const TimeWindow timeWindow{startDate, endDate};
+    return FollowGraphs(
+        FAULT_HERE, {rootLabel, graphName},
+        [&](const RootGraph& rootGraph, bool byLabel, AnomalyPathInfo& pathInfo) {
+            return AnalysisErrCodeBFSByRoot(rootGraph, timeWindow, byLabel, erridx, pathInfo);
+        },
+        paths);
 }

@@ -8,11 +8,6 @@
 
 namespace {
 
-// Stands in the table for a command that cannot answer yet.
-void NotBuiltCommand(int32_t /*argc*/, char** /*argv*/) {
-    FaultPrintError("inner err");
-}
-
 ZORV_DIAG_CMD_S g_smartDiagnoseCmdTable[] = {
     {"simudetect", FaultCommandHandler<FaultSimuDetectCommand>,
      "simudetect [starTime] [endTime]: Simu fault detect. eg:starTime:20210803153000"},
@@ -24,16 +19,16 @@ ZORV_DIAG_CMD_S g_smartDiagnoseCmdTable[] = {
      "showgraph [mapgraph] [mapnodeinfo] [veclumo] [vecob] [mapobdata] [maplumodata]: showgraph"},
     {"delayanal", FaultCommandHandler<FaultDelayAnalCommand>,
      "delayanal [starTime endTime] | [timelength]: Analysis result;timelength: unit is minute."},
-    {"showfaultfactor", FaultCommandHandler<NotBuiltCommand>,
+    {"showfaultfactor", FaultCommandHandler<FaultShowFaultFactorCommand>,
      "showfaultfactor [moduleName] [starTime] [endTime]: Show fault factor."},
-    {"errcodeshowall", FaultCommandHandler<NotBuiltCommand>,
+    {"errcodeshowall", FaultCommandHandler<FaultErrCodeShowAllCommand>,
      "errcodeshowall [starTime endTime] | [timelength]: errcode show system status."},
-    {"errcodeshow", FaultCommandHandler<NotBuiltCommand>,
+    {"errcodeshow", FaultCommandHandler<FaultErrCodeShowCommand>,
      "errcodeshow [type] [module] [starTime endTime] | [timelength]: errcode show subsystem;\n"
      "[type]:IOERROR, IORETRY, IOACCESSDENY, [module]:ALL, NASPROTOL, FS, CACHE, POOL, SANPROTOL, SPACE."},
     {"showvalidtime", FaultCommandHandler<FaultShowValidTimeCommand>,
      "showvalidtime: show the earliest timestamp that can be diagnosed."},
-    {"showallerr", FaultCommandHandler<NotBuiltCommand>,
+    {"showallerr", FaultCommandHandler<FaultShowAllErrCommand>,
      "showallerr [starTime endTime] | [timelength]: display information about all LUMO points with non-zero "
      "errors in the fault tree, [timelength]: unit is minute."},
     {nullptr, nullptr, nullptr},
@@ -66,4 +61,8 @@ bool FaultRefusedBySwitch() {
     }
     FaultPrintError("fault diagnose switch is off");
     return true;
+}
+
+void FaultPrintSearchFailed() {
+    FaultPrintError("inner err, and please try it again.");
 }

@@ -7,13 +7,11 @@
 #include "fault_common/fault_vocabulary.h"
 #include "fault_database/fault_database.h"
 #include "fault_debug/fault_debug_command.h"
+#include "fault_debug/fault_debug_table.h"
 
 namespace {
 
 constexpr int64_t SPAN_SECONDS = 480;  // analysed before and after an anomaly
-
-const std::string EQUALS_LINE = std::string(67, '=') + "\n";
-const std::string DASHES_LINE = std::string(69, '-') + "\n";
 
 // Whether the agent healed something in the range, which is then all that is printed.
 bool ZorvFaultCanGetHealEvent(const std::string& start, const std::string& end) {
@@ -27,7 +25,7 @@ bool ZorvFaultCanGetHealEvent(const std::string& start, const std::string& end) 
         return false;
     }
     DBG_Print("\n                   IoAbnormal Analysis\n");
-    DBG_Print("%s", EQUALS_LINE.c_str());
+    FaultPrintEqualsLine();
     DBG_Print("time             ioabnType       modulename      infercause\n");
     for (const auto& [time, module, healCause, inferredCause] : events) {
         DBG_Print("%-17s%-16s%-16s%-16s\n", time.c_str(), healCause.c_str(), module.c_str(),
@@ -37,10 +35,8 @@ bool ZorvFaultCanGetHealEvent(const std::string& start, const std::string& end) 
 }
 
 void PrintPath(const AnomalyPath& path) {
-    DBG_Print("%s", EQUALS_LINE.c_str());
-    DBG_Print("AnomalyNodeName                  RootGraphName\n");
-    DBG_Print("%-32s%-32s\n", path.anomalyNodeName.c_str(), path.rootGraphName.c_str());
-    DBG_Print("%s", DASHES_LINE.c_str());
+    FaultPrintPathHead("AnomalyNodeName                  RootGraphName\n", path.anomalyNodeName,
+                       path.rootGraphName);
     DBG_Print("ioPointid      locName                         coff         avgdelay(us)\n");
     for (const AnomalyNodeInfo& node : path.nodes) {
         DBG_Print("%-12d%-32s%-13f%-30ld\n", node.ioPointid, node.locName.c_str(), node.coff, node.avgdelay);
@@ -55,8 +51,7 @@ void ZorvFaultAnalysisInner(const std::string& point, const std::string& graph, 
     const std::vector<AnomalyPath> paths = FlowAnalysisBFS(point, graph, span.startTime, span.endTime);
     DBG_Print("\n                   CausalityGraph Analysis\n");
     if (paths.empty()) {
-        DBG_Print("%s", EQUALS_LINE.c_str());
-        DBG_Print("There's no abnormal check result.\n");
+        FaultPrintNoPath();
     }
     for (const AnomalyPath& path : paths) {
         PrintPath(path);
@@ -78,7 +73,7 @@ void ZorvFaultMultiAnomalyProcess(const std::vector<AnomalyDetectResult>& result
         if (!SpanAround(result.anomalyTime, span)) {
             return;
         }
-        const auto graphs = g_mapPointGraph.equal_range(result.lumoLocName);
+        const auto graphs = g_mapPointSubPoints.equal_range(result.lumoLocName);
         for (auto graph = graphs.first; graph != graphs.second; ++graph) {
             ZorvFaultAnalysisInner(graph->first, graph->second, span);
         }
@@ -99,16 +94,10 @@ void ZorvFaultAnalysis(const std::string& start, const std::string& end) {
 }  // namespace
 
 void FaultDelayAnalCommand(int32_t argc, char** argv) {
-    if (FaultRefusedBySwitch()) {
-        return;
-    }
     std::string start;
     std::string end;
-    if (ParseTimeArgs(argc, argv, FIRST_ARGUMENT, start, end) != 0) {
-        FaultPrintError("input err");
-        return;
-    }
-    if (CheckTimeRange(start, end) && !ZorvFaultCanGetHealEvent(start, end)) {
+    if (!FaultRefusedBySwitch() && FaultParseRange(argc, argv, FIRST_ARGUMENT, start, end) &&
+        CheckTimeRange(start, end) && !ZorvFaultCanGetHealEvent(start, end)) {
         ZorvFaultAnalysis(start, end);
     }
 }

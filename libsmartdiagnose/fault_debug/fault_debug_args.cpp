@@ -64,6 +64,14 @@ uint32_t ParseTimeArgs(int32_t argc, char** argv, int32_t first, std::string& st
     return 0;
 }
 
+bool FaultParseRange(int32_t argc, char** argv, int32_t first, std::string& start, std::string& end) {
+    if (ParseTimeArgs(argc, argv, first, start, end) != 0) {
+        FaultPrintError("input err");
+        return false;
+    }
+    return true;
+}
+
 bool CheckTimeRange(const std::string& start, const std::string& end) {
     if (!IsDate(start) || !IsDate(end) || FaultToInt64(start) >= FaultToInt64(end)) {
         FaultPrintError("date input err");

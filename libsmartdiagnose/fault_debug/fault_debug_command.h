@@ -39,6 +39,10 @@ uint32_t ParseTimeArgs(int32_t argc, char** argv, int32_t first, std::string& st
 // when not, except for a time that does not convert.
 bool CheckTimeRange(const std::string& start, const std::string& end);
 
+// What the commands on a range begin with: takes the range from the arguments from index `first` on, as
+// ParseTimeArgs() does. False, and an error line printed, when they are none.
+bool FaultParseRange(int32_t argc, char** argv, int32_t first, std::string& start, std::string& end);
+
 // Raises the alarm for a detected delay fault, at most three times in any day. Any thread.
 void FaultDiagRecordAndSendAlarm();
 
@@ -48,6 +52,15 @@ void FaultSimuDetectCommand(int32_t argc, char** argv);
 void FaultDataShowCommand(int32_t argc, char** argv);
 void FaultShowValidTimeCommand(int32_t argc, char** argv);
 void FaultDelayAnalCommand(int32_t argc, char** argv);
+
+// The commands on errors, and on a module's fault factors.
+void FaultShowAllErrCommand(int32_t argc, char** argv);
+void FaultErrCodeShowCommand(int32_t argc, char** argv);
+void FaultErrCodeShowAllCommand(int32_t argc, char** argv);
+void FaultShowFaultFactorCommand(int32_t argc, char** argv);
+
+// Answers a search that failed.
+void FaultPrintSearchFailed();
 
 // Shows the graph "SAN_IO_READ": word, location name, start, end.
 void FaultShowGraphCommand(int32_t argc, char** argv);

@@ -53,11 +53,8 @@ std::string ReadableTime(const AnomalyDetectResult& result) {
 
 void FaultDelayDetectCommand(int32_t argc, char** argv) {
     FaultRange range;
-    if (ParseTimeArgs(argc, argv, FIRST_ARGUMENT, range.startDate, range.endDate) != 0) {
-        FaultPrintError("input err");
-        return;
-    }
-    if (!CheckTimeRange(range.startDate, range.endDate) || !ConvertRange(range)) {
+    if (!FaultParseRange(argc, argv, FIRST_ARGUMENT, range.startDate, range.endDate) ||
+        !CheckTimeRange(range.startDate, range.endDate) || !ConvertRange(range)) {
         return;
     }
     const std::vector<AnomalyDetectResult> results = DetectAndAlarm(

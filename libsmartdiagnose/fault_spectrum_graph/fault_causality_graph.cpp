@@ -16,23 +16,6 @@ bool IsObservationPoint(const std::string& locName) {
     return locName.find(OB_MARK) != std::string::npos;
 }
 
-// Reads what both kinds of graph have in common.
-Node ReadNode(const Json::Value& json) {
-    Node node;
-    node.ioPointid = json["id"].asInt();
-    node.locName = json["label"].asString();
-    node.nextGraph = json["name"].asString();
-    node.description = json["description"].asString();
-    const Json::Value& info = json["info"];
-    if (info.isMember("subGraph")) {
-        node.nextGraph = info["subGraph"].asString();
-    }
-    if (info.isMember("suggestion")) {
-        node.suggestion = info["suggestion"].asString();
-    }
-    return node;
-}
-
 }  // namespace
 
 std::unique_ptr<FaultCausalityGraph> ConstructGraph(const std::string& startTime,
@@ -112,4 +95,20 @@ uint32_t FaultCausalityGraph::FindRootBySpecificLabel(const std::string& label, 
         }
     }
     return 1;
+}
+
+Node FaultCausalityGraph::ReadNode(const Json::Value& json) {
+    Node node;
+    node.ioPointid = json["id"].asInt();
+    node.locName = json["label"].asString();
+    node.nextGraph = json["name"].asString();
+    node.description = json["description"].asString();
+    const Json::Value& info = json["info"];
+    if (info.isMember("subGraph")) {
+        node.nextGraph = info["subGraph"].asString();
+    }
+    if (info.isMember("suggestion")) {
+        node.suggestion = info["suggestion"].asString();
+    }
+    return node;
 }

@@ -2,15 +2,20 @@
 // statistics of the points over one range of time, and the walk down it to the likely root cause.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "fault_common/fault_export.h"
+#include "fault_common/fault_log.h"
 #include "fault_common/fault_series.h"
 #include "fault_spectrum_graph/fault_json_object.h"
+
+struct FaultSqlInputParam;
 
 // The kinds of points.
 constexpr const char* FAULT_LUMO_POINT = "LUMO_POINT";  // a trace point of the statistics facility
@@ -31,7 +36,7 @@ struct Node {
     std::string nextGraph;  // the graph that continues below it, or its own name
     std::string description;
     std::string statLabel;    // its kind
-    std::string extraText;    // not used by delay graphs
+    std::string attr;         // attribute words of error-code graphs
     int64_t extraNumber = 0;  // not used by delay graphs
     std::string suggestion;   // advice when it is the root cause; may be empty
 };
@@ -42,9 +47,9 @@ struct NodeBase {
     std::string locName;
     std::string statLabel;
     std::string attr;      // attribute words of error-code graphs
-    double coff = -1.0;    // coefficient by which the node was chosen; -1.0: none, 1.0: root of the walk
+    double coff = -1.0;    // weight by which the node was chosen; -1.0: none, 1.0: root of a delay walk
     int32_t erridx = -1;   // error-code graphs: error index
-    int64_t errCount = 0;  // error-code graphs: error count
+    int64_t errCount = 0;  // error-code graphs: error count for the type of the walk, its exact weight
 };
 
 // One node of a path. Sums are over the loaded range of time.
@@ -52,14 +57,21 @@ struct NodeResult {
     int32_t ioPointid = 0;  // 0: none
     std::string locName;
     double coff = -1.0;
-    int32_t endFlag = 0;  // non-zero: the walk must stop, and the node is not part of the path
-    int64_t acceptnum = 0;
+    int32_t endFlag = 0;    // non-zero: without data, the walk must stop before the node
+    int64_t acceptnum = 0;  // error-code graphs: the error count of an atomic node
     int64_t successnum = 0;
     int64_t failednum = 0;
     int64_t retrynum = 0;
     int64_t avgdelay = 0;  // average, microseconds
     int64_t maxdelay = 0;  // maximum, microseconds
     std::string fixAdvice;
+
+    // Of error-code graphs.
+    int32_t erridx = -1;    // error index of an atomic node
+    bool isFollow = false;  // the node follows its parent
+    int64_t errCount = 0;   // error count for the type of the walk
+    std::array<int64_t, 5> errorSums =
+        {};  // of the columns errCode0 to errCode4; the last two are not filled
 };
 
 // The result of one walk.
@@ -146,8 +158,35 @@ public:
     std::map<std::string, FaultSeries> mapObserveData;  // delays of the observation points
     std::map<std::string, std::map<std::string, FaultSeries>> mapLumoData;  // by trace point, then by column
 
-private:
+protected:
+    // What both kinds of graph share. Log lines are those of `site`.
+
+    // A node's members that both kinds of graph read.
+    static Node ReadNode(const Json::Value& json);
+
+    // Appends a point's rows from all tables, column by column. Fails with the first query.
+    static uint32_t LoadPoint(FaultSqlInputParam& query, const std::string& point,
+                              const std::vector<std::string>& tables,
+                              std::map<std::string, FaultSeries>& columns);
+
+    // The series that GetSeriesDataArray() copies; null, and logged, when there is none.
     const FaultSeries* FindSeries(int32_t nodeId, const std::string& statName) const;
+
+    // One column of a node's statistics; an empty series where they lack it.
+    static const FaultSeries& ColumnOf(const std::map<std::string, FaultSeries>& data,
+                                       const std::string& column);
+
+    // The node at which a walk starts; null, and logged, when there is none.
+    const Node* FindWalkRoot(int32_t root, const FaultLogSite& site) const;
+
+    // The statistics of that node; null, and logged, when there are none.
+    const std::map<std::string, FaultSeries>* FindWalkData(const Node& root, const FaultLogSite& site) const;
+
+    // Appends to `path`, which holds the root, what `selectChild` chooses among each node's edges, until it
+    // chooses none, one without data, or one that is on the path already.
+    using ChildChoice = std::function<NodeResult(int32_t parentId, const std::vector<Edge>& edges)>;
+    void Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild,
+                 const FaultLogSite& site) const;
 };
 
 // The graph "SAN_IO_READ", with its data for a range of compact local times if they could be loaded. Null,

@@ -27,21 +27,6 @@ void MakeRoom(FaultSeries& series, size_t more) {
     }
 }
 
-// Appends a point's rows from all tables, column by column.
-uint32_t LoadPoint(FaultSqlInputParam& query, const std::string& point,
-                   const std::vector<std::string>& tables, std::map<std::string, FaultSeries>& columns) {
-    query.pointName = point;
-    std::string sql;
-    for (const std::string& table : tables) {
-        query.tableName = table;
-        FaultConstructFullSql(query, sql);
-        if (FaultDataBaseExcuteFullSql(sql, FaultCausalityGraph::QueryFullDataCb, columns) != 0) {
-            return 1;
-        }
-    }
-    return 0;
-}
-
 FaultSqlInputParam QueryOf(const std::string& beginTime, const std::string& endTime) {
     return {"curtime", DELAY_COLUMN, {}, {}, beginTime, endTime};
 }
@@ -89,6 +74,21 @@ uint32_t FaultCausalityGraph::GetObData(const std::string& beginTime, const std:
             return 1;
         }
         mapObserveData[point] = std::move(columns[DELAY_COLUMN]);
+    }
+    return 0;
+}
+
+uint32_t FaultCausalityGraph::LoadPoint(FaultSqlInputParam& query, const std::string& point,
+                                        const std::vector<std::string>& tables,
+                                        std::map<std::string, FaultSeries>& columns) {
+    query.pointName = point;
+    std::string sql;
+    for (const std::string& table : tables) {
+        query.tableName = table;
+        FaultConstructFullSql(query, sql);
+        if (FaultDataBaseExcuteFullSql(sql, FaultCausalityGraph::QueryFullDataCb, columns) != 0) {
+            return 1;
+        }
     }
     return 0;
 }

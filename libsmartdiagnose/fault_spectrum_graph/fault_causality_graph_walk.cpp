@@ -21,13 +21,6 @@ NodeBase BaseOf(const Node& node, double coff) {
     return base;
 }
 
-// One column of a node's statistics; empty where they lack it.
-const FaultSeries& ColumnOf(const std::map<std::string, FaultSeries>& data, const char* column) {
-    static const FaultSeries none;
-    const auto found = data.find(column);
-    return found != data.end() ? found->second : none;
-}
-
 }  // namespace
 
 double FaultCausalityGraph::GetCorrelation(const FaultSeries& parentSeries, const NodeBase& child) const {
@@ -104,34 +97,60 @@ std::string FaultCausalityGraph::GetFixAdvice(int32_t nodeId) const {
 }
 
 uint32_t FaultCausalityGraph::TraverseByBfs(int32_t root, AnomalyPathInfo& pathInfo) const {
-    const auto rootNode = mapNodeInfo.find(root);
-    if (rootNode == mapNodeInfo.end()) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "no root node:%d", root);
-        return 1;
-    }
-    const auto rootData = mapLumoData.find(rootNode->second.locName);
-    if (rootData == mapLumoData.end()) {
-        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "There is no %s in mapLumoData.",
-                  rootNode->second.locName.c_str());
+    const Node* node = FindWalkRoot(root, FAULT_HERE);
+    const auto* data = node != nullptr ? FindWalkData(*node, FAULT_HERE) : nullptr;
+    if (data == nullptr) {
         return 1;
     }
     std::vector<NodeResult> path(1);
-    GetNodeResult(BaseOf(rootNode->second, ROOT_COFF), rootData->second, path.front());
-    std::set<int32_t> visited{root};
-    for (auto edges = mapGraph.find(root); edges != mapGraph.end();
+    GetNodeResult(BaseOf(*node, ROOT_COFF), *data, path.front());
+    Descend(
+        path, [this](int32_t parentId, const auto& edges) { return SelectChildNode(parentId, edges); },
+        FAULT_HERE);
+    return GetAnomalyResult(path, pathInfo);
+}
+
+const Node* FaultCausalityGraph::FindWalkRoot(int32_t root, const FaultLogSite& site) const {
+    const auto node = mapNodeInfo.find(root);
+    if (node == mapNodeInfo.end()) {
+        FAULT_LOG(site, FAULT_ERROR, "no root node:%d", root);
+        return nullptr;
+    }
+    return &node->second;
+}
+
+const std::map<std::string, FaultSeries>* FaultCausalityGraph::FindWalkData(const Node& root,
+                                                                            const FaultLogSite& site) const {
+    const auto data = mapLumoData.find(root.locName);
+    if (data == mapLumoData.end()) {
+        FAULT_LOG(site, FAULT_ERROR, "There is no %s in mapLumoData.", root.locName.c_str());
+        return nullptr;
+    }
+    return &data->second;
+}
+
+void FaultCausalityGraph::Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild,
+                                  const FaultLogSite& site) const {
+    std::set<int32_t> visited{path.front().ioPointid};
+    for (auto edges = mapGraph.find(path.front().ioPointid); edges != mapGraph.end();
          edges = mapGraph.find(path.back().ioPointid)) {
-        NodeResult child = SelectChildNode(edges->first, edges->second);
+        NodeResult child = selectChild(edges->first, edges->second);
         if (child.ioPointid == 0 || child.endFlag != 0) {
-            break;
+            return;
         }
         if (!visited.insert(child.ioPointid).second) {
-            FAULT_LOG(FAULT_HERE, FAULT_WARNING, "node %d is on the path already, the walk ends.",
-                      child.ioPointid);
-            break;
+            FAULT_LOG(site, FAULT_WARNING, "node %d is on the path already, the walk ends.", child.ioPointid);
+            return;
         }
         path.push_back(std::move(child));
     }
-    return GetAnomalyResult(path, pathInfo);
+}
+
+const FaultSeries& FaultCausalityGraph::ColumnOf(const std::map<std::string, FaultSeries>& data,
+                                                 const std::string& column) {
+    static const FaultSeries none;
+    const auto found = data.find(column);
+    return found != data.end() ? found->second : none;
 }
 
 uint32_t FaultCausalityGraph::GetAnomalyResult(const std::vector<NodeResult>& path,

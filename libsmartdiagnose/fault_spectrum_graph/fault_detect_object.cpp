@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <optional>
 #include <stdexcept>
 
 #include "fault_algorithm/fault_correlation.h"
@@ -105,24 +104,14 @@ std::vector<AnomalyDetectResult> FaultDetectObject::DoDetect(const std::string& 
     for (const std::string& point : points) {
         const std::vector<int64_t>& delays = data[point][DELAY_COLUMN];
         const std::vector<int64_t>& times = data[point][TIME_COLUMN];
-        double mean = 0.0;
-        double deviation = 0.0;
-        if (SmartDiagnose::MeanStdevCompute(delays, mean, deviation) != 0) {
-            continue;
-        }
-        std::optional<AnomalyDetectResult> worst;
-        const size_t count = std::min(delays.size(), times.size());
-        for (size_t i = 0; i < count; ++i) {
-            if (!SmartDiagnose::Is3Sigma(delays[i], mean, deviation)) {
-                continue;
-            }
-            const AnomalyDetectResult flagged{{}, {}, delays[i], times[i]};
-            if (!worst || detectCmp(flagged, *worst)) {
-                worst = flagged;
+        std::vector<AnomalyDetectResult> flagged;
+        for (const size_t sample : SmartDiagnose::Outliers(delays)) {
+            if (sample < times.size()) {
+                flagged.push_back({{}, point, delays[sample], times[sample]});
             }
         }
-        if (worst) {
-            worst->lumoLocName = point;
+        const auto worst = std::min_element(flagged.begin(), flagged.end(), detectCmp);
+        if (worst != flagged.end()) {
             results.push_back(*worst);
         }
     }

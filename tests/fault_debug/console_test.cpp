@@ -49,7 +49,6 @@ TEST_F(Console, AnswersEveryMistakeAndLives) {
         EXPECT_EQ(Agent()->Count("Unexpected error: "), printed.find(INNER) == std::string::npos ? 0U : 1U);
         Agent()->logs.clear();
     }
-    EXPECT_EQ(Type({"showallerr"}), INNER);
     world.Remove(LUMO_DATABASE_FILE);
     EXPECT_EQ(Type({"showvalidtime"}), INNER);
 }
