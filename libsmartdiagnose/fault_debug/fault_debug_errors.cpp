@@ -1,4 +1,6 @@
 #define FAULT_UNIT_FILE "fault_debug.cpp"
+#include "fault_debug/fault_debug_errors.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -30,6 +32,8 @@ int64_t ShownCount(const NodeResult& result, int32_t erridx) {
     return std::accumulate(sums.begin(), sums.end(), int64_t{0}, FaultWrapAdd);
 }
 
+}  // namespace
+
 void ShowErrTypeResult(const std::string& typeName, std::vector<NodeResult>& results) {
     DBG_Print("Error Code Type:%-20s total:%d\n", typeName.c_str(), static_cast<int32_t>(results.size()));
     if (results.empty()) {
@@ -52,8 +56,6 @@ void ShowErrTypeResult(const std::string& typeName, std::vector<NodeResult>& res
         }
     }
 }
-
-}  // namespace
 
 void FaultShowAllErrCommand(int32_t argc, char** argv) {
     std::string start;
