@@ -5,6 +5,7 @@ import subprocess
 import tempfile
 import time
 import unittest
+from fractions import Fraction
 from pathlib import Path
 
 BIN = Path(os.environ["SMARTDIAGNOSE_BIN"])
@@ -34,6 +35,16 @@ def readable(seconds):
 
 def delay_listing(rows):
     return DELAY_HEADER + "".join(f"{point:<35}{readable(when):<24}{value:<20}\n" for point, when, value in rows)
+
+
+def worst_anomaly(samples):
+    """Of [(time, delay)] the first largest one beyond three deviations to either side: exactly, in fractions."""
+    if len(samples) < 2:
+        return []
+    mean = Fraction(sum(delay for _, delay in samples), len(samples))
+    variance = sum((delay - mean) ** 2 for _, delay in samples) / (len(samples) - 1)
+    flagged = [(-delay, when) for when, delay in samples if (delay - mean) ** 2 > 9 * variance]
+    return [(when, -negative) for negative, when in sorted(flagged)[:1]]
 
 
 def eventually(condition, seconds=60):

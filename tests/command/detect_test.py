@@ -5,23 +5,12 @@ import random
 import sqlite3
 import subprocess
 import unittest
-from fractions import Fraction
 
-from console import BIN, DATABASE, POINTS, SIMU_HEADER, ConsoleTest, compact, delay_listing
+from console import BIN, DATABASE, POINTS, SIMU_HEADER, ConsoleTest, compact, delay_listing, worst_anomaly
 
 ALARM = "alarm 0xF00C90150 of module 422, type 1: faultDiagnose\n"
 # At a quarter of the half hour; the synthetic series is shifted by the zone's eight hours.
 SPIKES = "".join(f"{point:<35}2021/8/3 7:7:30     20010               \n" for point in POINTS)
-
-
-def worst_anomaly(samples):
-    """Of [(time, delay)] the first largest one beyond three deviations to either side: exactly, in fractions."""
-    if len(samples) < 2:
-        return []
-    mean = Fraction(sum(delay for _, delay in samples), len(samples))
-    variance = sum((delay - mean) ** 2 for _, delay in samples) / (len(samples) - 1)
-    flagged = [(-delay, when) for when, delay in samples if (delay - mean) ** 2 > 9 * variance]
-    return [(when, -negative) for negative, when in sorted(flagged)[:1]]
 
 
 def anomalies(database, start, end):

@@ -1,0 +1,110 @@
+"""The commands on errors and fault factors on whole worlds, against sums over the same database."""
+import collections
+import contextlib
+import json
+import re
+import sqlite3
+import unittest
+
+from console import CONFIG, DATABASE, ConsoleTest, readable, worst_anomaly
+
+TYPES = ["IOERROR", "IORETRY", "IOACCESSDENY"]
+POOL_GRAPHS = ["POOL_ERRCODE_READ", "MKV_IO_READ", "POOL_ERRCODE_WRITE", "MKV_IO_WRITE"]
+# In the order in which they are searched.
+SEARCHED = ["ERRCODE_NAS_PROTO", *POOL_GRAPHS, "ERRCODE_SMB", "ERRCODE_SAN_PROTO"]
+POOL = ["ZONETASK_", "ZONEIO_", "MDS_", "BDM_", "DRGRADE_", "POOL_"]
+MODULES = {
+    "ERRCODE_NAS_PROTO": {"CACHE": ["WCACHE_"], "FS": ["FS_"], "NASPROTOL": ["NAS_", "SMB_"], "POOL": POOL},
+    "ERRCODE_SAN_PROTO": {"CACHE": ["WCACHE_", "CACHE_"], "POOL": POOL, "SANPROTOL": ["TGT_"], "SPACE": ["SPACE_"]},
+    "ERRCODE_SMB": {"NASPROTOL": ["SMB_"]},
+}
+FACTORS = {"SAN_PROTOL": "FACTOR_SAN", "NAS_PROTOL": "FACTOR_NAS", "FS": "FACTOR_FS", "BLOCK": "FACTOR_BLOCK",
+           "POOL": "FACTOR_POOL", "CACHE": "FACTOR_CACHE", "BDM": "FACTOR_BDM"}
+
+
+class ErrorCodes(ConsoleTest):
+    def load(self, scenario):
+        self.simulate("--scenario", scenario, "--end", "20230105143000")
+        self.truth = json.loads((self.root / "truth.json").read_text())
+        self.range = f"{self.truth['start']} {self.truth['end']}"
+        self.graphs = json.loads((self.root / CONFIG).read_text())
+        self.sums = collections.defaultdict(lambda: [0, 0, 0])
+        self.delays = collections.defaultdict(list)
+        bounds = (self.truth["start_epoch"], self.truth["end_epoch"])
+        with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as database:
+            for table, in database.execute("select tablename from table_flag").fetchall():
+                for point, when, delay, *errors in database.execute(
+                        f"select locatename, curtime, avgdelay, errCode0, errCode1, errCode2 from {table} "
+                        "join version_nmaps using (locateid) where curtime between ? and ?", bounds):
+                    self.delays[point].append((when, delay))
+                    self.sums[point] = [total + error for total, error in zip(self.sums[point], errors)]
+
+    def screen(self, command):
+        status, out, err = self.run_lines(command + "\n")
+        self.assertEqual(status, 0, err)
+        return out
+
+    def errors_of(self, graph):
+        """{point: [sums per type]} of a graph's points with errors, in the order of their ids."""
+        found = {}
+        for node in sorted(self.graphs[graph]["nodes"], key=lambda node: node["id"]):
+            info = node.get("info", {})
+            atomic = "automic" in info.get("attr", "") and "whole" not in info.get("attr", "")
+            if "MODULE" not in node["description"]:
+                found.setdefault(node["label"], self.sums[info.get("qname", "") if atomic else node["label"]])
+        return found
+
+    def check_lists(self):
+        listed = {}
+        for graph in SEARCHED:
+            for point, sums in self.errors_of(graph).items():
+                for number, total in enumerate(sums):
+                    listed.setdefault((number, point), total)
+        sections = self.screen(f"showallerr {self.range}").split("-" * 100 + "\n")
+        self.assertEqual(len(sections), 4)
+        for number, name in enumerate(TYPES):
+            expected = sorted(((-total, order, point) for order, ((kind, point), total) in enumerate(listed.items())
+                               if kind == number and total))
+            found = re.findall(r"^(\d+) +(\S+) +(\d+)  ", sections[number], re.M)
+            self.assertIn(f"{name:<20} total:{len(expected)}\n", sections[number])
+            self.assertEqual(found, [(str(row + 1), point, str(-negative))
+                                     for row, (negative, _, point) in enumerate(expected[:101])])
+            self.assertEqual("too many records" in sections[number], len(expected) >= 101)
+
+    def check_state(self):
+        state = ""
+        for graph, modules in MODULES.items():
+            state += f"{graph}\n"
+            for module, prefixes in modules.items():
+                errors = [sums for point, sums in self.errors_of(graph).items() if point.startswith(tuple(prefixes))]
+                cells = [cell for totals in (list(zip(*errors)) or [(), (), ()])
+                         for cell in (sum(map(bool, totals)), sum(totals))]
+                state += " ".join(map(str, [module, *cells])) + "\n"
+        found = re.sub(r"^-+\n|^Module .*\n|ErrCode Graph:| +$", "", self.screen(f"errcodeshowall {self.range}"), flags=re.M)
+        self.assertEqual(re.sub(" +", " ", found), state)
+
+    def test_errors(self):
+        self.load("error-burst")
+        self.check_lists()
+        self.check_state()
+        fault = self.truth["fault"]
+        rows = self.screen(f"errcodeshow {TYPES[int(fault['error_column'][-1])]} ALL {self.range}").splitlines()
+        self.assertIn(f"{fault['point']:<32}{fault['graph']:<32}", rows)
+        self.assertRegex(rows[-1], rf"^\d+ +{fault['point']} +[1-9]\d* +{fault['advice']}$")
+
+    def test_factors(self):
+        self.load("slow-disk")
+        for module, graph in FACTORS.items():
+            expected = []
+            for point in {node["label"] for node in self.graphs[graph]["nodes"]}:
+                worst = worst_anomaly(self.delays[point])
+                when, delay = worst[0] if worst else min(self.delays[point], key=lambda row: (-row[1], row[0]))
+                expected.append((0 if worst else 1, -delay, point, when))
+            screen = self.screen(f"showfaultfactor {module} {self.range}")
+            found = re.findall(r"^\d+ +(\S+) +(abnormal|max) +(\d+) +(\d+/\S+ \S+)  ", screen, re.M)
+            self.assertEqual(found, [(point, ["abnormal", "max"][kind], str(-negative), readable(when))
+                                     for kind, negative, point, when in sorted(expected)])
+
+
+if __name__ == "__main__":
+    unittest.main()
