@@ -22,7 +22,8 @@ const std::string SAN_GRAPH = R"({"nodes": [
     {"id": 1, "label": "TGT_IO_ERRCODE_COMMON", "name": "n1", "info": {"suggestion": "ask the hosts"}},
     {"id": 2, "label": "TGT_ATOMIC", "name": "n2", "info": {"attr": "automic", "qname": "TGT_READ", "erridx": "-1"}},
     {"id": 3, "label": "SPACE_A", "name": "n3", "info": {"attr": "whole"}},
-    {"id": 4, "label": "SPACE_B", "name": "n4", "info": {"attr": "follow", "subGraph": "POOL_ERRCODE_READ"}},
+    {"id": 4, "label": "SPACE_B", "name": "n4", "info": {"attr": "follow,whole,automic", "qname": "TGT_READ",
+     "subGraph": "POOL_ERRCODE_READ"}},
     {"id": 5, "label": "MODULE_SPACE", "name": "n5", "description": "MODULE", "info": {"attr": "whole"}},
     {"id": 6, "label": "SPACE_A", "name": "n6"}],
   "edges": [{"source": "1", "target": "2"}, {"source": "2", "target": "3"}, {"source": "2", "target": "4"}]})";

@@ -38,7 +38,7 @@ struct PlainGraph {
         }
         for (const PlainNode& node : nodes) {
             if (Below(12) != 0) {
-                counts[node.label] = AnyCounts();
+                counts[node.label] = Below(8) != 0 ? AnyCounts() : Counts();
             }
         }
     }
