@@ -39,7 +39,8 @@ constexpr NodeRole CountedBy(std::string_view point, std::string_view erridx) {
 // One row of a graph's outline: a node below the nearest row above it that has a smaller depth. A point that
 // the graph has already is no second node but a second parent of the first. Description and advice of a
 // point are those of the first row of all graphs that gives any. A description that begins with "MODULE"
-// makes a node that groups points and is none itself.
+// makes a node that groups points and is none itself. A row may hand over in place of an earlier row of the
+// same point in its graph, and edges may form a circle.
 struct GraphRow {
     int depth;
     std::string_view point;
@@ -48,7 +49,7 @@ struct GraphRow {
     std::string_view advice = {};
 };
 
-// A named graph. The rows are static data.
+// A named graph, or more of a graph that an earlier table of that name began. The rows are static data.
 struct GraphTable {
     std::string_view name;
     GraphFamily family;

@@ -63,7 +63,7 @@ Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Top
 
 void Plan::PlantFault(const FaultRecipe& recipe, const Topology& topology, const Levels& levels) {
     GraphPath path = topology.FindPath(recipe.graph, recipe.point);
-    if (path.points.empty()) {
+    if (path.empty()) {
         throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
                                std::string(recipe.point));
     }
@@ -73,6 +73,10 @@ void Plan::PlantFault(const FaultRecipe& recipe, const Topology& topology, const
     const double place = 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0);
     const int64_t first = static_cast<int64_t>(place * static_cast<double>(samples));
     fault = PlantedFault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1)};
+
+    if (!recipe.twin.empty()) {
+        twins.emplace(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
+    }
 
     const bool isDelay = recipe.kind == FaultKind::DELAY;
     const size_t point =

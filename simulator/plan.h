@@ -40,6 +40,8 @@ public:
     double AddedErrors(size_t point, int64_t time) const { return Added(FaultKind::ERROR, point, time); }
     // Whether the point's statistics never change.
     bool IsConstant(size_t point) const { return constant[point]; }
+    // A point, and the one whose statistics are its own as well.
+    const std::optional<std::pair<size_t, size_t>>& Twins() const { return twins; }
     // Whether the row of the point at that time is never written.
     bool IsMissing(size_t point, int64_t time) const;
 
@@ -55,6 +57,7 @@ private:
     std::optional<PlantedFault> fault;
     std::vector<std::vector<double>> added;  // by point, then by sample from the fault's start
     std::vector<bool> constant;
+    std::optional<std::pair<size_t, size_t>> twins;
     std::vector<std::pair<int64_t, int64_t>> gaps;  // from, before
 };
 

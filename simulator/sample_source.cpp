@@ -116,6 +116,9 @@ void SampleSource::Fill(int64_t time, std::vector<Sample>& samples) const {
         FillCounts(point, time, load, samples[point]);
         FillDelays(point, time, delays[point] + plan.AddedDelay(point, time), samples[point]);
     }
+    if (const auto& twins = plan.Twins()) {
+        samples[twins->first] = samples[twins->second];
+    }
 }
 
 }  // namespace lumosim

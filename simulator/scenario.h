@@ -6,11 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "simulator/graph_table.h"
+
 namespace lumosim {
 
 enum class FaultKind { NONE, DELAY, ERROR };
 
-// A fault at `point`, below the first node of `graph` (hand-overs included).
+// A fault at `point`, below the first node of `graph` (hand-overs included). A walk down the best-correlated
+// points ends there, but above an observation point: those are never part of a walk.
 struct FaultRecipe {
     FaultKind kind = FaultKind::NONE;
     std::string_view graph = {};
@@ -18,7 +21,8 @@ struct FaultRecipe {
     // DELAY: the added delay at its worst, in multiples of the point's usual delay.
     // ERROR: the share of the point's requests that fail at the worst.
     double strength = 0;
-    int errorColumn = 0;  // ERROR: which of errCode0 to errCode4 counts
+    int errorColumn = 0;         // ERROR: which of errCode0 to errCode4 counts
+    std::string_view twin = {};  // a point whose statistics are always those of `point`; empty: none
 };
 
 // A healing action, `offset` seconds after the fault began.
@@ -32,6 +36,7 @@ struct Scenario {
     std::string_view name;
     std::string_view summary;  // one sentence
     FaultRecipe fault = {};
+    std::vector<GraphTable> graphs = {};  // on top of the usual ones
     std::vector<HealRecipe> heals = {};
     std::vector<std::string_view> constantPoints = {};  // statistics that never change
     bool hasGaps = false;                               // an hour, some intervals and single rows are missing

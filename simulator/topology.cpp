@@ -23,7 +23,7 @@ int FindNode(const Graph& graph, std::string_view label) {
 std::vector<size_t> ChildrenFirst(const std::vector<std::vector<size_t>>& children) {
     std::vector<size_t> order;
     std::vector<bool> seen(children.size());
-    // Marked before its children, so that a circle in the graphs ends where it closes.
+    // Marked before its children: a circle ends where it closes.
     const std::function<void(size_t)> visit = [&](size_t point) {
         if (seen[point]) {
             return;
@@ -36,6 +36,20 @@ std::vector<size_t> ChildrenFirst(const std::vector<std::vector<size_t>>& childr
         visit(point);
     }
     return order;
+}
+
+// Takes out the edges that close a circle, which lead to a point that comes later in the order.
+void OpenCircles(Dependencies& dependencies) {
+    std::vector<size_t> place(dependencies.childrenFirst.size());
+    for (size_t i = 0; i < place.size(); ++i) {
+        place[dependencies.childrenFirst[i]] = i;
+    }
+    for (size_t parent = 0; parent < place.size(); ++parent) {
+        auto& known = dependencies.children[parent];
+        known.erase(std::remove_if(known.begin(), known.end(),
+                                   [&](size_t child) { return place[child] > place[parent]; }),
+                    known.end());
+    }
 }
 
 }  // namespace
@@ -52,15 +66,23 @@ std::vector<GraphTable> AllGraphs() {
 
 Topology::Topology(const std::vector<GraphTable>& tables) {
     for (const GraphTable& table : tables) {
-        AddGraph(table);
+        AddTable(table);
     }
     FindErrorCounters();
     flow = Depend(GraphFamily::FLOW);
     errors = Depend(GraphFamily::ERRCODE);
 }
 
-void Topology::AddGraph(const GraphTable& table) {
-    Graph graph{table.name, table.family, {}, {}};
+Graph& Topology::GraphFor(const GraphTable& table) {
+    const auto [place, isNew] = graphIndex.try_emplace(table.name, graphs.size());
+    if (isNew) {
+        graphs.push_back({table.name, table.family, {}, {}});
+    }
+    return graphs[place->second];
+}
+
+void Topology::AddTable(const GraphTable& table) {
+    Graph& graph = GraphFor(table);
     std::vector<int> parents;  // the ids above the row, by depth
     for (const GraphRow& row : table) {
         AddPoint(row);
@@ -68,6 +90,8 @@ void Topology::AddGraph(const GraphTable& table) {
         if (id == 0) {
             id = static_cast<int>(graph.nodes.size()) + 1;
             graph.nodes.push_back({id, row.point, row.role});
+        } else if (!row.role.subGraph.empty()) {
+            graph.nodes[static_cast<size_t>(id) - 1].role.subGraph = row.role.subGraph;
         }
         parents.resize(static_cast<size_t>(row.depth));
         if (!parents.empty()) {
@@ -75,8 +99,6 @@ void Topology::AddGraph(const GraphTable& table) {
         }
         parents.push_back(id);
     }
-    graphIndex[table.name] = graphs.size();
-    graphs.push_back(std::move(graph));
 }
 
 void Topology::AddPoint(const GraphRow& row) {
@@ -128,7 +150,6 @@ Dependencies Topology::Depend(GraphFamily family) const {
         auto& known = result.children[parent];
         if (parent != child && std::find(known.begin(), known.end(), child) == known.end()) {
             known.push_back(child);
-            result.hasParent[child] = true;
         }
     };
     for (const Graph& graph : graphs) {
@@ -145,6 +166,11 @@ Dependencies Topology::Depend(GraphFamily family) const {
         }
     }
     result.childrenFirst = ChildrenFirst(result.children);
+    OpenCircles(result);
+    for (const auto& children : result.children) {
+        std::for_each(children.begin(), children.end(),
+                      [&](size_t child) { result.hasParent[child] = true; });
+    }
     return result;
 }
 
@@ -156,11 +182,11 @@ GraphPath Topology::FindPath(std::string_view start, std::string_view point) con
             return false;
         }
         const GraphNode& node = graph.NodeOf(id);
-        const bool isNew = path.points.empty() || path.points.back() != node.label;
-        if (isNew) {
-            path.points.push_back(node.label);
+        const bool isEntered = path.empty() || path.back().graph != graph.name;
+        if (isEntered) {
+            path.push_back({graph.name, {}});
         }
-        path.graph = graph.name;
+        path.back().points.push_back(node.label);
         if (node.label == point) {
             return true;
         }
@@ -172,8 +198,9 @@ GraphPath Topology::FindPath(std::string_view start, std::string_view point) con
         if (!node.role.subGraph.empty() && descend(GraphOf(node.role.subGraph), 1)) {
             return true;
         }
-        if (isNew) {
-            path.points.pop_back();
+        path.back().points.pop_back();
+        if (isEntered) {
+            path.pop_back();
         }
         return false;
     };

@@ -43,18 +43,22 @@ struct Point {
     bool IsObservation() const { return name.find("OB_") != std::string_view::npos; }
 };
 
-// Who makes use of whom, over all graphs of a family. Points go by index.
+// Who makes use of whom, over all graphs of a family. Points go by index. Where the graphs form a circle, the
+// edge that closes it is left out: nobody waits for itself.
 struct Dependencies {
     std::vector<std::vector<size_t>> children;  // in the order of the graphs
     std::vector<size_t> childrenFirst;          // every point, each one after all that it makes use of
     std::vector<bool> hasParent;
 };
 
-// A way through the graphs, from a graph's first node down to a point.
-struct GraphPath {
-    std::string_view graph;                // the graph in which the point was found
-    std::vector<std::string_view> points;  // empty: there is no way
+// The part of a way that lies in one graph: its points from top to bottom.
+struct GraphStretch {
+    std::string_view graph;
+    std::vector<std::string_view> points;
 };
+// A way from a graph's first node down to a point, over the graphs that hand over to each other. Empty: there
+// is no way.
+using GraphPath = std::vector<GraphStretch>;
 
 class Topology {
 public:
@@ -76,7 +80,8 @@ public:
     GraphPath FindPath(std::string_view start, std::string_view point) const;
 
 private:
-    void AddGraph(const GraphTable& table);
+    void AddTable(const GraphTable& table);
+    Graph& GraphFor(const GraphTable& table);
     void AddPoint(const GraphRow& row);
     const Graph& GraphOf(std::string_view name) const;
     Dependencies Depend(GraphFamily family) const;

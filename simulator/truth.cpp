@@ -10,19 +10,51 @@ bool IsDelay(const PlantedFault& fault) {
     return fault.recipe.kind == FaultKind::DELAY;
 }
 
+std::string_view DetectorPoint(const PlantedFault& fault) {
+    return fault.path.front().points.front();
+}
+
+// The points from top to bottom; one that hands over to a graph of its own name is there once.
+Json::Value PathValue(const GraphPath& path) {
+    Json::Value value(Json::arrayValue);
+    for (const GraphStretch& stretch : path) {
+        for (const std::string_view point : stretch.points) {
+            if (value.empty() || value[value.size() - 1].asString() != point) {
+                value.append(std::string(point));
+            }
+        }
+    }
+    return value;
+}
+
+// The way as a walk goes it, graph after graph: to the last point that is a trace point.
+Json::Value WalkValue(const Topology& topology, const GraphPath& path) {
+    Json::Value value(Json::arrayValue);
+    for (const GraphStretch& stretch : path) {
+        Json::Value& part = value.append(Json::Value(Json::objectValue));
+        part["graph"] = std::string(stretch.graph);
+        for (const std::string_view point : stretch.points) {
+            if (!topology.Points()[topology.IndexOf(point)].IsObservation()) {
+                part["points"].append(std::string(point));
+            }
+        }
+    }
+    return value;
+}
+
 Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const PlantedFault& fault,
                        const PeakFinder& peak) {
     Json::Value value(Json::objectValue);
     value["kind"] = IsDelay(fault) ? "delay" : "error";
     value["point"] = std::string(fault.recipe.point);
-    value["graph"] = std::string(fault.path.graph);
+    value["graph"] = std::string(fault.path.back().graph);
     value["advice"] = std::string(topology.Points()[topology.IndexOf(fault.recipe.point)].advice);
-    value["path"] = Json::Value(Json::arrayValue);
-    for (const std::string_view point : fault.path.points) {
-        value["path"].append(std::string(point));
-    }
+    value["path"] = PathValue(fault.path);
     if (IsDelay(fault)) {
-        value["detector_point"] = std::string(fault.path.points.front());
+        value["detector_point"] = std::string(DetectorPoint(fault));
+        value["walk"] = WalkValue(topology, fault.path);
+        const Json::Value& points = value["walk"][value["walk"].size() - 1]["points"];
+        value["answer"] = points[points.size() - 1];
     } else {
         value["detector_point"] = Json::Value();
         value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
@@ -50,7 +82,7 @@ Json::Value EventValue(const HealEvent& event) {
 
 PeakFinder::PeakFinder(const Topology& topology, const Plan& worldPlan) : plan(worldPlan) {
     if (const PlantedFault* fault = plan.Fault()) {
-        watched = topology.IndexOf(IsDelay(*fault) ? fault->path.points.front() : fault->recipe.point);
+        watched = topology.IndexOf(IsDelay(*fault) ? DetectorPoint(*fault) : fault->recipe.point);
     }
 }
 

@@ -31,6 +31,12 @@ void CreateRoot(const fs::path& root) {
     }
 }
 
+std::vector<GraphTable> GraphsOf(const Scenario& scenario) {
+    std::vector<GraphTable> tables = AllGraphs();
+    tables.insert(tables.end(), scenario.graphs.begin(), scenario.graphs.end());
+    return tables;
+}
+
 std::vector<HealEvent> ReportedEvents(const std::vector<HealEvent>& events, const WorldOptions& options) {
     std::vector<HealEvent> reported;
     std::copy_if(events.begin(), events.end(), std::back_inserter(reported),
@@ -45,7 +51,7 @@ WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress) {
     CreateRoot(options.root);
     const Scenario& scenario = *FindScenario(options.scenario);
     const Noise noise(options.seed);
-    const Topology topology(AllGraphs());
+    const Topology topology(GraphsOf(scenario));
     const Levels levels = UsualLevels(topology);
     const Plan plan(options, scenario, topology, levels, noise);
     const SampleSource source(options, topology, levels, plan, noise);

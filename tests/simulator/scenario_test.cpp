@@ -81,23 +81,42 @@ constexpr char WRONG_ANCESTORS[] = R"(
     where level.bad <= 1.5 * level.usual or level.bad - level.usual >= below.bad - below.usual
         or (level.after > 1.2 * level.usual) != (below.depth is not null))";
 
+// Points outside of the path that the fault has reached.
+constexpr char OTHERS[] = R"(
+    select group_concat(locatename) from (
+        select locatename, case fault->>'kind' when 'delay' then avgdelay else errCode0 end as value,
+            curtime between fault->>'start_epoch' and fault->>'end_epoch' as isBad
+        from samples, json where locatename not in (select value from json_each(fault, '$.path'))
+        group by 1 having avg(value) filter (where isBad) > 1.5 * avg(value) filter (where not isBad)))";
+
 constexpr char PLANTED[] = R"(
     select fault->>'kind', fault->>'graph', fault->>'detector_point', fault->>'$.path[#-1]' from json
-    where fault->>'point' = fault->>'$.path[#-1]' and json_array_length(fault, '$.path') > 3
-        and fault->>'advice' != ''
+    where fault->>'point' = fault->>'$.path[#-1]' and json_array_length(fault, '$.path') > 2
+        and (fault->>'advice' != '' or fault->>'answer' != fault->>'point')
         and fault->>'peak_compact' = strftime('%Y%m%d%H%M%S', fault->>'peak_epoch', 'unixepoch'))";
 
 TEST(ScenarioTest, FaultsReachEveryAncestorWeakerAndLater) {
-    const std::pair<const char*, Row> cases[] = {
-        {"slow-disk", {"delay", "SAN_IO_READ", "TGT_LUMO_HOST_READ", "BDM_DISK_READ"}},
-        {"slow-network", {"delay", "SAN_IO_WRITE", "TGT_LUMO_HOST_WRITE", "SPACE_IOTUNNEL_UC_ACK_WRITE"}},
-        {"nas-slow", {"delay", "NAS_IO_NFSV3", "NAS_TRANS_ALL", "FS_NFSV3_LOG_COMMIT"}},
-        {"error-burst", {"error", "ERRCODE_SAN_PROTO", "NULL", "BDM_DISK_MEDIUM_ERROR"}},
+    const std::tuple<const char*, Row, const char*> cases[] = {
+        {"slow-disk", {"delay", "SAN_IO_READ", "TGT_LUMO_HOST_READ", "BDM_DISK_READ"}, "NULL"},
+        {"slow-network",
+         {"delay", "SAN_IO_WRITE", "TGT_LUMO_HOST_WRITE", "SPACE_IOTUNNEL_UC_ACK_WRITE"},
+         "NULL"},
+        {"nas-slow", {"delay", "NAS_IO_NFSV3", "NAS_TRANS_ALL", "FS_NFSV3_LOG_COMMIT"}, "NULL"},
+        {"locked-volume", {"delay", "SAN_IO_CMD", "TGT_LUMO_HOST_CMD", "SPACE_BLOCK_LUN_ALL_LOCK"}, "NULL"},
+        {"slow-pool", {"delay", "POOL_READ", "TGT_LUMO_HOST_READ", "BDM_POOL_DISK_READ"}, "NULL"},
+        {"long-queue", {"delay", "SAN_IO_READ", "TGT_LUMO_HOST_READ", "BDM_OB_DISK_QUEUE_READ"}, "NULL"},
+        {"equal-points",
+         {"delay", "SAN_IO_READ", "TGT_LUMO_HOST_READ", "SPACE_IOTUNNEL_UC_RSP_READ"},
+         "SPACE_IOTUNNEL_UC_ACK_READ"},
+        {"error-burst",
+         {"error", "ERRCODE_SAN_PROTO", "NULL", "BDM_DISK_MEDIUM_ERROR"},
+         "TGT_LUMO_HOST_READ"},
     };
-    for (const auto& [scenario, planted] : cases) {
+    for (const auto& [scenario, planted, others] : cases) {
         const WrittenWorld world(Options(scenario));
         EXPECT_EQ(planted, world.Query(PLANTED).at(0));
         EXPECT_THAT(world.Query(WRONG_ANCESTORS), IsEmpty()) << scenario;
+        EXPECT_EQ(others, world.Value(OTHERS)) << scenario;
     }
 }
 
@@ -116,7 +135,7 @@ constexpr char CONSTANT_POINTS[] = R"(
     select locatename from samples group by 1 having min(avgdelay) = max(avgdelay)
         and min(maxdelay) = max(maxdelay) and min(acceptnum) = max(acceptnum))";
 
-TEST(ScenarioTest, GapsAndConstantsAreThere) {
+TEST(ScenarioTest, GapsConstantsAndTwinsAreThere) {
     const WrittenWorld gaps(Options("gaps", 42, 4, 60));
     EXPECT_EQ("0", gaps.Value("select count(*) from " + gaps.tables.at(1)));
     gaps.Query(
@@ -130,6 +149,11 @@ TEST(ScenarioTest, GapsAndConstantsAreThere) {
     const auto constant = WrittenWorld(Options("constant")).Query(CONSTANT_POINTS);
     EXPECT_EQ(6U, constant.size());
     EXPECT_THAT(constant, ::testing::Contains(Row({"TGT_LUMO_HOST_CMD"})));
+
+    const WrittenWorld twins(Options("equal-points"));
+    EXPECT_EQ("120",
+              twins.Value("select count(distinct avgdelay || ' ' || maxdelay || ' ' || acceptnum || curtime)"
+                          " from samples where locatename like 'SPACE_IOTUNNEL_UC_%_READ'"));
 }
 
 }  // namespace

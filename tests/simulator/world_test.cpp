@@ -27,6 +27,15 @@ TEST(WorldTest, SameOptionsSameWorld) {
     }
 }
 
+TEST(WorldTest, CirclesInAGraphChangeNoStatistics) {
+    const auto files = Files(WrittenWorld(Options("slow-disk")));
+    for (const char* scenario : {"graph-circle", "self-handover"}) {
+        const auto others = Files(WrittenWorld(Options(scenario)));
+        EXPECT_TRUE(files.at(LUMO_DATABASE_FILE) == others.at(LUMO_DATABASE_FILE)) << scenario;
+        EXPECT_FALSE(files.at(ZORV_ROUTE_CONFIG_FILE) == others.at(ZORV_ROUTE_CONFIG_FILE)) << scenario;
+    }
+}
+
 TEST(WorldTest, IsLaidOutAsReadersExpect) {
     lumosim::WorldOptions options = Options("healthy", 42, 2, 60);
     options.zoneOffset = 28800;
