@@ -1,4 +1,5 @@
 """What the tests of whole consoles share: worlds in temporary directories, and programs run on them."""
+import json
 import os
 import sqlite3
 import subprocess
@@ -68,7 +69,15 @@ class ConsoleTest(unittest.TestCase):
             (self.root / file).parent.mkdir(parents=True)
 
     def simulate(self, *options):
+        """Writes a world with lumo-sim; returns the truth about it."""
         subprocess.run([BIN / "lumo-sim", "--root", self.root, *options], check=True, stdout=subprocess.DEVNULL)
+        return json.loads((self.root / "truth.json").read_text())
+
+    def worlds(self):
+        """Plays one scenario after the other: yields its name and its truth."""
+        scenarios = subprocess.run([BIN / "lumo-sim", "--list"], check=True, stdout=subprocess.PIPE, text=True).stdout
+        for scenario in (line.split()[0] for line in scenarios.splitlines()):
+            yield scenario, self.simulate("--scenario", scenario, "--end", "20230105143000")
 
     def statistics(self, tables, to=DATABASE):
         """Writes a new database: {table: [(point, time, delay), ...]}, cells as they are; deletes the old one."""
