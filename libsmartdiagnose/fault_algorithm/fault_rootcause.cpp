@@ -1,5 +1,6 @@
 #include "fault_algorithm/fault_rootcause.h"
 
+#include <functional>
 #include <set>
 
 #include "fault_common/fault_boundary.h"
@@ -8,14 +9,42 @@
 
 namespace {
 
-// One graph's analysis. `run` runs the steps that may fail by an exception. Log lines are those of `site`.
-template <typename Graph, typename Run, typename Walk>
-uint32_t AnalyseGraph(const FaultLogSite& site, const RootGraph& rootGraph, const TimeWindow& timeWindow,
-                      bool byLabel, Run run, Walk walk) {
+// Runs a step that may throw; an exception is logged as of `operation`. False when the step fails.
+using StepRunner = bool (*)(const char* operation, const std::function<bool()>& step);
+
+bool RunThrowing(const char* /*operation*/, const std::function<bool()>& step) {
+    return step();
+}
+
+bool RunGuarded(const char* operation, const std::function<bool()>& step) {
+    bool done = false;
+    FaultRunGuarded(FAULT_IN(operation), [&] { done = step(); });
+    return done;
+}
+
+// The root of the walk: the point that is named, or that of the topology. 0 when there is none.
+template <typename Graph>
+int32_t RootOf(const char* operation, Graph& graph, const RootGraph& rootGraph, bool byLabel,
+               const Json::Value& edges) {
+    int32_t rootId = 0;
+    if (byLabel) {
+        graph.FindRootBySpecificLabel(rootGraph.label, rootId);
+        FAULT_LOG(FAULT_IN(operation), FAULT_INFO, "FindRootBySpecificLabel rootId: %d.", rootId);
+    } else {
+        graph.FindRootBySelf(edges, rootId);
+        FAULT_LOG(FAULT_IN(operation), FAULT_INFO, "FindRootBySelf rootId: %d.", rootId);
+    }
+    return rootId;
+}
+
+// One graph's analysis. Log lines carry the name of `operation`.
+template <typename Graph, typename Walk>
+uint32_t AnalyseGraph(const char* operation, const RootGraph& rootGraph, const TimeWindow& timeWindow,
+                      bool byLabel, StepRunner run, Walk walk) {
     FaultJsonObject& config = FaultJsonObject::GetInstance();
     const std::string& name = rootGraph.graphName;
     if (!config.IsMember(name)) {
-        FAULT_LOG(site, FAULT_ERROR, "the %s is not exsist.", name.c_str());
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "the %s is not exsist.", name.c_str());
         return 1;
     }
     Json::Value nodes;
@@ -24,8 +53,8 @@ uint32_t AnalyseGraph(const FaultLogSite& site, const RootGraph& rootGraph, cons
         return config.GetGraphValueByKeyTag(name, "nodes", nodes) == 0 &&
                config.GetGraphValueByKeyTag(name, "edges", edges) == 0;
     };
-    if (!run(read)) {
-        FAULT_LOG(site, FAULT_ERROR, "Fail to get value.");
+    if (!run(operation, read)) {
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Fail to get value.");
         return 1;
     }
     Graph graph;
@@ -34,23 +63,15 @@ uint32_t AnalyseGraph(const FaultLogSite& site, const RootGraph& rootGraph, cons
         graph.ExtracNodeInfo(nodes);
         return true;
     };
-    if (!run(extract)) {
+    if (!run(operation, extract)) {
         return 1;
     }
-    if (!run([&] { return graph.GetData(timeWindow.startTime, timeWindow.endTime) == 0; })) {
-        FAULT_LOG(site, FAULT_ERROR, "GetData failed.");
+    if (!run(operation, [&] { return graph.GetData(timeWindow.startTime, timeWindow.endTime) == 0; })) {
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "GetData failed.");
         return 1;
     }
-    int32_t rootId = 0;
-    if (byLabel) {
-        graph.FindRootBySpecificLabel(rootGraph.label, rootId);
-        FAULT_LOG(site, FAULT_INFO, "FindRootBySpecificLabel rootId: %d.", rootId);
-    } else {
-        graph.FindRootBySelf(edges, rootId);
-        FAULT_LOG(site, FAULT_INFO, "FindRootBySelf rootId: %d.", rootId);
-    }
-    if (walk(graph, rootId) != 0) {
-        FAULT_LOG(site, FAULT_ERROR, "Failed to traverByBfs.");
+    if (walk(graph, RootOf(operation, graph, rootGraph, byLabel, edges)) != 0) {
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Failed to traverByBfs.");
         return 1;
     }
     return 0;
@@ -68,7 +89,7 @@ AnomalyPath PathOf(const AnomalyPathInfo& pathInfo, const std::string& graphName
 // Analyses `rootGraph` from the point that it names, and then the graphs to which the analysis is handed
 // over, from their topological roots. Returns the status of the first one.
 template <typename Analyse>
-uint32_t FollowGraphs(const FaultLogSite& site, RootGraph rootGraph, Analyse analyse,
+uint32_t FollowGraphs(const char* operation, RootGraph rootGraph, Analyse analyse,
                       std::vector<AnomalyPath>& paths) {
     std::set<std::string> analysed;
     for (;;) {
@@ -76,7 +97,7 @@ uint32_t FollowGraphs(const FaultLogSite& site, RootGraph rootGraph, Analyse ana
         const bool first = analysed.empty();
         const uint32_t result = analyse(rootGraph, first, pathInfo);
         if (result != 0 || pathInfo.statusCode != 0) {
-            FAULT_LOG(site, FAULT_ERROR, "Graph anlaysis failed.retCode: %d, statusCode: %d",
+            FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Graph anlaysis failed.retCode: %d, statusCode: %d",
                       static_cast<int32_t>(result), pathInfo.statusCode);
             return first ? result : 0;
         }
@@ -85,9 +106,11 @@ uint32_t FollowGraphs(const FaultLogSite& site, RootGraph rootGraph, Analyse ana
         if (pathInfo.nextGraphName.empty()) {
             return 0;
         }
-        FAULT_LOG(site, FAULT_ERROR, "new root graph name :%s", pathInfo.nextGraphName.c_str());
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "new root graph name :%s",
+                  pathInfo.nextGraphName.c_str());
         if (analysed.count(pathInfo.nextGraphName) > 0) {
-            FAULT_LOG(site, FAULT_WARNING, "graph %s has been analysed already, the analysis ends.",
+            FAULT_LOG(FAULT_IN(operation), FAULT_WARNING,
+                      "graph %s has been analysed already, the analysis ends.",
                       pathInfo.nextGraphName.c_str());
             return 0;
         }
@@ -100,7 +123,7 @@ uint32_t FollowGraphs(const FaultLogSite& site, RootGraph rootGraph, Analyse ana
 uint32_t GraphAnalysisBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
                                 AnomalyPathInfo& pathInfo) {
     return AnalyseGraph<FaultCausalityGraph>(
-        FAULT_HERE, rootGraph, timeWindow, byLabel, [](auto step) { return step(); },
+        __func__, rootGraph, timeWindow, byLabel, RunThrowing,
         [&](const FaultCausalityGraph& graph, int32_t root) { return graph.TraverseByBfs(root, pathInfo); });
 }
 
@@ -109,7 +132,7 @@ std::vector<AnomalyPath> FlowAnalysisBFS(std::string nodeName, std::string graph
     std::vector<AnomalyPath> paths;
     const TimeWindow timeWindow{std::move(startTime), std::move(endTime)};
     FollowGraphs(
-        FAULT_HERE, {std::move(nodeName), std::move(graphName)},
+        __func__, {std::move(nodeName), std::move(graphName)},
         [&](const RootGraph& rootGraph, bool byLabel, AnomalyPathInfo& pathInfo) {
             return GraphAnalysisBFSByRoot(rootGraph, timeWindow, byLabel, pathInfo);
         },
@@ -119,14 +142,8 @@ std::vector<AnomalyPath> FlowAnalysisBFS(std::string nodeName, std::string graph
 
 uint32_t AnalysisErrCodeBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
                                   int32_t erridx, AnomalyPathInfo& pathInfo) {
-    const FaultLogSite site = FAULT_HERE;
     return AnalyseGraph<FaultCausalityErrCodeGraph>(
-        site, rootGraph, timeWindow, byLabel,
-        [&](auto step) {
-            bool done = false;
-            FaultRunGuarded(site, [&] { done = step(); });
-            return done;
-        },
+        __func__, rootGraph, timeWindow, byLabel, RunGuarded,
         [&](const FaultCausalityErrCodeGraph& graph, int32_t root) {
             return graph.TraverseByBfs(root, pathInfo, erridx);
         });
@@ -137,7 +154,7 @@ uint32_t AnalysisErrCodeBFS(const std::string& graphName, const std::string& sta
                             std::vector<AnomalyPath>& paths) {
     const TimeWindow timeWindow{startDate, endDate};
     return FollowGraphs(
-        FAULT_HERE, {rootLabel, graphName},
+        __func__, {rootLabel, graphName},
         [&](const RootGraph& rootGraph, bool byLabel, AnomalyPathInfo& pathInfo) {
             return AnalysisErrCodeBFSByRoot(rootGraph, timeWindow, byLabel, erridx, pathInfo);
         },

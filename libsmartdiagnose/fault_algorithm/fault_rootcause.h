@@ -2,7 +2,9 @@
 // step, walked from its root, and the hand-over from the anomalous node to the next graph. And the lists of
 // points of a whole graph: those with errors, and the factors of a module.
 //
-// Times are compact local, both ends of a range included. Everything here blocks on the database.
+// Times are compact local, both ends of a range included. Everything here blocks on the database: a failing
+// query for about 70 seconds, and the first one ends the loading of its graph. Unless said otherwise, outputs
+// stay unchanged on failure.
 #pragma once
 
 #include <array>
@@ -30,7 +32,7 @@ struct TimeWindow {
 struct AnomalyNodeInfo {
     int32_t ioPointid = 0;
     std::string locName;
-    double coff = -1.0;
+    double coff = -1.0;    // in error-code graphs the count by which the node was chosen
     int64_t avgdelay = 0;  // microseconds; 0 in error-code graphs
 
     // Of error-code graphs.
@@ -83,7 +85,7 @@ FAULT_EXPORT uint32_t SearchAllErrCodeInGraph(const std::string& module, const s
                                               FaultErrorPoints& points);
 
 // Its steps: all nodes of a loaded graph, in the order of their ids; and one point of `errNum` errors, which
-// must be other than 0 and not listed yet to be added.
+// must be other than 0 and not listed yet to be added. `graph` must not be null.
 uint32_t SearchErrCodeDataByLumo(const FaultCausalityErrCodeGraph* graph, FaultErrorPoints& points);
 void SearchErrCodeUpdDataIntoMap(const std::string& typeName, int64_t errNum, const NodeResult& result,
                                  std::vector<NodeResult>& results);
@@ -107,6 +109,6 @@ struct FaultFactor {
 // Replaces `factors` by one entry per point of the graph of a module of g_mapModuleFactor: by kind, then the
 // largest delays first, then by name. Returns 1 when the graph is not in the configuration or its data cannot
 // be loaded (logged). Throws std::out_of_range for another module, the standard conversion errors for a
-// cell that is no number.
+// cell that is no number, Json::LogicError for a value of the wrong type.
 FAULT_EXPORT uint32_t ShowFaultFactor(const std::string& moduleName, const std::string& startDate,
                                       const std::string& endDate, std::vector<FaultFactor>& factors);

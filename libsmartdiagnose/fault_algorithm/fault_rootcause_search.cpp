@@ -14,24 +14,25 @@
 
 namespace {
 
-// Reads the nodes of the configuration's graph into `graph`, and loads its data. Log lines are those of
-// `site`.
+// Reads the nodes of the configuration's graph into `graph`, and loads its data. Log lines carry the
+// name of `operation`.
 template <typename Graph>
-uint32_t LoadNodes(const FaultLogSite& site, const std::string& graphName, const std::string& startDate,
+uint32_t LoadNodes(const char* operation, const std::string& graphName, const std::string& startDate,
                    const std::string& endDate, Graph& graph) {
     FaultJsonObject& config = FaultJsonObject::GetInstance();
     if (!config.IsMember(graphName)) {
-        FAULT_LOG(site, FAULT_WARNING, "The %s is not exist.", graphName.c_str());
+        FAULT_LOG(FAULT_IN(operation), FAULT_WARNING, "The %s is not exist.", graphName.c_str());
         return 1;
     }
     Json::Value nodes;
     if (const uint32_t result = config.GetGraphValueByKeyTag(graphName, "nodes", nodes); result != 0) {
-        FAULT_LOG(site, FAULT_ERROR, "Fail to get graph value, ret(%d).", static_cast<int32_t>(result));
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Fail to get graph value, ret(%d).",
+                  static_cast<int32_t>(result));
         return 1;
     }
     graph.ExtracNodeInfo(nodes);
     if (graph.GetData(startDate, endDate) != 0) {
-        FAULT_LOG(site, FAULT_ERROR, "GetData failed.");
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "GetData failed.");
         return 1;
     }
     return 0;
@@ -83,10 +84,10 @@ bool ComesBefore(const FaultFactor& a, const FaultFactor& b) {
 uint32_t SearchAllErrCodeInGraph(const std::string& /*module*/, const std::string& graphName,
                                  const std::string& startDate, const std::string& endDate,
                                  FaultErrorPoints& points) {
-    const FaultLogSite site = FAULT_HERE;
+    const char* operation = __func__;
     FaultCausalityErrCodeGraph graph;
     uint32_t result = 1;
-    FaultRunGuarded(site, [&] { result = LoadNodes(site, graphName, startDate, endDate, graph); });
+    FaultRunGuarded(FAULT_HERE, [&] { result = LoadNodes(operation, graphName, startDate, endDate, graph); });
     return result != 0 ? result : SearchErrCodeDataByLumo(&graph, points);
 }
 
@@ -109,7 +110,10 @@ uint32_t SearchErrCodeDataByLumo(const FaultCausalityErrCodeGraph* graph, FaultE
         const NodeResult result = graph->GetNodeResult(base, data->second);
         for (size_t type = 0; type < FAULT_ERROR_TYPES.size(); ++type) {
             const char* name = FAULT_ERROR_TYPES[type];
-            SearchErrCodeUpdDataIntoMap(name, result.errorSums[type], result, points[name]);
+            const FaultSeries& errors =
+                FaultCausalityGraph::ColumnOf(data->second, "errCode" + std::to_string(type));
+            const int64_t errNum = FaultCausalityErrCodeGraph::AvgSeriesArray(errors);
+            SearchErrCodeUpdDataIntoMap(name, errNum, result, points[name]);
         }
     }
     return 0;
@@ -137,7 +141,11 @@ void SearchErrCodeUpdDataIntoMap(const std::string& typeName, int64_t errNum, co
 uint32_t ShowFaultFactor(const std::string& moduleName, const std::string& startDate,
                          const std::string& endDate, std::vector<FaultFactor>& factors) {
     FaultCausalityGraph graph;
-    if (LoadNodes(FAULT_HERE, g_mapModuleFactor.at(moduleName), startDate, endDate, graph) != 0) {
+    if (LoadNodes(__func__, g_mapModuleFactor.at(moduleName), startDate, endDate, graph) != 0) {
+        return 1;
+    }
+    if (graph.mapNodeInfo.empty()) {
+        FAULT_LOG(FAULT_HERE, FAULT_ERROR, "The graph of %s has no points.", moduleName.c_str());
         return 1;
     }
     factors.clear();

@@ -1,5 +1,7 @@
 #include "fault_common/fault_vocabulary.h"
 
+#include <algorithm>
+
 const FaultNameMultimap g_mapPointSubPoints = {
     {"TGT_LUMO_HOST_READ", "SAN_IO_READ"}, {"TGT_LUMO_HOST_WRITE", "SAN_IO_WRITE"},
     {"TGT_LUMO_HOST_CMD", "SAN_IO_CMD"},   {"NAS_TRANS_ALL", "NAS_IO_NFSV3"},
@@ -162,6 +164,10 @@ const std::vector<std::string> g_vecPointNameList = {
     "ZONE_LUMO_NO_MEM_HANDLE_FETCH_NEW_CKG_FAILED_EROOT_REC",
 };
 const std::vector<std::string>& g_vecDiffErrCodePoint = g_vecPointNameList;
+
+bool FaultReturnsDiffErrCode(const std::string& point) {
+    return std::find(g_vecPointNameList.begin(), g_vecPointNameList.end(), point) != g_vecPointNameList.end();
+}
 
 std::map<int64_t, std::string> g_mapErrIdxName = {
     {-1, "errCode0"}, {-2, "errCode1"}, {-3, "errCode2"}, {-4, "errCode3"}, {-5, "errCode4"}};

@@ -38,6 +38,7 @@ FAULT_EXPORT extern const std::map<std::string, int32_t> g_mapTypeIdx;
 // The points whose errors reach the host under another type than the one that they count themselves.
 extern const std::vector<std::string> g_vecPointNameList;
 extern const std::vector<std::string>& g_vecDiffErrCodePoint;
+bool FaultReturnsDiffErrCode(const std::string& point);  // whether it is one of them
 
 // An error index, and the column that counts it. The analysis of error-code graphs adds the unknown indexes
 // that it meets, without a column; like all analyses it runs on the console's thread.

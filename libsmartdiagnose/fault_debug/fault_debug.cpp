@@ -55,14 +55,14 @@ void FaultPrintError(const char* message) {
     DBG_Print("\t\t[ERROR]: %s\n", message);
 }
 
+void FaultPrintSearchFailed() {
+    FaultPrintError("inner err, and please try it again.");
+}
+
 bool FaultRefusedBySwitch() {
     if (ZorvCoreGetFaultDiagSwitch() != FAULT_DIAG_SWITCH_OFF) {
         return false;
     }
     FaultPrintError("fault diagnose switch is off");
     return true;
-}
-
-void FaultPrintSearchFailed() {
-    FaultPrintError("inner err, and please try it again.");
 }

@@ -25,6 +25,9 @@ uint32_t FaultCommandHandler(int32_t argc, char** argv) {
 // Prints an error line: two tabs, "[ERROR]: ", the message.
 void FaultPrintError(const char* message);
 
+// Answers a search that failed.
+void FaultPrintSearchFailed();
+
 // True, and an error line printed, when the switch is off.
 bool FaultRefusedBySwitch();
 
@@ -58,9 +61,6 @@ void FaultShowAllErrCommand(int32_t argc, char** argv);
 void FaultErrCodeShowCommand(int32_t argc, char** argv);
 void FaultErrCodeShowAllCommand(int32_t argc, char** argv);
 void FaultShowFaultFactorCommand(int32_t argc, char** argv);
-
-// Answers a search that failed.
-void FaultPrintSearchFailed();
 
 // Shows the graph "SAN_IO_READ": word, location name, start, end.
 void FaultShowGraphCommand(int32_t argc, char** argv);

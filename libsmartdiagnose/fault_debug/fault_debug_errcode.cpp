@@ -27,71 +27,73 @@ bool IsModuleOfAnyGraph(const std::string& module) {
                        [&](const auto& graph) { return graph.second.count(module) > 0; });
 }
 
-// A path, and the modules of the graph in which its analysis began.
-struct ErrorPath {
-    AnomalyPath path;
-    const FaultNameMultimap* modules;
+// What the analysis that began in one graph found.
+struct GraphErrors {
+    const FaultNameMultimap* modules;  // of the graph
+    std::vector<AnomalyPath> paths;    // those with errors
 };
 
-bool HasErrors(const AnomalyPath& path) {
-    return std::any_of(path.nodes.begin(), path.nodes.end(),
-                       [](const AnomalyNodeInfo& node) { return node.errCount != 0; });
+bool HasNoErrors(const AnomalyPath& path) {
+    return std::all_of(path.nodes.begin(), path.nodes.end(),
+                       [](const AnomalyNodeInfo& node) { return node.errCount == 0; });
 }
 
-// Appends the paths with errors of all graphs that have the module. False when a graph fails.
+// Analyses all graphs that have the module. False when one fails.
 bool FindErrorPaths(int32_t erridx, const std::string& module, const TimeWindow& range,
-                    std::vector<ErrorPath>& found) {
+                    std::vector<GraphErrors>& found) {
     for (const auto& [point, graph] : g_mapPointErrCodeGraph) {
         const FaultNameMultimap& modules = g_mapErrCodeGraphModulePrefix.at(graph);
         if (module != ALL_MODULES && modules.count(module) == 0) {
             continue;
         }
-        std::vector<AnomalyPath> paths;
-        if (AnalysisErrCodeBFS(graph, range.startTime, range.endTime, point, erridx, paths) != 0) {
+        GraphErrors errors{&modules, {}};
+        if (AnalysisErrCodeBFS(graph, range.startTime, range.endTime, point, erridx, errors.paths) != 0) {
             return false;
         }
-        for (AnomalyPath& path : paths) {
-            if (HasErrors(path)) {
-                found.push_back({std::move(path), &modules});
-            }
-        }
+        const auto end = std::remove_if(errors.paths.begin(), errors.paths.end(), HasNoErrors);
+        errors.paths.erase(end, errors.paths.end());
+        found.push_back(std::move(errors));
     }
     return true;
 }
 
-void PrintErrorPath(const ErrorPath& error, const std::string& module) {
-    FaultPrintPathHead("RootCauseName                   RootGraphName\n", error.path.anomalyNodeName,
-                       error.path.rootGraphName);
+void PrintErrorPath(const AnomalyPath& path, const FaultNameMultimap& modules, const std::string& module) {
+    FaultPrintPathHead("RootCauseName                   RootGraphName\n", path.anomalyNodeName,
+                       path.rootGraphName);
     FaultPrintPointsHead(NUMBER_TITLE);
-    for (const AnomalyNodeInfo& node : error.path.nodes) {
-        if (module == ALL_MODULES || IsOfModule(node.locName, *error.modules, module)) {
+    for (const AnomalyNodeInfo& node : path.nodes) {
+        if (module == ALL_MODULES || IsOfModule(node.locName, modules, module)) {
             FaultPrintPointsRow(NUMBER_TITLE, node.ioPointid, node.locName, node.errCount, node.fixAdvice);
         }
     }
 }
 
-void PrintErrorPaths(const std::vector<ErrorPath>& paths, const std::string& module) {
+void PrintGraphErrors(const GraphErrors& errors, const std::string& module) {
     DBG_Print("\n                   ErrCode Analysis\n");
-    if (paths.empty()) {
+    if (errors.paths.empty()) {
         FaultPrintNoPath();
     }
-    for (const ErrorPath& path : paths) {
-        PrintErrorPath(path, module);
+    for (const AnomalyPath& path : errors.paths) {
+        PrintErrorPath(path, *errors.modules, module);
     }
 }
 
-// A module's points with errors, of one type, and the sum of their counts.
-void PrintModuleErrors(const std::string& module, const FaultNameMultimap& modules,
-                       const std::vector<NodeResult>& points, size_t column) {
-    int32_t count = 0;
+// The points of a module with errors of one type, and the sum of their counts.
+struct ModuleErrors {
+    int32_t points = 0;
     int64_t sum = 0;
-    for (const NodeResult& point : points) {
+};
+
+ModuleErrors ErrorsOf(const std::string& module, const FaultNameMultimap& modules, FaultErrorPoints& points,
+                      size_t type) {
+    ModuleErrors errors;
+    for (const NodeResult& point : points[FAULT_ERROR_TYPES.at(type)]) {
         if (IsOfModule(point.locName, modules, module)) {
-            ++count;
-            sum = FaultWrapAdd(sum, point.errorSums.at(column));
+            ++errors.points;
+            errors.sum = FaultWrapAdd(errors.sum, point.errorSums.at(type));
         }
     }
-    DBG_Print("%-10d%-18ld", count, sum);
+    return errors;
 }
 
 void PrintGraphState(const std::string& graph, const FaultNameMultimap& modules, FaultErrorPoints& points) {
@@ -101,11 +103,11 @@ void PrintGraphState(const std::string& graph, const FaultNameMultimap& modules,
         "IOACCESSDENY      \n");
     for (auto module = modules.begin(); module != modules.end();
          module = modules.upper_bound(module->first)) {
-        DBG_Print("%-16s", module->first.c_str());
-        for (size_t type = 0; type < FAULT_ERROR_TYPES.size(); ++type) {
-            PrintModuleErrors(module->first, modules, points[FAULT_ERROR_TYPES.at(type)], type);
-        }
-        DBG_Print("\n");
+        const ModuleErrors failed = ErrorsOf(module->first, modules, points, 0);
+        const ModuleErrors retried = ErrorsOf(module->first, modules, points, 1);
+        const ModuleErrors denied = ErrorsOf(module->first, modules, points, 2);
+        DBG_Print("%-16s%-10d%-18ld%-10d%-18ld%-10d%-18ld\n", module->first.c_str(), failed.points,
+                  failed.sum, retried.points, retried.sum, denied.points, denied.sum);
     }
     FaultPrintSeparator();
 }
@@ -127,12 +129,14 @@ void FaultErrCodeShowCommand(int32_t argc, char** argv) {
     if (!CheckTimeRange(range.startTime, range.endTime)) {
         return;
     }
-    std::vector<ErrorPath> paths;
-    if (!FindErrorPaths(type->second, module, range, paths)) {
+    std::vector<GraphErrors> found;
+    if (!FindErrorPaths(type->second, module, range, found)) {
         FaultPrintSearchFailed();
         return;
     }
-    PrintErrorPaths(paths, module);
+    for (const GraphErrors& errors : found) {
+        PrintGraphErrors(errors, module);
+    }
 }
 
 void FaultErrCodeShowAllCommand(int32_t argc, char** argv) {

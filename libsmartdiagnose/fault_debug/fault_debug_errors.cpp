@@ -25,8 +25,7 @@ size_t ColumnOf(int32_t erridx) {
 int64_t ShownCount(const NodeResult& result, int32_t erridx) {
     const auto& sums = result.errorSums;
     const int64_t sum = sums.at(ColumnOf(erridx));
-    const auto& points = g_vecPointNameList;
-    if (sum != 0 || std::find(points.begin(), points.end(), result.locName) == points.end()) {
+    if (sum != 0 || !FaultReturnsDiffErrCode(result.locName)) {
         return sum;
     }
     return std::accumulate(sums.begin(), sums.end(), int64_t{0}, FaultWrapAdd);

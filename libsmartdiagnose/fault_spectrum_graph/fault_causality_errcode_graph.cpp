@@ -1,7 +1,5 @@
 #include "fault_spectrum_graph/fault_causality_errcode_graph.h"
 
-#include <algorithm>
-
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
 #include "fault_common/fault_rate_limiter.h"
@@ -101,14 +99,14 @@ int64_t FaultCausalityErrCodeGraph::AvgSeriesArray(const FaultSeries& series) {
 }
 
 bool FaultCausalityErrCodeGraph::CheckIfReturnDiffErrCodeToTop(const NodeBase& node) const {
-    return std::find(g_vecDiffErrCodePoint.begin(), g_vecDiffErrCodePoint.end(), node.locName) !=
-           g_vecDiffErrCodePoint.end();
+    return FaultReturnsDiffErrCode(node.locName);
 }
 
 int64_t FaultCausalityErrCodeGraph::GetErrCodeAvgNum(const NodeBase& node, int32_t erridx) const {
     if (mapErrCodeAttr.count(node.locName) == 0) {
         return 0;
     }
+    // An unknown index is added to the table, without a column, which finds no series.
     const FaultSeries* series = FindSeries(node.ioPointid, g_mapErrIdxName[erridx]);
     const int64_t count = series != nullptr ? AvgSeriesArray(*series) : 0;
     return count == 0 && CheckIfReturnDiffErrCodeToTop(node) ? GetOtherErrCodeAvgNum(node, erridx) : count;
@@ -119,7 +117,9 @@ int64_t FaultCausalityErrCodeGraph::GetOtherErrCodeAvgNum(const NodeBase& node, 
         return 0;
     }
     for (const auto& [index, column] : g_mapErrIdxName) {
-        const FaultSeries* series = index != erridx ? FindSeries(node.ioPointid, column) : nullptr;
+        // Unknown indexes have no column: configurations may leave any number of them in the table.
+        const bool counts = index != erridx && !column.empty();
+        const FaultSeries* series = counts ? FindSeries(node.ioPointid, column) : nullptr;
         const int64_t count = series != nullptr ? AvgSeriesArray(*series) : 0;
         if (count > 0) {
             return count;
@@ -195,11 +195,11 @@ NodeResult FaultCausalityErrCodeGraph::SelectChildNode(const std::vector<Edge>& 
 
 uint32_t FaultCausalityErrCodeGraph::TraverseByBfs(int32_t root, AnomalyPathInfo& pathInfo,
                                                    int32_t erridx) const {
-    const Node* node = FindWalkRoot(root, FAULT_HERE);
+    const Node* node = FindWalkRoot(root, FAULT_UNIT_FILE);
     if (node == nullptr) {
         return 1;
     }
-    const auto* data = FindWalkData(*node, FAULT_HERE);
+    const auto* data = FindWalkData(*node, FAULT_UNIT_FILE);
     if (data == nullptr) {
         return 0;
     }
@@ -208,7 +208,7 @@ uint32_t FaultCausalityErrCodeGraph::TraverseByBfs(int32_t root, AnomalyPathInfo
     std::vector<NodeResult> path{GetNodeResult(base, *data)};
     Descend(
         path, [&](int32_t /*parentId*/, const auto& edges) { return SelectChildNode(edges, erridx); },
-        FAULT_HERE);
+        FAULT_UNIT_FILE);
     return GetAnomalyResult(path, pathInfo);
 }
 

@@ -60,7 +60,8 @@ public:
     int64_t GetErrCodeAvgNum(const NodeBase& node, int32_t erridx) const;
     int64_t GetOtherErrCodeAvgNum(const NodeBase& node, int32_t erridx) const;
 
-    // A node's counts and advice; `endFlag` is set when it has no name or no statistics.
+    // A node's counts and advice; `endFlag` is set when it has no name or no statistics. Adds an unknown
+    // index of the node to g_mapErrIdxName, as the counts do.
     NodeResult GetNodeResult(const NodeBase& node, const std::map<std::string, FaultSeries>& data) const;
 
     // The candidate with the highest count for the type, the earlier of equal ones; one that follows its

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "fault_common/fault_export.h"
-#include "fault_common/fault_log.h"
 #include "fault_common/fault_series.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 
@@ -37,7 +36,7 @@ struct Node {
     std::string description;
     std::string statLabel;    // its kind
     std::string attr;         // attribute words of error-code graphs
-    int64_t extraNumber = 0;  // not used by delay graphs
+    int64_t extraNumber = 0;  // not used
     std::string suggestion;   // advice when it is the root cause; may be empty
 };
 
@@ -130,6 +129,10 @@ public:
     static int64_t AvgSeriesArray(const FaultSeries& series);
     static int64_t MaxTimeSeriesArray(const FaultSeries& series);
 
+    // One column of a point's statistics; an empty series where they lack it.
+    static const FaultSeries& ColumnOf(const std::map<std::string, FaultSeries>& data,
+                                       const std::string& column);
+
     // The coefficient between the parent's delays and the child's; -1.0 when the child has none.
     double GetCorrelation(const FaultSeries& parentSeries, const NodeBase& child) const;
 
@@ -159,7 +162,7 @@ public:
     std::map<std::string, std::map<std::string, FaultSeries>> mapLumoData;  // by trace point, then by column
 
 protected:
-    // What both kinds of graph share. Log lines are those of `site`.
+    // What both kinds of graph share. Log lines carry `file` and the name of the walk's operation.
 
     // A node's members that both kinds of graph read.
     static Node ReadNode(const Json::Value& json);
@@ -172,21 +175,16 @@ protected:
     // The series that GetSeriesDataArray() copies; null, and logged, when there is none.
     const FaultSeries* FindSeries(int32_t nodeId, const std::string& statName) const;
 
-    // One column of a node's statistics; an empty series where they lack it.
-    static const FaultSeries& ColumnOf(const std::map<std::string, FaultSeries>& data,
-                                       const std::string& column);
-
     // The node at which a walk starts; null, and logged, when there is none.
-    const Node* FindWalkRoot(int32_t root, const FaultLogSite& site) const;
+    const Node* FindWalkRoot(int32_t root, const char* file) const;
 
     // The statistics of that node; null, and logged, when there are none.
-    const std::map<std::string, FaultSeries>* FindWalkData(const Node& root, const FaultLogSite& site) const;
+    const std::map<std::string, FaultSeries>* FindWalkData(const Node& root, const char* file) const;
 
     // Appends to `path`, which holds the root, what `selectChild` chooses among each node's edges, until it
     // chooses none, one without data, or one that is on the path already.
     using ChildChoice = std::function<NodeResult(int32_t parentId, const std::vector<Edge>& edges)>;
-    void Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild,
-                 const FaultLogSite& site) const;
+    void Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild, const char* file) const;
 };
 
 // The graph "SAN_IO_READ", with its data for a range of compact local times if they could be loaded. Null,

@@ -11,6 +11,7 @@ constexpr double NO_CORRELATION = -1.0;
 constexpr double ROOT_COFF = 1.0;
 constexpr double ANOMALY_COFF_MIN = 0.4;  // the path is anomalous as long as its coefficients reach this
 constexpr const char* DELAY_COLUMN = "avgdelay";
+constexpr const char* WALK = "TraverseByBfs";
 
 NodeBase BaseOf(const Node& node, double coff) {
     NodeBase base;
@@ -97,8 +98,8 @@ std::string FaultCausalityGraph::GetFixAdvice(int32_t nodeId) const {
 }
 
 uint32_t FaultCausalityGraph::TraverseByBfs(int32_t root, AnomalyPathInfo& pathInfo) const {
-    const Node* node = FindWalkRoot(root, FAULT_HERE);
-    const auto* data = node != nullptr ? FindWalkData(*node, FAULT_HERE) : nullptr;
+    const Node* node = FindWalkRoot(root, FAULT_UNIT_FILE);
+    const auto* data = node != nullptr ? FindWalkData(*node, FAULT_UNIT_FILE) : nullptr;
     if (data == nullptr) {
         return 1;
     }
@@ -106,31 +107,32 @@ uint32_t FaultCausalityGraph::TraverseByBfs(int32_t root, AnomalyPathInfo& pathI
     GetNodeResult(BaseOf(*node, ROOT_COFF), *data, path.front());
     Descend(
         path, [this](int32_t parentId, const auto& edges) { return SelectChildNode(parentId, edges); },
-        FAULT_HERE);
+        FAULT_UNIT_FILE);
     return GetAnomalyResult(path, pathInfo);
 }
 
-const Node* FaultCausalityGraph::FindWalkRoot(int32_t root, const FaultLogSite& site) const {
+const Node* FaultCausalityGraph::FindWalkRoot(int32_t root, const char* file) const {
     const auto node = mapNodeInfo.find(root);
     if (node == mapNodeInfo.end()) {
-        FAULT_LOG(site, FAULT_ERROR, "no root node:%d", root);
+        FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_ERROR, "no root node:%d", root);
         return nullptr;
     }
     return &node->second;
 }
 
 const std::map<std::string, FaultSeries>* FaultCausalityGraph::FindWalkData(const Node& root,
-                                                                            const FaultLogSite& site) const {
+                                                                            const char* file) const {
     const auto data = mapLumoData.find(root.locName);
     if (data == mapLumoData.end()) {
-        FAULT_LOG(site, FAULT_ERROR, "There is no %s in mapLumoData.", root.locName.c_str());
+        FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_ERROR, "There is no %s in mapLumoData.",
+                  root.locName.c_str());
         return nullptr;
     }
     return &data->second;
 }
 
 void FaultCausalityGraph::Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild,
-                                  const FaultLogSite& site) const {
+                                  const char* file) const {
     std::set<int32_t> visited{path.front().ioPointid};
     for (auto edges = mapGraph.find(path.front().ioPointid); edges != mapGraph.end();
          edges = mapGraph.find(path.back().ioPointid)) {
@@ -139,7 +141,8 @@ void FaultCausalityGraph::Descend(std::vector<NodeResult>& path, const ChildChoi
             return;
         }
         if (!visited.insert(child.ioPointid).second) {
-            FAULT_LOG(site, FAULT_WARNING, "node %d is on the path already, the walk ends.", child.ioPointid);
+            FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_WARNING,
+                      "node %d is on the path already, the walk ends.", child.ioPointid);
             return;
         }
         path.push_back(std::move(child));

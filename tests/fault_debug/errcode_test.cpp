@@ -26,11 +26,12 @@ const std::string SAN_GRAPH = R"({"nodes": [
      "subGraph": "POOL_ERRCODE_READ"}},
     {"id": 5, "label": "MODULE_SPACE", "name": "n5", "description": "MODULE", "info": {"attr": "whole"}},
     {"id": 6, "label": "SPACE_A", "name": "n6"}],
-  "edges": [{"source": "1", "target": "2"}, {"source": "2", "target": "3"}, {"source": "2", "target": "4"}]})";
+  "edges": [{"source": "1", "target": "2"}, {"source": "2", "target": "3"}, {"source": "2", "target": "4"},
+    {"source": "6", "target": "1"}]})";
 const std::string POOL_GRAPH = R"({"nodes": [
-    {"id": 3, "label": "POOL_ROOT", "name": "p3"},
-    {"id": 9, "label": "POOL_DEEP", "name": "p9", "info": {"suggestion": "look at the pool"}}],
-  "edges": [{"source": "3", "target": "9"}]})";
+    {"id": 3, "label": "POOL_DEEP", "name": "p3", "info": {"suggestion": "look at the pool"}},
+    {"id": 9, "label": "POOL_ROOT", "name": "p9"}],
+  "edges": [{"source": "9", "target": "3"}]})";
 const std::string FACTOR_GRAPH = R"({"nodes": [
     {"id": 1, "label": "HIGH", "info": {"suggestion": "first"}}, {"id": 2, "label": "LOW"},
     {"id": 3, "label": "FLAT_B"}, {"id": 4, "label": "FLAT_A"}, {"id": 5, "label": "NEGATIVE"},
@@ -149,20 +150,30 @@ TEST_F(ErrorCodes, NamesTheRootCauseOverTwoGraphs) {
         "\n                   ErrCode Analysis\n" + head("POOL_ERRCODE_READ", "ERRCODE_SAN_PROTO");
     const std::string space =
         "4           SPACE_B                                             10                  ---\n";
+    const std::string none = ANALYSIS + "There's no abnormal check result.\n";
     EXPECT_EQ(
         Type({"errcodeshow", "IOERROR", "ALL", FROM, TO}),
-        first +
+        none + none + first +
             "1           TGT_IO_ERRCODE_COMMON                               40                  ask the "
             "hosts\n"
             "2           TGT_ATOMIC                                          30                  ---\n" +
-            space + head("p9", "POOL_ERRCODE_READ") +
-            "3           POOL_ROOT                                           10                  ---\n"
-            "9           POOL_DEEP                                           8                   look at the "
+            space + head("p3", "POOL_ERRCODE_READ") +
+            "9           POOL_ROOT                                           10                  ---\n"
+            "3           POOL_DEEP                                           8                   look at the "
             "pool\n");
+    EXPECT_THAT(
+        Agent::TakeLines(),
+        testing::IsSupersetOf(
+            {"5 fault_rootcause.cpp AnalysisErrCodeBFSByRoot: FindRootBySpecificLabel rootId: 1.",
+             "5 fault_rootcause.cpp AnalysisErrCodeBFSByRoot: FindRootBySelf rootId: 9.",
+             "3 fault_rootcause.cpp AnalysisErrCodeBFS: new root graph name :POOL_ERRCODE_READ",
+             "3 fault_rootcause.cpp AnalysisErrCodeBFSByRoot: the p3 is not exsist.",
+             "3 fault_rootcause.cpp AnalysisErrCodeBFS: Graph anlaysis failed.retCode: 1, statusCode: 1",
+             "3 fault_causality_errcode_graph.cpp SelectChildNode: rstNode.locName(SPACE_B), "
+             "nodeRst.locName(SPACE_B), acceptnum(10), erridx(-1), isFollow(1)."}));
     EXPECT_EQ(Type({"errcodeshow", "IOERROR", "SPACE", FROM, TO}),
-              first + space + head("p9", "POOL_ERRCODE_READ"));
-    const std::string none = ANALYSIS + "There's no abnormal check result.\n";
-    EXPECT_EQ(Type({"errcodeshow", "IOACCESSDENY", "ALL", FROM, TO}), none);
+              first + space + head("p3", "POOL_ERRCODE_READ"));
+    EXPECT_EQ(Type({"errcodeshow", "IOACCESSDENY", "ALL", FROM, TO}), none + none + none);
     EXPECT_EQ(Type({"errcodeshow", "IOERROR", "FS", FROM, TO}), none);
     // A graph after the first one may fail.
     Configure({{"POOL_ERRCODE_READ", R"({"nodes": [{"info": {"erridx": "x"}}], "edges": []})"}});
@@ -223,7 +234,8 @@ TEST_F(ErrorCodes, AnswersEveryMistakeAndLives) {
     // Graphs that cannot be read.
     const Lines searches[] = {
         {"showallerr", FROM, TO}, {"errcodeshowall", FROM, TO}, {"errcodeshow", "IORETRY", "ALL", FROM, TO}};
-    const std::string graphs[] = {"", "7", R"({"nodes": [{"info": {"erridx": "one"}}], "edges": []})",
+    const std::string graphs[] = {"", "7", R"({"nodes": [], "edges": []})",
+                                  R"({"nodes": [{"info": {"erridx": "one"}}], "edges": []})",
                                   R"({"nodes": [{"label": []}], "edges": []})"};
     for (const std::string& graph : graphs) {
         for (const Lines& words : searches) {
@@ -238,6 +250,31 @@ TEST_F(ErrorCodes, AnswersEveryMistakeAndLives) {
         EXPECT_EQ(Type(words), Error("fault diagnose switch is off"));
     }
     EXPECT_EQ(Type({"showfaultfactor"}), Error("fault diagnose switch is off"));
+}
+
+// Zeros would look like health.
+TEST_F(ErrorCodes, AFailingDatabaseIsNoAnswer) {
+    const std::string table = "lumo_data_" + FROM;
+    Configure();
+    for (const int failure : {0, 1, 2}) {
+        failure == 0   ? Open({{table, {{"TGT_READ", MIDNIGHT, "'x'"}}}})
+        : failure == 1 ? Open({})
+                       : Open({{table}});
+        if (failure == 2) {
+            world.Exec(LUMO_DATABASE_FILE, "DROP TABLE " + table);
+        }
+        for (const Lines& words : {Lines{"showallerr", FROM, TO}, Lines{"errcodeshowall", FROM, TO},
+                                   Lines{"errcodeshow", "IORETRY", "ALL", FROM, TO}}) {
+            EXPECT_EQ(Type(words), SEARCH_FAILED) << words[0] << failure;
+            const Lines lines = Agent::TakeLines();
+            EXPECT_EQ(
+                testing::Value(lines, testing::Contains(testing::HasSubstr("GetData: get data failed."))),
+                failure != 0);
+            EXPECT_EQ(testing::Value(lines, testing::Contains(testing::HasSubstr(
+                                                "GetErrCodeData: get lumodata from database failed."))),
+                      failure == 2);
+        }
+    }
 }
 
 TEST_F(ErrorCodes, ShowsAtMost101Rows) {

@@ -182,16 +182,19 @@ std::string WrongResult(const PlainGraph& plain, const PlainNode& node, const No
     const bool atomic = attr.find("automic") != std::string::npos;
     const int32_t erridx = atomic ? counting->erridx.value_or(-1) : -1;
     const std::string column = "errCode" + std::to_string(-1 - erridx);
+    const std::array<int64_t, 5> sums = {plain.Sum(node.label, "errCode0"), plain.Sum(node.label, "errCode1"),
+                                         plain.Sum(node.label, "errCode2")};
     const bool empty = plain.counts.at(node.label).empty();
-    return result.ioPointid != node.id || result.locName != node.label                ? "point"
-           : result.errCount != plain.Count(node, type)                               ? "count"
+    return result.ioPointid != node.id || result.locName != node.label ? "point"
+           : result.errCount != plain.Count(node, type) || result.coff != static_cast<double>(result.errCount)
+               ? "count"
            : (result.endFlag != 0) != empty                                           ? "data mark"
            : empty                                                                    ? ""
            : result.erridx != erridx                                                  ? "index"
            : result.acceptnum != plain.Sum(node.label, atomic ? column : "acceptnum") ? "own count"
            : result.isFollow != (attr.find("follow") != std::string::npos)            ? "follow"
            : result.fixAdvice != node.advice                                          ? "advice"
-           : result.errorSums[1] != plain.Sum(node.label, "errCode1")                 ? "sums"
+           : result.errorSums != sums                                                 ? "sums"
                                                                                       : "";
 }
 
@@ -230,6 +233,18 @@ TEST(ErrCodeWalk, AgreesWithAReferenceOnRandomGraphs) {
     EXPECT_GT(Agent::Record().Count("is on the path already"), 50U);
     EXPECT_EQ(g_mapErrCodeColumn.count(-7), 1U);
     EXPECT_EQ(g_mapErrCodeColumn.at(-7), "");
+}
+
+TEST(ErrCodeWalk, AFrameHasNodesOnly) {
+    FaultCausalityErrCodeGraph graph;
+    graph.SetFrameGraphFlag(false);
+    EXPECT_TRUE(graph.frameGraphFlag);
+    Json::Value nodes(Json::arrayValue);
+    nodes[0]["label"] = "P1";
+    graph.ExtracNodeInfo(nodes);
+    EXPECT_EQ(graph.mapNodeInfo.size(), 1U);
+    EXPECT_EQ(graph.mapErrCodeAttr.size(), 0U);
+    EXPECT_EQ(graph.GetData("no date", "no date"), 0U);
 }
 
 }  // namespace
