@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include "fault_algorithm/fault_rootcause.h"
 #include "fault_server/fault_diagnose.h"
 #include "tests/fault_debug/console.h"
 
@@ -153,20 +154,76 @@ TEST_F(Analysis, ShowsAGraph) {
     EXPECT_EQ(Type({"showgraph", "vecob", "-", DAY_START, DAY_END}), title + "\ninner error\n");
 }
 
-TEST_F(Analysis, ConfigurationsThatMakeNoSenseEndInAnError) {
+std::string Graph(const std::string& nodes, const std::string& edges) {
+    return R"({"SAN_IO_READ": {"nodes": [)" + nodes + R"(], "edges": [)" + edges + "]}}";
+}
+
+TEST_F(Analysis, ConfigurationsThatMakeNoSense) {
     OpenPlanted("TGT_LUMO_HOST_READ");
-    for (const char* edges :
-         {R"([{"source": "one", "target": "2"}])", R"([{"source": "99999999999", "target": "2"}])",
-          R"([{"target": "2"}])", R"([{"source": [], "target": "2"}])", R"([7])"}) {
-        world.Config(std::string(R"({"SAN_IO_READ": {"nodes": [], "edges": )") + edges + "}}");
+    const std::string host = R"({"label": "TGT_LUMO_HOST_READ", )", one = host + "\"id\": 1}";
+    const std::string row = "TGT_LUMO_HOST_READ              1.000000     657                           \n";
+    const std::string path = ANALYSIS + PathHead("TGT_LUMO_HOST_READ", "SAN_IO_READ");
+    const std::string inner = Error("inner err"), error = "Unexpected error: ";
+    const std::string noRoot = "no root node:0";
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {Graph("", R"({"source": "one", "target": "2"})"), inner, error + "not a number: 'one'"},
+        {Graph("", R"({"source": "9999999999", "target": "2"})"), inner, error + "number out of range"},
+        {Graph("", R"({"target": "2"})"), inner, error + "not a number: ''"},
+        {Graph("", R"({"source": [], "target": "2"})"), inner, error},
+        {Graph("", "7"), inner, error},
+        {Graph("7", ""), inner, error},
+        {Graph(R"({"id": "1"})", ""), inner, error},
+        {Graph(R"({"id": 2147483648})", ""), inner, error},
+        {Graph(R"({"label": {}})", ""), inner, error},
+        {Graph(R"({"info": "x"})", ""), inner, error},
+        {R"({"SAN_IO_READ": []})", inner, error},
+        {R"({"SAN_IO_READ": {}})", NO_RESULT, noRoot},
+        {R"({"SAN_IO_READ": {"nodes": 7, "edges": "x"}})", NO_RESULT, noRoot},
+        {Graph(R"({"id": 5, "label": "A"})", ""), NO_RESULT, noRoot},
+        {Graph(one + R"(, {"id": 5, "label": "'"})", ""), NO_RESULT, "get data failed."},
+        {Graph("null, " + host + R"("info": null})", ""), path + "0           " + row, "rootId: 0."},
+        {Graph(host + "\"id\": -7}", R"({"source": "-7", "target": "1"})"), path + "-7          " + row,
+         "Add edge (sourceId:-7, targetId:1) failed."},
+        {Graph(R"({"id": 1, "label": "B"}, )" + one, R"({"source": "1", "target": "9"})"),
+         path + "1           " + row, "rootId: 1."},
+        {Graph(one, R"({"source": " 1x", "target": "+1"})"), path + "1           " + row,
+         "node 1 is on the path already, the walk ends."},
+        {R"({"SAN_IO_READ": {"nodes": [)" + host + R"("id": 1, "name": "NEXT"}]},
+             "NEXT": {"nodes": [)" +
+             host + R"("name": "SAN_IO_READ"}]}})",
+         path + "1           " + row + PathHead("TGT_LUMO_HOST_READ", "NEXT") + "0           " + row,
+         "graph SAN_IO_READ has been analysed already, the analysis ends."},
+    };
+    for (const auto& [config, screen, line] : cases) {
+        world.Config(config);
         ZorvSmartDiagnoseJsonObjectInit();
-        EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), Error("inner err")) << edges;
+        Agent::TakeLines();
+        EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), screen) << config;
+        EXPECT_GT(Agent::Record().Count(line), 0U) << config;
     }
-    for (const char* graph :
-         {"{}", R"({"nodes": [{"id": 5, "label": "A"}], "edges": []})", R"({"nodes": 7, "edges": "x"})"}) {
-        world.Config(std::string(R"({"SAN_IO_READ": )") + graph + "}");
+}
+
+// The last of the chain leads back to the first; in the other graph all hang below one.
+TEST_F(Analysis, LargeGraphs) {
+    Open({{"lumo_data_" + DAY_START, {{"P", MIDNIGHT, 1}, {"P", MIDNIGHT + 1, 2}}}});
+    const std::tuple<int, bool, std::string, size_t> cases[] = {
+        {10000, true, DAY_END, 10000},
+        {100000, false, "20210802000001", 1},  // before all statistics: nothing to query
+    };
+    for (const auto& [count, chain, end, length] : cases) {
+        std::string nodes, edges;
+        for (int id = 1; id <= count; ++id) {
+            const std::string number = std::to_string(id), comma = id == 1 ? "" : ",";
+            nodes += comma + R"({"label": "P", "id": )" + number + "}";
+            edges += comma + R"({"source": ")" + (chain ? number : "1") + R"(", "target": ")" +
+                     std::to_string(id % count + 1) + "\"}";
+        }
+        world.Config(Graph(nodes, edges));
         ZorvSmartDiagnoseJsonObjectInit();
-        EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), NO_RESULT) << graph;
+        const std::vector<AnomalyPath> paths = FlowAnalysisBFS("P", "SAN_IO_READ", "20210802000000", end);
+        ASSERT_EQ(paths.size(), 1U);
+        EXPECT_EQ(paths[0].nodes.size(), length);
+        EXPECT_EQ(paths[0].nodes.back().ioPointid, static_cast<int32_t>(length));
     }
 }
 
