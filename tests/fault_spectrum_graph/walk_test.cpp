@@ -180,6 +180,7 @@ TEST(Walk, AgreesWithAReferenceOnRandomGraphs) {
             cut = cut || (info.path[i].coff != 0.0 && info.path[i].coff < 0.4);
             anomalous = !cut && info.path[i].coff != 0.0 ? &info.path[i] : anomalous;
         }
+        ASSERT_NE(anomalous, nullptr) << seed;
         EXPECT_EQ(info.anomalyNodeId, anomalous->ioPointid) << seed;
         EXPECT_EQ(info.anomalyNodeName, anomalous->locName) << seed;
         EXPECT_EQ(info.nextGraphName, "AFTER_" + std::to_string(anomalous->ioPointid)) << seed;
