@@ -26,15 +26,21 @@ step() {
     return "$status"
 }
 
-# missing_packages GROUP...: prints the packages of the groups that are not installed, one per line.
-missing_packages() {
-    local group name names wanted=()
+# packages_of GROUP...: prints the packages of the groups, one per line.
+packages_of() {
+    local group name names
     while read -r name names; do
         for group in "$@"; do
-            # shellcheck disable=SC2206  # a line of words
-            [ "$group" != "$name" ] || wanted+=($names)
+            # shellcheck disable=SC2086  # a line of words
+            [ "$group" != "$name" ] || printf '%s\n' $names
         done
     done <cmake/packages.txt
+}
+
+# missing_packages GROUP...: prints those of them that are not installed.
+missing_packages() {
+    local wanted
+    mapfile -t wanted < <(packages_of "$@")
     # shellcheck disable=SC2016  # dpkg-query's own variables; it fails, rightly, for an unknown package
     { dpkg-query -W -f '${Package} ${db:Status-Status}\n' "${wanted[@]}" 2>/dev/null || true; } |
         awk '$2 == "installed" { print $1 }' >"$scratch/installed"
@@ -60,6 +66,42 @@ install_packages() {
     as_root+=(env DEBIAN_FRONTEND=noninteractive)
     step "package lists" "${as_root[@]}" apt-get update
     step "packages" "${as_root[@]}" apt-get install -y --no-install-recommends "${missing[@]}"
+}
+
+# fill_sysroot DIRECTORY ARCHITECTURE GROUP...: unpacks the groups' packages for another architecture, with all that
+# they need, into a directory; touches nothing when it did so before. Needs no root: to install them as a second
+# architecture would upgrade the machine's own packages, which must have the same versions.
+fill_sysroot() {
+    local directory=$1 architecture=$2 wanted
+    shift 2
+    mapfile -t wanted < <(packages_of "$@")
+    if [ "${wanted[*]}" = "$(cat "$directory/packages" 2>/dev/null)" ]; then
+        return 0
+    fi
+    cat >"$scratch/apt.conf" <<TEXT
+APT::Architecture "$architecture";
+APT::Architectures { "$architecture"; };
+Dir::State "$scratch/apt";
+Dir::State::status "/dev/null";
+Dir::Cache "$scratch/apt";
+Debug::NoLocking "true";
+TEXT
+    mkdir -p "$scratch/apt/lists/partial" "$scratch/apt/archives/partial"
+    rm -rf "$directory"
+    step "$architecture: package lists" env APT_CONFIG="$scratch/apt.conf" apt-get update || return
+    step "$architecture: packages" env APT_CONFIG="$scratch/apt.conf" \
+        apt-get install -y --no-install-recommends --download-only "${wanted[@]}" || return
+    step "$architecture: unpack" unpack_all "$directory" "$scratch"/apt/archives/*.deb || return
+    printf '%s\n' "${wanted[*]}" >"$directory/packages"
+}
+
+unpack_all() {
+    local directory=$1 package
+    shift
+    mkdir -p "$directory"
+    for package in "$@"; do
+        dpkg-deb --extract "$package" "$directory" || return
+    done
 }
 
 # build PRESET [TARGET...]: configures a preset and builds it; or just the targets, without need of the test
