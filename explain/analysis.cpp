@@ -1,0 +1,239 @@
+#include "explain/analysis.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "explain/budget.h"
+#include "explain/statistics.h"
+#include "fault_algorithm/fault_correlation.h"
+#include "fault_algorithm/fault_rootcause.h"
+#include "fault_common/fault_common.h"
+
+namespace explain {
+namespace {
+
+constexpr int64_t WALK_SECONDS = 480;  // before and after the peak, as the plug-in's own analysis takes
+constexpr int64_t HOUR_SECONDS = 3600;
+constexpr double CHANCE_OF_FLAG = 0.0027;  // that a normal sample lies beyond three deviations
+constexpr double LEAST_SHARE = 1e-9;       // less is rounding
+
+// A part of the time before the event.
+struct Part {
+    const char* name;
+    int64_t from = 0;
+    int64_t until = 0;  // not included
+};
+
+Samples Within(const Samples& samples, const Part& part) {
+    Samples found;
+    for (const Sample& sample : samples) {
+        if (sample.time >= part.from && sample.time < part.until) {
+            found.push_back(sample);
+        }
+    }
+    return found;
+}
+
+std::array<Part, 6> PartsOf(const Samples& baseline, int64_t until) {
+    const int64_t from = baseline.front().time;
+    const int64_t length = until - from;
+    return {{{"first half", from, from + length / 2},
+             {"second half", from + length / 2, until},
+             {"first third", from, from + length / 3},
+             {"middle third", from + length / 3, from + length / 3 * 2},
+             {"last third", from + length / 3 * 2, until},
+             {"without the last hour", from, until - HOUR_SECONDS}}};
+}
+
+std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, const Part& part) {
+    std::map<std::string, Evidence> byPoint;
+    for (const auto& [name, data] : world.points) {
+        byPoint[name] = EvidenceOf(data, Within(data.samples, part), event);
+    }
+    std::vector<Evidence> evidence;
+    for (const GraphNode& node : world.nodes) {
+        evidence.push_back(byPoint[node.point]);
+    }
+    return evidence;
+}
+
+// Each node's own share; empty when the point at the top takes no part.
+std::vector<double> SharesOf(const GraphWorld& world, const std::vector<Evidence>& evidence) {
+    if (!evidence.front().takesPart) {
+        return {};
+    }
+    std::vector<BudgetNode> nodes;
+    for (size_t i = 0; i < world.nodes.size(); ++i) {
+        nodes.push_back({world.nodes[i].children, evidence[i].takesPart, evidence[i].excess.value_or(0.0)});
+    }
+    return DivideBudget(nodes, world.handOvers, 0);
+}
+
+std::vector<Candidate> RankOf(const GraphWorld& world, const std::vector<double>& shares) {
+    std::vector<Candidate> candidates;
+    std::map<std::string, size_t> byPoint;
+    for (size_t i = 0; i < shares.size(); ++i) {
+        if (shares[i] <= LEAST_SHARE) {
+            continue;
+        }
+        const GraphNode& node = world.nodes[i];
+        const auto [entry, isNew] = byPoint.try_emplace(node.point, candidates.size());
+        if (isNew) {
+            candidates.push_back({node.point, node.graph, node.advice, 0.0, i});
+        }
+        Candidate& candidate = candidates[entry->second];
+        candidate.share += shares[i];
+        if (shares[i] > shares[candidate.node]) {
+            candidate.graph = node.graph;
+            candidate.advice = node.advice;
+            candidate.node = i;
+        }
+    }
+    std::stable_sort(candidates.begin(), candidates.end(),
+                     [](const Candidate& a, const Candidate& b) { return a.share > b.share; });
+    return candidates;
+}
+
+std::vector<Trial> TrialsOf(const GraphWorld& world, const Event& event, const Samples& baseline) {
+    std::vector<Trial> trials;
+    for (const Part& part : PartsOf(baseline, event.start)) {
+        const std::vector<Candidate> candidates =
+            RankOf(world, SharesOf(world, AllEvidence(world, event, part)));
+        trials.push_back({part.name, {}});
+        if (!candidates.empty()) {
+            trials.back().first = candidates.front().point;
+        }
+    }
+    return trials;
+}
+
+// The node through which each node is first reached; its own position at the top.
+std::vector<size_t> ParentsOf(const GraphWorld& world) {
+    std::vector<size_t> parents(world.nodes.size());
+    std::vector<bool> known(world.nodes.size());
+    known[0] = true;
+    for (size_t i = 0; i < world.nodes.size(); ++i) {
+        std::vector<size_t> below = world.nodes[i].children;
+        if (const auto next = world.handOvers.find(i); next != world.handOvers.end()) {
+            below.push_back(next->second);
+        }
+        for (const size_t child : below) {
+            if (!known[child]) {
+                known[child] = true;
+                parents[child] = i;
+            }
+        }
+    }
+    return parents;
+}
+
+std::vector<NodeFinding> FindingsOf(const GraphWorld& world, std::vector<Evidence> evidence,
+                                    const std::vector<double>& shares) {
+    const std::vector<size_t> parents = ParentsOf(world);
+    std::vector<NodeFinding> findings;
+    for (size_t i = 0; i < world.nodes.size(); ++i) {
+        NodeFinding finding{world.nodes[i], std::move(evidence[i]), shares.empty() ? 0.0 : shares[i], 0, {}};
+        if (i > 0) {
+            const Common common =
+                CorrelationOf(DelaySeries(world.points.at(world.nodes[parents[i]].point).samples),
+                              DelaySeries(world.points.at(world.nodes[i].point).samples));
+            finding.commonIntervals = common.count;
+            finding.correlation = common.correlation;
+        }
+        findings.push_back(std::move(finding));
+    }
+    return findings;
+}
+
+std::string CompactTime(int64_t time) {
+    std::string text;
+    TransUtcTimeToLocalTime(std::to_string(time), text);
+    return text;
+}
+
+// The point that the plug-in's own walk comes to, around the peak of the event.
+std::optional<std::string> WalkedPoint(const Analysis& analysis) {
+    const int64_t peak = analysis.event->peakTime;
+    const std::vector<AnomalyPath> paths = FlowAnalysisBFS(
+        analysis.point, analysis.graph, CompactTime(peak - WALK_SECONDS), CompactTime(peak + WALK_SECONDS));
+    return paths.empty() ? std::nullopt : std::optional<std::string>(paths.back().anomalyNodeName);
+}
+
+void Explain(const Samples& baseline, Analysis& analysis) {
+    const Event& event = *analysis.event;
+    const Part all{"", baseline.front().time, event.start};
+    std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all);
+    const std::vector<double> shares = SharesOf(analysis.world, evidence);
+    analysis.findings = FindingsOf(analysis.world, std::move(evidence), shares);
+    analysis.candidates = RankOf(analysis.world, shares);
+    analysis.walk = WalkedPoint(analysis);
+    if (analysis.candidates.empty()) {
+        analysis.reason = "the delay of the event is not above what was usual before it";
+        return;
+    }
+    analysis.trials = TrialsOf(analysis.world, event, baseline);
+    const auto isLoad = [&](size_t node) { return analysis.findings[node].evidence.nature == Nature::LOAD; };
+    analysis.verdict = isLoad(0) && isLoad(analysis.candidates.front().node) ? Verdict::LOAD : Verdict::POINT;
+}
+
+}  // namespace
+
+size_t Analysis::Agreements() const {
+    return static_cast<size_t>(std::count_if(trials.begin(), trials.end(), [&](const Trial& trial) {
+        return trial.first == candidates.front().point;
+    }));
+}
+
+Analysis Analyse(const std::string& point, const std::string& graph, const Range& range,
+                 const std::optional<int64_t>& at) {
+    Analysis analysis;
+    analysis.point = point;
+    analysis.graph = graph;
+    analysis.world = LoadGraphWorld(point, graph, range);
+    const Samples& samples = analysis.world.points.at(point).samples;
+    if (samples.empty()) {
+        throw NoData("there are no rows of " + point + " in the range");
+    }
+    analysis.events = FindEvents(samples);
+    if (at) {
+        analysis.event = EventAt(samples, analysis.events, *at);
+    } else if (!analysis.events.empty()) {
+        analysis.event = analysis.events.back();
+    }
+    if (!analysis.event) {
+        analysis.verdict = Verdict::NOTHING;
+        analysis.reason = "no sample lies high above the others";
+        return analysis;
+    }
+    const Samples baseline = BaselineOf(samples, *analysis.event);
+    if (baseline.size() < FEWEST_BASELINE) {
+        analysis.reason = "there are only " + std::to_string(baseline.size()) +
+                          " samples before the event, " + std::to_string(FEWEST_BASELINE) + " are needed";
+        return analysis;
+    }
+    Explain(baseline, analysis);
+    return analysis;
+}
+
+ChanceFlags CountFlags(const std::vector<Analysis>& analyses) {
+    ChanceFlags flags;
+    std::set<std::string> counted;
+    for (const Analysis& analysis : analyses) {
+        for (const auto& [name, data] : analysis.world.points) {
+            if (!counted.insert(name).second) {
+                continue;
+            }
+            std::vector<int64_t> delays;
+            for (const Sample& sample : data.samples) {
+                delays.push_back(static_cast<int64_t>(sample.delay));
+            }
+            flags.samples += delays.size();
+            flags.flagged += SmartDiagnose::Outliers(delays).size();
+        }
+    }
+    flags.expected = CHANCE_OF_FLAG * static_cast<double>(flags.samples);
+    return flags;
+}
+
+}  // namespace explain

@@ -1,0 +1,30 @@
+// The delay budget: how the extra delay of one point divides among the points below it.
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <vector>
+
+namespace explain {
+
+// A node of the graphs that are walked, all in one list.
+struct BudgetNode {
+    std::vector<size_t> children;  // positions in the list
+    bool takesPart = false;        // the node had an event of its own
+    double excess = 0.0;           // extra delay times requests, per interval; above 0 where it takes part
+};
+
+// A position whose whole share goes to another one: the root of the graph that continues below it.
+using HandOvers = std::map<size_t, size_t>;
+
+// Each node's own share of the extra delay of `root`: what reaches it on all ways and is not taken by what is
+// below it. A child takes its excess relative to its parent's, at most all; where the children together would
+// take more than all, each takes proportionally less. Children that take no part are looked through: those
+// below them stand in their place. No way enters a node twice. The shares are not negative and add up to 1.
+//
+// `root` must take part. Linear where the ways do not cross, more where they lead in circles; what has not
+// been divided after a million steps stays where it is.
+std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers,
+                                 size_t root);
+
+}  // namespace explain

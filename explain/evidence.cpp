@@ -1,0 +1,172 @@
+#include "explain/evidence.h"
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+#include "explain/statistics.h"
+
+namespace explain {
+namespace {
+
+constexpr size_t FEWEST_FOR_SIGMA = 11;  // of fewer samples, none can lie beyond three deviations
+constexpr double EQUAL_LOAD = 0.1;       // requests that differ by less than this share are the same load
+constexpr size_t FEWEST_EQUAL_LOAD = 3;
+constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
+constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
+
+std::string Counted(size_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+// How many intervals between the first and the last sample have none, as far as the usual distance of two
+// samples tells.
+size_t MissingIntervals(const Samples& samples) {
+    if (samples.size() < 3) {
+        return 0;
+    }
+    std::vector<double> distances;
+    for (size_t i = 1; i < samples.size(); ++i) {
+        distances.push_back(static_cast<double>(samples[i].time - samples[i - 1].time));
+    }
+    const double step = MedianOf(distances);
+    const double span = static_cast<double>(samples.back().time - samples.front().time);
+    const double expected = step > 0.0 ? span / step + 1.0 : 0.0;
+    const auto found = static_cast<double>(samples.size());
+    return expected > found ? static_cast<size_t>(std::lround(expected - found)) : 0;
+}
+
+bool IsConstant(const Samples& samples) {
+    return std::all_of(samples.begin(), samples.end(),
+                       [&](const Sample& sample) { return sample.delay == samples.front().delay; });
+}
+
+void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
+    std::vector<std::string>& reasons = evidence.reasons;
+    const Samples& samples = point.samples;
+    if (samples.empty()) {
+        reasons.emplace_back("no rows in the range");
+        return;
+    }
+    if (point.isObservation) {
+        reasons.emplace_back("an observation point: without request counts it takes no part");
+    }
+    if (samples.size() < FEWEST_FOR_SIGMA) {
+        reasons.push_back("only " + Counted(samples.size(), "sample") + ": three-sigma needs 11 to fire");
+    }
+    if (evidence.baselineCount < FEWEST_BASELINE) {
+        reasons.push_back("only " + Counted(evidence.baselineCount, "sample") + " before the event");
+    }
+    if (evidence.eventCount == 0) {
+        reasons.emplace_back("no rows during the event");
+    }
+    if (samples.size() > 1 && IsConstant(samples)) {
+        reasons.emplace_back("constant over the range");
+    }
+    if (const size_t missing = MissingIntervals(samples); missing > 0) {
+        reasons.push_back(Counted(missing, "interval") + " without a row");
+    }
+    if (point.hasGoneBack) {
+        reasons.emplace_back("the clock jumped: rows were put in the order of their times");
+    }
+}
+
+// The event's delays against the baseline: how unusual, since when, and whether the point takes part.
+void JudgeDelays(const PointData& point, const Usual& usual, const Samples& during, Evidence& evidence) {
+    std::vector<double> sizes;
+    for (const Sample& sample : during) {
+        const double deviations = usual.Deviations(sample.delay);
+        if (!evidence.deviations || std::fabs(deviations) > std::fabs(*evidence.deviations)) {
+            evidence.deviations = deviations;
+        }
+        if (std::fabs(deviations) > HIGH && !evidence.onset) {
+            evidence.onset = sample.time;
+        }
+        sizes.push_back(std::fabs(deviations));
+    }
+    // One unusual sample of several may be chance.
+    const auto deciding = sizes.begin() + (sizes.size() > 1 ? 1 : 0);
+    std::nth_element(sizes.begin(), deciding, sizes.end(), std::greater<>());
+    evidence.takesPart =
+        !point.isObservation && *deciding > HIGH && evidence.excess && *evidence.excess > 0.0;
+}
+
+// The delay of the event relative to that of the baseline's intervals of equal load; none where there are too
+// few of them.
+std::optional<double> EqualLoadRatio(const Samples& baseline, double requests, double delay) {
+    std::vector<double> delays;
+    for (const Sample& sample : baseline) {
+        if (std::fabs(sample.requests - requests) <= EQUAL_LOAD * requests) {
+            delays.push_back(sample.delay);
+        }
+    }
+    if (delays.size() < FEWEST_EQUAL_LOAD) {
+        return std::nullopt;
+    }
+    const double usual = MedianOf(delays);
+    return usual > 0.0 ? std::optional<double>(delay / usual) : std::nullopt;
+}
+
+Nature NatureOf(const Evidence& evidence, bool surged) {
+    if (!evidence.takesPart) {
+        return Nature::USUAL;
+    }
+    if (evidence.equalLoadRatio) {
+        return *evidence.equalLoadRatio > EQUAL_DELAY ? Nature::DEVICE
+               : surged                               ? Nature::LOAD
+                                                      : Nature::UNKNOWN;
+    }
+    if (!surged) {
+        return Nature::DEVICE;
+    }
+    if (!evidence.loadCorrelation) {
+        return Nature::UNKNOWN;
+    }
+    return *evidence.loadCorrelation >= FOLLOWS_LOAD ? Nature::LOAD : Nature::DEVICE;
+}
+
+FaultSeries RequestSeries(const Samples& samples) {
+    FaultSeries series;
+    for (const Sample& sample : samples) {
+        series.push_back({sample.time, static_cast<int64_t>(sample.requests)});
+    }
+    return series;
+}
+
+void JudgeLoad(const PointData& point, const Samples& baseline, const Samples& during, Evidence& evidence) {
+    const Usual usual = UsualOf(RequestsOf(baseline));
+    const double requests = MeanOf(RequestsOf(during));
+    evidence.baselineRequests = usual.median;
+    evidence.eventRequests = requests;
+    evidence.excess = (*evidence.eventDelay - *evidence.baselineDelay) * requests;
+    evidence.loadCorrelation =
+        CorrelationOf(DelaySeries(point.samples), RequestSeries(point.samples)).correlation;
+    evidence.equalLoadRatio = EqualLoadRatio(baseline, requests, *evidence.eventDelay);
+}
+
+}  // namespace
+
+Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+    const Samples during = SamplesIn(point.samples, event);
+    Evidence evidence;
+    evidence.baselineCount = baseline.size();
+    evidence.eventCount = during.size();
+    TellWhatIsMissing(point, evidence);
+    if (baseline.size() < FEWEST_BASELINE || during.empty()) {
+        return evidence;
+    }
+    const Usual usual = UsualOf(DelaysOf(baseline));
+    evidence.baselineDelay = usual.median;
+    evidence.eventDelay = MeanOf(DelaysOf(during));
+    if (!point.isObservation) {
+        JudgeLoad(point, baseline, during, evidence);
+    }
+    JudgeDelays(point, usual, during, evidence);
+    if (!point.isObservation) {
+        const bool surged = UsualOf(RequestsOf(baseline)).Deviations(*evidence.eventRequests) > HIGH;
+        evidence.nature = NatureOf(evidence, surged);
+    }
+    return evidence;
+}
+
+}  // namespace explain

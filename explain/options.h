@@ -1,0 +1,35 @@
+// The command line of zorv-explain.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace explain {
+
+struct Options {
+    std::optional<std::string> root;   // the directory that stands before the fixed paths
+    std::optional<std::string> zone;   // such as "+0800"; without it the machine's
+    std::optional<std::string> point;  // without it, every point that the detector flags
+    std::optional<std::string> graph;
+    std::optional<std::string> at;    // compact local time
+    std::optional<std::string> html;  // file to write the page to
+    std::string log = "/dev/null";
+    bool json = false;
+    std::vector<std::string> times;  // start and end, or a length in minutes
+};
+
+// How the program ends.
+enum ExitStatus : int {
+    STATUS_ANSWERED = 0,
+    STATUS_NOTHING = 1,  // nothing anomalous
+    STATUS_USAGE = 2,
+    STATUS_NO_DATA = 3,  // or no configuration
+    STATUS_CANNOT_TELL = 4
+};
+
+// Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing
+// what was asked for or what is wrong, the status to leave with.
+std::optional<int> ParseOptions(int argc, char** argv, Options& options);
+
+}  // namespace explain

@@ -1,0 +1,40 @@
+// What the program answers, and its three forms.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "explain/analysis.h"
+
+namespace explain {
+
+// What was looked at, and with what: enough to look again.
+struct Stamp {
+    std::string program;  // versions
+    std::string sqlite;
+    std::string jsoncpp;
+    std::string configurationHash;  // SHA-256 of the file in hexadecimal; empty when it could not be read
+    std::string databaseHash;
+    std::string command;  // as it was typed, quoted for a shell where needed
+};
+
+struct Report {
+    Stamp stamp;
+    Range range;
+    int64_t zoneOffset = 0;  // seconds east of UTC
+    ChanceFlags flags;       // over all points that were loaded
+    std::vector<Analysis> analyses;
+};
+
+// For a terminal: columns that are straight in a fixed-width font, lines of at most 80 cells, no escape
+// sequences. Text that comes from outside is shown with its control characters escaped.
+std::string TextReport(const Report& report);
+
+// One JSON document that follows docs/explain.schema.json. Numbers are numbers, what is not known is null;
+// the same report gives the same bytes.
+std::string JsonReport(const Report& report);
+
+// One HTML page without scripts and without anything from a network.
+std::string HtmlReport(const Report& report);
+
+}  // namespace explain

@@ -1,0 +1,38 @@
+// Robust statistics of short series. Any thread; nothing here is undefined for any finite input.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "fault_common/fault_series.h"
+
+namespace explain {
+
+// What is usual for a series, and how far from it a value must lie to be unusual.
+struct Usual {
+    double median = 0.0;
+    double scale = 1.0;  // always above 0
+
+    // How many scales `value` lies above the median.
+    double Deviations(double value) const { return (value - median) / scale; }
+};
+
+// The median, and the largest of three scales: 1.4826 median absolute deviations, 0.3 standard deviations, 2
+// % of the median. A constant series of median 0 has the scale 1. `values` must not be empty.
+Usual UsualOf(std::vector<double> values);
+
+// The middle value, or the mean of the two middle ones. `values` must not be empty.
+double MedianOf(std::vector<double>& values);
+
+double MeanOf(const std::vector<double>& values);
+
+// Two series over the times that both have.
+struct Common {
+    size_t count = 0;
+    std::optional<double> correlation;  // none for fewer than three times, or a constant series
+};
+Common CorrelationOf(const FaultSeries& a, const FaultSeries& b);
+
+}  // namespace explain
