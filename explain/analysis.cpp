@@ -133,7 +133,8 @@ std::vector<NodeFinding> FindingsOf(const GraphWorld& world, std::vector<Evidenc
     const std::vector<size_t> parents = ParentsOf(world);
     std::vector<NodeFinding> findings;
     for (size_t i = 0; i < world.nodes.size(); ++i) {
-        NodeFinding finding{world.nodes[i], std::move(evidence[i]), shares.empty() ? 0.0 : shares[i], 0, {}};
+        NodeFinding finding{
+            world.nodes[i], std::move(evidence[i]), shares.empty() ? 0.0 : shares[i], parents[i], 0, {}};
         if (i > 0) {
             const Common common =
                 CorrelationOf(DelaySeries(world.points.at(world.nodes[parents[i]].point).samples),

@@ -16,7 +16,8 @@ struct NodeFinding {
     GraphNode node;
     Evidence evidence;
     double share = 0.0;                 // own share of the extra delay, 0 to 1
-    size_t commonIntervals = 0;         // with the node through which it is first reached
+    size_t parent = 0;                  // the node through which it is first reached; 0 at the top
+    size_t commonIntervals = 0;         // with that node
     std::optional<double> correlation;  // over these; none at the top, or where it is undefined
 };
 

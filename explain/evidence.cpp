@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "explain/statistics.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
@@ -14,10 +15,6 @@ constexpr double EQUAL_LOAD = 0.1;       // requests that differ by less than th
 constexpr size_t FEWEST_EQUAL_LOAD = 3;
 constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
 constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
-
-std::string Counted(size_t count, const std::string& thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
 
 // How many intervals between the first and the last sample have none, as far as the usual distance of two
 // samples tells.

@@ -24,6 +24,7 @@
 #include "host/services/files.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
+#include "host/services/text.h"
 
 namespace explain {
 namespace {
@@ -162,10 +163,10 @@ int RunProgram(int argc, char** argv) {
     try {
         return Run(options, {argv, argv + argc});
     } catch (const UsageError& error) {
-        std::fprintf(stderr, "zorv-explain: %s\n", error.what());
+        std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
         return STATUS_USAGE;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "zorv-explain: %s\n", error.what());
+        std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
         return STATUS_NO_DATA;
     }
 }

@@ -1,13 +1,28 @@
 #include "host/services/text.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
+
+#include "host/services/utf8.h"
 
 namespace {
-void AppendEscaped(std::string& out, char letter) {
-    char escape[8];
-    std::snprintf(escape, sizeof escape, "\\x%02x",
-                  static_cast<unsigned>(static_cast<unsigned char>(letter)));
-    out += letter == '\n' ? "\\n" : letter == '\t' ? "\\t" : escape;
+// Characters that are not seen, end a line, or turn the direction of writing; first and last of a row.
+constexpr char32_t UNSEEN[][2] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0xAD, 0xAD},
+                                  {0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
+                                  {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F}};
+
+bool IsUnseen(char32_t code) {
+    return std::any_of(std::begin(UNSEEN), std::end(UNSEEN),
+                       [code](const auto& row) { return code >= row[0] && code <= row[1]; });
+}
+
+std::string Escape(const Utf8Character& character, char first) {
+    char escape[16];
+    const bool isByte = !character.isValid || character.length == 1;
+    const auto number = isByte ? static_cast<unsigned char>(first) : static_cast<unsigned>(character.code);
+    std::snprintf(escape, sizeof escape, isByte ? "\\x%02x" : "\\u%04x", number);
+    return first == '\n' ? "\\n" : first == '\t' ? "\\t" : escape;
 }
 }  // namespace
 
@@ -27,13 +42,13 @@ std::string FormatText(const char* format, va_list args) {
 
 std::string Printable(std::string_view text, size_t most) {
     std::string out;
-    for (const char letter : text.substr(0, most)) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (byte < 0x20 || byte == 0x7f) {
-            AppendEscaped(out, letter);
-        } else {
-            out += letter;
-        }
+    size_t shown = 0;
+    while (shown < text.size() && shown < most) {
+        const Utf8Character character = FirstCharacter(text.substr(shown));
+        out += !character.isValid || IsUnseen(character.code)
+                   ? Escape(character, text[shown])
+                   : std::string(text.substr(shown, character.length));
+        shown += character.length;
     }
-    return text.size() > most ? out + "..." : out;
+    return shown < text.size() ? out + "..." : out;
 }

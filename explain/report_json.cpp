@@ -1,0 +1,207 @@
+#include <json/writer.h>
+
+#include <cmath>
+
+#include "explain/report.h"
+#include "explain/words.h"
+#include "host/services/utf8.h"
+
+namespace explain {
+namespace {
+
+constexpr unsigned SIGNIFICANT_DIGITS = 9;
+
+Json::Value Text(const std::string& text) {
+    return ValidUtf8(text);
+}
+
+Json::Value Number(double value) {
+    return std::isfinite(value) ? Json::Value(value) : Json::Value();
+}
+
+Json::Value Number(const std::optional<double>& value) {
+    return value ? Number(*value) : Json::Value();
+}
+
+Json::Value Count(size_t count) {
+    return static_cast<Json::UInt64>(count);
+}
+
+// Empty text stands for what is not known.
+Json::Value TextOrNull(const std::string& text) {
+    return text.empty() ? Json::Value() : Text(text);
+}
+
+// `items` as an array, each as `written` has it.
+template <typename Item, typename Writer>
+Json::Value List(const std::vector<Item>& items, const Writer& written) {
+    Json::Value list(Json::arrayValue);
+    for (const Item& item : items) {
+        list.append(written(item));
+    }
+    return list;
+}
+
+// Writes parts of one report; all its times are in the report's zone.
+class Writer {
+public:
+    explicit Writer(const Report& toWrite) : report(toWrite) {}
+
+    Json::Value Document() const {
+        Json::Value document;
+        document["version"] = 1;
+        document["stamp"] = StampValue();
+        document["range"]["start"] = Time(report.range.startTime);
+        document["range"]["end"] = Time(report.range.endTime);
+        document["range"]["zone"] = ZoneText(report.zoneOffset);
+        document["flags"]["samples"] = Count(report.flags.samples);
+        document["flags"]["flagged"] = Count(report.flags.flagged);
+        document["flags"]["expected"] = Number(report.flags.expected);
+        document["analyses"] =
+            List(report.analyses, [this](const Analysis& one) { return AnalysisValue(one); });
+        return document;
+    }
+
+private:
+    Json::Value Time(int64_t time) const {
+        Json::Value value;
+        std::string local = LocalTime(time, report.zoneOffset) + ZoneText(report.zoneOffset);
+        local[local.find(' ')] = 'T';
+        value["epoch"] = static_cast<Json::Int64>(time);
+        value["local"] = local;
+        return value;
+    }
+
+    Json::Value StampValue() const {
+        const Stamp& stamp = report.stamp;
+        Json::Value value;
+        value["program"] = stamp.program;
+        value["sqlite"] = stamp.sqlite;
+        value["jsoncpp"] = stamp.jsoncpp;
+        value["configuration_sha256"] = TextOrNull(stamp.configurationHash);
+        value["database_sha256"] = TextOrNull(stamp.databaseHash);
+        value["command"] = Text(stamp.command);
+        return value;
+    }
+
+    Json::Value EventValue(const Event& event) const {
+        Json::Value value;
+        value["start"] = Time(event.start);
+        value["end"] = Time(event.end);
+        value["peak"] = Time(event.peakTime);
+        value["peak_delay_us"] = Number(event.peakDelay);
+        value["peak_deviations"] = Number(event.peakDeviations);
+        value["high_samples"] = Count(event.count);
+        return value;
+    }
+
+    Json::Value NodeValue(const Analysis& analysis, size_t position) const {
+        const NodeFinding& finding = analysis.findings[position];
+        Json::Value value = EvidenceValue(finding.evidence);
+        AddStanding(analysis, position, value);
+        value["share"] = Number(finding.share);
+        value["common_intervals"] = position > 0 ? Count(finding.commonIntervals) : Json::Value();
+        value["correlation"] = Number(finding.correlation);
+        return value;
+    }
+
+    Json::Value EvidenceValue(const Evidence& evidence) const {
+        Json::Value value;
+        value["takes_part"] = evidence.takesPart;
+        value["baseline_samples"] = Count(evidence.baselineCount);
+        value["event_samples"] = Count(evidence.eventCount);
+        value["baseline_delay_us"] = Number(evidence.baselineDelay);
+        value["event_delay_us"] = Number(evidence.eventDelay);
+        value["baseline_requests"] = Number(evidence.baselineRequests);
+        value["event_requests"] = Number(evidence.eventRequests);
+        value["excess_us"] = Number(evidence.excess);
+        value["deviations"] = Number(evidence.deviations);
+        value["onset"] = evidence.onset ? Time(*evidence.onset) : Json::Value();
+        value["load_correlation"] = Number(evidence.loadCorrelation);
+        value["equal_load_ratio"] = Number(evidence.equalLoadRatio);
+        value["nature"] = WordOf(evidence.nature);
+        value["reasons"] = List(evidence.reasons, Text);
+        return value;
+    }
+
+    // What a node is, and how it hangs together with the others.
+    static void AddStanding(const Analysis& analysis, size_t position, Json::Value& value) {
+        const GraphNode& node = analysis.findings[position].node;
+        const PointData& data = analysis.world.points.at(node.point);
+        const auto next = analysis.world.handOvers.find(position);
+        value["graph"] = Text(node.graph);
+        value["id"] = node.id;
+        value["point"] = Text(node.point);
+        value["advice"] = Text(node.advice);
+        value["children"] = List(node.children, Count);
+        value["continues"] = next != analysis.world.handOvers.end() ? Count(next->second) : Json::Value();
+        value["parent"] = position > 0 ? Count(analysis.findings[position].parent) : Json::Value();
+        value["samples"] = Count(data.samples.size());
+        value["observation"] = data.isObservation;
+        value["clock_jumped"] = data.hasGoneBack;
+    }
+
+    static Json::Value CandidateList(const Analysis& analysis) {
+        Json::Value list(Json::arrayValue);
+        for (const Candidate& candidate : analysis.candidates) {
+            Json::Value value;
+            value["rank"] = list.size() + 1;
+            value["point"] = Text(candidate.point);
+            value["graph"] = Text(candidate.graph);
+            value["share"] = Number(candidate.share);
+            value["advice"] = Text(candidate.advice);
+            value["node"] = Count(candidate.node);
+            list.append(value);
+        }
+        return list;
+    }
+
+    // How sure the order of the candidates is; null where there is none.
+    static void AddCertainty(const Analysis& analysis, Json::Value& value) {
+        const std::vector<Candidate>& candidates = analysis.candidates;
+        const bool isKnown = !candidates.empty();
+        const double second = candidates.size() > 1 ? candidates[1].share : 0.0;
+        value["margin"] = isKnown ? Number(candidates.front().share - second) : Json::Value();
+        value["agreements"] = isKnown ? Count(analysis.Agreements()) : Json::Value();
+        value["trials"] = List(analysis.trials, [](const Trial& trial) {
+            Json::Value one;
+            one["baseline"] = trial.baseline;
+            one["first"] = trial.first ? Text(*trial.first) : Json::Value();
+            return one;
+        });
+        value["walk"]["point"] = analysis.walk ? Text(*analysis.walk) : Json::Value();
+        value["walk"]["agrees"] = analysis.walk && analysis.verdict == Verdict::POINT
+                                      ? Json::Value(*analysis.walk == candidates.front().point)
+                                      : Json::Value();
+    }
+
+    Json::Value AnalysisValue(const Analysis& analysis) const {
+        Json::Value value;
+        value["point"] = Text(analysis.point);
+        value["graph"] = Text(analysis.graph);
+        value["verdict"] = WordOf(analysis.verdict);
+        value["reason"] = TextOrNull(analysis.reason);
+        value["event"] = analysis.event ? EventValue(*analysis.event) : Json::Value();
+        value["events"] = List(analysis.events, [this](const Event& event) { return EventValue(event); });
+        value["nodes"] = Json::Value(Json::arrayValue);
+        for (size_t i = 0; i < analysis.findings.size(); ++i) {
+            value["nodes"].append(NodeValue(analysis, i));
+        }
+        value["candidates"] = CandidateList(analysis);
+        AddCertainty(analysis, value);
+        return value;
+    }
+
+    const Report& report;
+};
+
+}  // namespace
+
+std::string JsonReport(const Report& report) {
+    Json::StreamWriterBuilder builder;
+    builder["indentation"] = "";
+    builder["precision"] = SIGNIFICANT_DIGITS;
+    return Json::writeString(builder, Writer(report).Document()) + "\n";
+}
+
+}  // namespace explain

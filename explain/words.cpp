@@ -1,0 +1,87 @@
+#include "explain/words.h"
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "agent/agent_time.h"
+#include "explain/analysis.h"
+
+namespace explain {
+
+std::string LocalTime(int64_t time, int64_t zoneOffset) {
+    VOPX_TIME_S date{};
+    vopx_time_gmtime(time + zoneOffset, &date);
+    std::array<char, 80> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
+                  date.hour, date.minute, date.second);
+    return text.data();
+}
+
+std::string TimeOfDay(int64_t time, int64_t zoneOffset) {
+    const std::string text = LocalTime(time, zoneOffset);
+    return text.substr(text.find(' ') + 1);
+}
+
+std::string ZoneText(int64_t zoneOffset) {
+    const int64_t minutes = std::abs(zoneOffset) / 60;
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), "%c%02d:%02d", zoneOffset < 0 ? '-' : '+',
+                  static_cast<int>(minutes / 60), static_cast<int>(minutes % 60));
+    return text.data();
+}
+
+std::string Duration(int64_t seconds) {
+    const auto unit = [](int64_t count, const char* name) { return std::to_string(count) + name; };
+    if (seconds < 60) {
+        return unit(seconds, " s");
+    }
+    const bool isLong = seconds >= 3600;
+    const int64_t rest = isLong ? seconds % 3600 / 60 : seconds % 60;
+    const std::string first = isLong ? unit(seconds / 3600, " h") : unit(seconds / 60, " min");
+    return rest == 0 ? first : first + " " + unit(rest, isLong ? " min" : " s");
+}
+
+std::string Fixed(double value, int decimals) {
+    std::array<char, 400> text{};  // the largest number has 309 digits
+    std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
+    return text.data();
+}
+
+std::string Percent(double share) {
+    return Fixed(share * 100.0, 1) + " %";
+}
+
+std::string Counted(size_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
+
+const char* WordOf(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::POINT:
+            return "point";
+        case Verdict::LOAD:
+            return "load";
+        case Verdict::NOTHING:
+            return "nothing";
+        case Verdict::CANNOT_TELL:
+            break;
+    }
+    return "cannot tell";
+}
+
+const char* WordOf(Nature nature) {
+    switch (nature) {
+        case Nature::USUAL:
+            return "usual";
+        case Nature::LOAD:
+            return "load";
+        case Nature::DEVICE:
+            return "device";
+        case Nature::UNKNOWN:
+            break;
+    }
+    return "unknown";
+}
+
+}  // namespace explain

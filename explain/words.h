@@ -1,0 +1,36 @@
+// How the reports write times, numbers and enumerations.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace explain {
+
+enum class Nature;
+enum class Verdict;
+
+// Local time as "2023-01-05 14:03:00", and its time of day alone. `zoneOffset` is in seconds east of UTC.
+std::string LocalTime(int64_t time, int64_t zoneOffset);
+std::string TimeOfDay(int64_t time, int64_t zoneOffset);
+
+// "+08:00".
+std::string ZoneText(int64_t zoneOffset);
+
+// "45 s", "3 min 30 s", "1 h 5 min".
+std::string Duration(int64_t seconds);
+
+// With so many digits after the point.
+std::string Fixed(double value, int decimals);
+
+// A share of 0 to 1 as "84.3 %".
+std::string Percent(double share);
+
+// "1 sample", "2 samples".
+std::string Counted(size_t count, const std::string& thing);
+
+// "point", "load", "nothing", "cannot tell"; "device", "load", "usual", "unknown".
+const char* WordOf(Verdict verdict);
+const char* WordOf(Nature nature);
+
+}  // namespace explain
