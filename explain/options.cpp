@@ -4,6 +4,8 @@
 #include <iostream>
 #include <memory>
 
+#include "host/services/text.h"
+
 namespace explain {
 namespace {
 
@@ -65,7 +67,8 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::Error& error) {
-        std::cerr << "zorv-explain: " << error.what() << "\nRun with --help for more information.\n";
+        std::cerr << "zorv-explain: " << Printable(error.what())
+                  << "\nRun with --help for more information.\n";
         return STATUS_USAGE;
     }
     return std::nullopt;

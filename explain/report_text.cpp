@@ -155,12 +155,12 @@ std::string CandidateLine(const Analysis& analysis, size_t rank, size_t width, i
     const std::optional<int64_t>& onset = analysis.findings[candidate.node].evidence.onset;
     const std::string columns = PadLeft(std::to_string(rank + 1), 4) + PadLeft(Percent(candidate.share), 9) +
                                 "  " + (onset ? TimeOfDay(*onset, zoneOffset) : "-       ") + "  ";
-    const std::string point = PadRight(Printable(candidate.point), width);
+    const std::string point = Printable(candidate.point);
     const std::string graph = Printable(candidate.graph);
-    const bool fits = CellsOf(columns) + CellsOf(point) + 2 + CellsOf(graph) <= LINE_CELLS;
-    return columns +
-           (fits ? point + "  " : Printable(candidate.point) + "\n" + std::string(25, ' ') + "in ") + graph +
-           "\n";
+    const std::string both = PadRight(point, width) + "  " + graph;
+    return CellsOf(columns) + CellsOf(both) <= LINE_CELLS
+               ? columns + both + "\n"
+               : Beside(columns, point) + Beside(std::string(CellsOf(columns), ' ') + "in ", graph);
 }
 
 std::string RankingText(const Analysis& analysis, int64_t zoneOffset) {
@@ -191,7 +191,7 @@ std::string CertaintyText(const Analysis& analysis) {
     for (const Trial& trial : analysis.trials) {
         if (trial.first != analysis.candidates.front().point) {
             text += Paragraph("  " + PadRight(trial.baseline, 21),
-                              trial.first ? Printable(*trial.first) : "too short to tell");
+                              trial.first ? Printable(*trial.first) : "cannot tell");
         }
     }
     return text;

@@ -70,6 +70,11 @@ std::string PadLeft(const std::string& text, size_t cells) {
     return used < cells ? std::string(cells - used, ' ') + text : text;
 }
 
+std::string Beside(const std::string& columns, const std::string& text) {
+    const bool fits = CellsOf(columns) + CellsOf(text) <= LINE_CELLS;
+    return columns + (fits ? "" : "\n    ") + text + "\n";
+}
+
 std::string Paragraph(const std::string& lead, std::string_view text) {
     const size_t indent = CellsOf(lead);
     std::string lines = lead;

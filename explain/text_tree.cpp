@@ -92,7 +92,7 @@ std::string NodeLine(const std::vector<NodeFinding>& findings, const Line& line)
     const std::string columns = Columns(finding) + (finding.evidence.takesPart ? "  * " : "    ");
     const std::string name =
         Printable(node.point) + (node.graph == graphAbove ? "" : " (" + Printable(node.graph) + ")");
-    return columns + Indented(name, line.depth, LINE_CELLS - CellsOf(columns)) + "\n";
+    return Beside(columns, Indented(name, line.depth, LINE_CELLS - CellsOf(columns)));
 }
 
 }  // namespace
@@ -110,6 +110,7 @@ std::string SignedText(const std::optional<double>& value, int decimals) {
 std::string TreeText(const Analysis& analysis) {
     std::string text =
         "\nWhere the extra delay goes\n"
+        "  z: deviations from the usual; r: correlation with the point above\n"
         "   share        z      r  nature    point (* takes part)\n";
     for (const Line& line : LinesOf(PlacesOf(analysis.findings))) {
         if (line.counted > 0) {
