@@ -15,6 +15,7 @@ constexpr size_t MOST_ADVICE = 2000;  // bytes
 constexpr size_t MOST_CANDIDATES = 10;
 constexpr size_t MOST_EVENTS = 5;  // besides the one that is explained
 constexpr double MAJORITY = 0.5;
+constexpr double CLOSE = 0.05;  // shares that differ by less are nearly equal
 
 std::string Title(const std::string& title) {
     return "\n" + title + "\n";
@@ -36,16 +37,26 @@ std::string Deviations(double deviations) {
 
 // ---- the answer
 
+// The second candidate, where it is hardly behind the first.
+std::string Rival(const std::vector<Candidate>& candidates) {
+    if (candidates.size() < 2 || candidates[0].share - candidates[1].share > CLOSE) {
+        return {};
+    }
+    return " " + Printable(candidates[1].point) + " holds nearly as much: " + Percent(candidates[1].share) +
+           ".";
+}
+
 std::string PointAnswer(const Analysis& analysis) {
     const Candidate& first = analysis.candidates.front();
     const std::string share = Percent(first.share) + " of the extra delay";
     const std::string point = Printable(first.point);
+    const std::string rival = Rival(analysis.candidates);
     if (first.point != analysis.point) {
-        return point + " (" + Printable(first.graph) + ") holds " + share + ".";
+        return point + " (" + Printable(first.graph) + ") holds " + share + "." + rival;
     }
-    return first.share >= MAJORITY
-               ? point + " itself holds " + share + ": nothing below it in this graph explains the delay."
-               : point + " itself holds " + share + ": no single point below it in this graph explains more.";
+    const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
+                                                      : "no single point below it explains more.";
+    return point + " itself holds " + share + ": " + below + rival;
 }
 
 std::string Answer(const Analysis& analysis) {
@@ -201,7 +212,7 @@ std::string WalkAnswer(const Analysis& analysis) {
     if (!analysis.walk) {
         return "has no result";
     }
-    const std::string named = "names " + Printable(*analysis.walk);
+    std::string named = "names " + Printable(*analysis.walk);
     if (analysis.verdict != Verdict::POINT) {
         return named;
     }
