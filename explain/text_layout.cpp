@@ -10,8 +10,8 @@ namespace {
 
 // The widths are those of the C library, whose default locale knows no more than ASCII.
 size_t CellsOfCharacter(char32_t code) {
-    static const locale_t UTF8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-    const locale_t previous = uselocale(UTF8);
+    static const locale_t utf8 = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const locale_t previous = uselocale(utf8);
     const int cells = wcwidth(static_cast<wchar_t>(code));
     uselocale(previous);
     return cells < 0 ? 1 : static_cast<size_t>(cells);

@@ -3,12 +3,12 @@
 namespace {
 // What the first byte says of a character.
 struct Form {
-    unsigned char mask, lead;  // a first byte of this form has the bits `lead` under `mask`
     size_t length;
-    char32_t least;  // a smaller code has a shorter form
+    char32_t least;            // a smaller code has a shorter form
+    unsigned char mask, lead;  // a first byte of this form has the bits `lead` under `mask`
 };
 constexpr Form FORMS[] = {
-    {0x80, 0x00, 1, 0}, {0xE0, 0xC0, 2, 0x80}, {0xF0, 0xE0, 3, 0x800}, {0xF8, 0xF0, 4, 0x10000}};
+    {1, 0, 0x80, 0x00}, {2, 0x80, 0xE0, 0xC0}, {3, 0x800, 0xF0, 0xE0}, {4, 0x10000, 0xF8, 0xF0}};
 
 Utf8Character Decode(std::string_view text, const Form& form) {
     if (text.size() < form.length) {
