@@ -73,9 +73,9 @@ class Explain(ConsoleTest):
                     self.assertIn(f"{first['share'] * 100:.1f} %  ", text)
                     self.assertIn(f"same point in {one['agreements']} of 6 baselines", text)
                     self.assertEqual(one["walk"]["agrees"], one["walk"]["point"] == first["point"])
-                    event = one["event"]
-                    self.assertEqual(event["start"]["epoch"], self.truth["fault"]["start_epoch"])
-                    self.assertEqual(re.sub("[^0-9]", "", event["peak"]["local"])[:14], compact(event["peak"]["epoch"]))
+                    peak = one["event"]["peak"]
+                    self.assertEqual(peak["epoch"], self.truth["fault"]["peak_epoch"])
+                    self.assertEqual(re.sub("[^0-9]", "", peak["local"])[:14], compact(peak["epoch"]))
 
     def test_hostile_texts(self):
         self.world("slow-disk")
