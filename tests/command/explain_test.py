@@ -36,17 +36,16 @@ class Explain(ConsoleTest):
         self.range = [self.truth["start"], self.truth["end"]]
 
     def run_program(self, *options, root=None, zone="CST-8"):
-        done = subprocess.run([BIN / "zorv-explain", "--root", root or self.root, *options], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, check=False, env={**os.environ, "TZ": zone})
+        done = subprocess.run([BIN / "zorv-explain", "--root", root or self.root, *options], capture_output=True,
+                              env={**os.environ, "TZ": zone})
         return done.returncode, done.stdout.decode(), done.stderr.decode()
 
-    def explain(self, *options):
+    def explain(self):
         """The exit status, the text and the document, each checked for its form."""
-        status, text, err = self.run_program(*options, *self.range)
+        status, text, err = self.run_program(*self.range)
         self.assertEqual([line for line in text.split("\n") if cells(line) > 80 or not line.isprintable()], [], err)
-        json_status, document, _ = self.run_program("--json", *options, *self.range)
-        self.assertEqual((json_status, document), (status, self.run_program("--json", *options, *self.range)[1]))
-        self.assertTrue(document.isascii())
+        (json_status, document, _), again = (self.run_program("--json", *self.range) for _ in range(2))
+        self.assertEqual((json_status, document, document.isascii()), (status, again[1], True))
         found = json.loads(document, parse_constant=self.fail)
         SCHEMA.validate(found)
         return status, text, found
@@ -81,15 +80,14 @@ class Explain(ConsoleTest):
         self.world("slow-disk")
         config = (self.root / CONFIG).read_bytes().replace(json_text(DISK.encode()), json_text(LABEL))
         advice = json_text(self.truth["fault"]["advice"].encode())
-        self.assertIn(advice, config)
         (self.root / CONFIG).write_bytes(config.replace(advice, json_text(ADVICE)))
         self.sql("update version_nmaps set locatename = cast(? as text) where locatename = ?", LABEL, DISK)
         status, text, found = self.explain()
         self.assertIn(f"\n{SHOWN} (SAN_IO_READ) holds ", text)
         self.assertIn("\n  Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
         first = found["analyses"][0]["candidates"][0]
-        self.assertEqual(first["point"], LABEL.decode(errors="replace"))
-        self.assertEqual((status, first["advice"]), (0, ADVICE.decode(errors="replace")))
+        self.assertEqual((status, first["point"], first["advice"]),
+                         (0, LABEL.decode(errors="replace"), ADVICE.decode(errors="replace")))
 
     def test_load_is_no_point(self):
         self.world("healthy")
@@ -98,15 +96,13 @@ class Explain(ConsoleTest):
                  f"and locateid = (select locateid from version_nmaps where locatename = '{POINT}')", when, when + 300)
         status, text, found = self.explain()
         self.assertEqual((status, found["analyses"][0]["verdict"]), (0, "load"))
-        self.assertIn("\nLoad: ", text)
-        self.assertNotIn("Ranking", text)
+        self.assertEqual(("\nLoad: " in text, "Ranking" in text), (True, False))
 
     def test_ways_to_end(self):
         self.world("slow-disk")
         start = self.truth["start_epoch"]
         point, graph = ["--point", POINT], ["--graph", "SAN_IO_READ"]
-        cases = [
-            # options, exit status, what is said
+        cases = [  # options, exit status, what is said
             ([], 0, DISK), ([*point], 0, DISK), ([*point, *graph], 0, DISK),
             (["--point", "SPACE_BLOCK_BDM_READ", *graph], 0, f"^SPACE_BLOCK_BDM_READ in SAN_IO_READ\n=+\n{DISK}"),
             ([*point, "--at", self.truth["fault"]["peak_compact"]], 0, DISK),
@@ -121,11 +117,9 @@ class Explain(ConsoleTest):
         for options, status, said in cases:
             with self.subTest(options=options):
                 found, out, err = self.run_program(*options, *self.range)
-                self.assertEqual((found, out == ""), (status, status in (2, 3)), err)
+                self.assertEqual((found, out == "", "\x1b" in out + err), (status, status in (2, 3), False), err)
                 self.assertRegex(out + err, re.compile(said, re.M))
-                self.assertNotIn("\x1b", out + err)
-        for times in ([], ["x"], ["2023", self.range[1]]):
-            self.assertEqual(self.run_program(*times)[0], 2)
+        self.assertEqual([self.run_program(*times)[0] for times in ([], ["x"], ["2023", self.range[1]])], [2] * 3)
         here, there = (json.loads(self.run_program("--json", *options, *self.range, zone=zone)[1])
                        for zone, options in (("CST-8", []), ("EST5", ["--zone", "+0800"])))
         self.assertEqual(there["analyses"], here["analyses"])
