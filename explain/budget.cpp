@@ -10,7 +10,7 @@ namespace explain {
 namespace {
 
 constexpr size_t NONE = SIZE_MAX;
-constexpr size_t STEPS_MAX = 1000000;
+constexpr size_t VISITS_MAX = 1000000;  // that are remembered, over all ways
 
 // The nodes with an event that a node's share can go to.
 struct Takers {
@@ -115,7 +115,7 @@ std::vector<size_t> NumberCircles(const std::vector<Takers>& takers, size_t root
 struct Arrival {
     size_t circle = 0;
     size_t node = 0;
-    std::set<size_t> visited;
+    std::vector<size_t> visited;  // ascending
 
     // Upstream first, so that most ways have met before they go on.
     bool operator<(const Arrival& other) const {
@@ -123,6 +123,30 @@ struct Arrival {
                std::forward_as_tuple(circle, other.visited.size(), other.node, other.visited);
     }
 };
+
+// What the takers of a node take of its share, those left out that the way has visited.
+struct Division {
+    std::vector<std::pair<size_t, double>> parts;
+    double rest = 1.0;  // what is the node's own
+};
+
+Division Divide(const std::vector<BudgetNode>& nodes, const Takers& takers, const Arrival& arrival) {
+    Division division;
+    double sum = 0.0;
+    for (const size_t taker : takers.nodes) {
+        if (taker != arrival.node &&
+            !std::binary_search(arrival.visited.begin(), arrival.visited.end(), taker)) {
+            const double ratio = nodes[taker].excess / nodes[arrival.node].excess;
+            division.parts.emplace_back(taker, takers.takesAll ? 1.0 : std::min(1.0, ratio));
+            sum += division.parts.back().second;
+        }
+    }
+    for (auto& [taker, part] : division.parts) {
+        part /= std::max(1.0, sum);
+    }
+    division.rest = std::max(0.0, 1.0 - sum);
+    return division;
+}
 
 }  // namespace
 
@@ -132,27 +156,18 @@ std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const Han
     const std::vector<size_t> circle = NumberCircles(takers, root);
     std::vector<double> own(nodes.size(), 0.0);
     std::map<Arrival, double> arrivals{{{circle[root], root, {}}, 1.0}};
-    for (size_t step = 0; !arrivals.empty(); ++step) {
-        const auto [arrival, share] = *arrivals.begin();
+    for (size_t visits = 0; !arrivals.empty();) {
+        auto [arrival, share] = *arrivals.begin();
         arrivals.erase(arrivals.begin());
         const size_t node = arrival.node;
-        std::set<size_t> visited = arrival.visited;
-        visited.insert(node);
-        std::vector<std::pair<size_t, double>> parts;
-        double sum = 0.0;
-        for (const size_t taker : takers[node].nodes) {
-            if (visited.count(taker) == 0 && step < STEPS_MAX) {
-                const double part =
-                    takers[node].takesAll ? 1.0 : std::min(1.0, nodes[taker].excess / nodes[node].excess);
-                parts.emplace_back(taker, part);
-                sum += part;
-            }
-        }
-        own[node] += share * std::max(0.0, 1.0 - sum);
-        for (const auto& [taker, part] : parts) {
+        const Division division = visits < VISITS_MAX ? Divide(nodes, takers[node], arrival) : Division();
+        own[node] += share * division.rest;
+        std::vector<size_t> visited = arrival.visited;
+        visited.insert(std::lower_bound(visited.begin(), visited.end(), node), node);
+        for (const auto& [taker, part] : division.parts) {
             const bool stays = circle[taker] == circle[node];
-            arrivals[{circle[taker], taker, stays ? visited : std::set<size_t>()}] +=
-                share * part / std::max(1.0, sum);
+            arrivals[{circle[taker], taker, stays ? visited : std::vector<size_t>()}] += share * part;
+            visits += stays ? visited.size() : 0;
         }
     }
     return own;

@@ -22,8 +22,8 @@ using HandOvers = std::map<size_t, size_t>;
 // take more than all, each takes proportionally less. Children that take no part are looked through: those
 // below them stand in their place. No way enters a node twice. The shares are not negative and add up to 1.
 //
-// `root` must take part. Linear where the ways do not cross, more where they lead in circles; what has not
-// been divided after a million steps stays where it is.
+// `root` must take part. Linear where no way leads in a circle; else ways are told apart by what they have
+// visited, and when a million visits are remembered, what has not been divided stays where it is.
 std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers,
                                  size_t root);
 
