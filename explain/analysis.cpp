@@ -18,22 +18,14 @@ constexpr int64_t HOUR_SECONDS = 3600;
 constexpr double CHANCE_OF_FLAG = 0.0027;  // that a normal sample lies beyond three deviations
 constexpr double LEAST_SHARE = 1e-9;       // less is rounding
 
+using Judge = Evidence (*)(const PointData& point, const Samples& baseline, const Event& event);
+
 // A part of the time before the event.
 struct Part {
     const char* name;
     int64_t from = 0;
     int64_t until = 0;  // not included
 };
-
-Samples Within(const Samples& samples, const Part& part) {
-    Samples found;
-    for (const Sample& sample : samples) {
-        if (sample.time >= part.from && sample.time < part.until) {
-            found.push_back(sample);
-        }
-    }
-    return found;
-}
 
 std::array<Part, 6> PartsOf(const Samples& baseline, int64_t until) {
     const int64_t from = baseline.front().time;
@@ -46,10 +38,12 @@ std::array<Part, 6> PartsOf(const Samples& baseline, int64_t until) {
              {"without the last hour", from, until - HOUR_SECONDS}}};
 }
 
-std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, const Part& part) {
+// By node.
+std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, const Part& part,
+                                  Judge judge) {
     std::map<std::string, Evidence> byPoint;
     for (const auto& [name, data] : world.points) {
-        byPoint[name] = EvidenceOf(data, Within(data.samples, part), event);
+        byPoint[name] = judge(data, SamplesBetween(data.samples, part.from, part.until), event);
     }
     std::vector<Evidence> evidence;
     for (const GraphNode& node : world.nodes) {
@@ -99,7 +93,7 @@ std::vector<Trial> TrialsOf(const GraphWorld& world, const Event& event, const S
     std::vector<Trial> trials;
     for (const Part& part : PartsOf(baseline, event.start)) {
         const std::vector<Candidate> candidates =
-            RankOf(world, SharesOf(world, AllEvidence(world, event, part)));
+            RankOf(world, SharesOf(world, AllEvidence(world, event, part, BriefEvidenceOf)));
         trials.push_back({part.name, {}});
         if (!candidates.empty()) {
             trials.back().first = candidates.front().point;
@@ -128,19 +122,31 @@ std::vector<size_t> ParentsOf(const GraphWorld& world) {
     return parents;
 }
 
+// What a node has in common with its parent.
+void Compare(const FaultSeries& parent, const FaultSeries& own, NodeFinding& finding) {
+    const Common common = CorrelationOf(parent, own);
+    finding.commonIntervals = common.count;
+    finding.correlation = common.correlation;
+    if (common.count < FEWEST_COMMON && !parent.empty() && !own.empty()) {
+        finding.evidence.reasons.push_back("has " + std::to_string(common.count) +
+                                           " intervals in common with the point above, " +
+                                           std::to_string(FEWEST_COMMON) + " are needed");
+    }
+}
+
 std::vector<NodeFinding> FindingsOf(const GraphWorld& world, std::vector<Evidence> evidence,
                                     const std::vector<double>& shares) {
+    std::map<std::string, FaultSeries> delays;
+    for (const auto& [name, data] : world.points) {
+        delays[name] = DelaySeries(data.samples);
+    }
     const std::vector<size_t> parents = ParentsOf(world);
     std::vector<NodeFinding> findings;
     for (size_t i = 0; i < world.nodes.size(); ++i) {
         NodeFinding finding{
             world.nodes[i], std::move(evidence[i]), shares.empty() ? 0.0 : shares[i], parents[i], 0, {}};
         if (i > 0) {
-            const Common common =
-                CorrelationOf(DelaySeries(world.points.at(world.nodes[parents[i]].point).samples),
-                              DelaySeries(world.points.at(world.nodes[i].point).samples));
-            finding.commonIntervals = common.count;
-            finding.correlation = common.correlation;
+            Compare(delays[world.nodes[parents[i]].point], delays[world.nodes[i].point], finding);
         }
         findings.push_back(std::move(finding));
     }
@@ -161,16 +167,29 @@ std::optional<std::string> WalkedPoint(const Analysis& analysis) {
     return paths.empty() ? std::nullopt : std::optional<std::string>(paths.back().anomalyNodeName);
 }
 
+// The verdict where the point at the top takes no part.
+void JudgeWithoutShares(Analysis& analysis) {
+    const Evidence& top = analysis.findings.front().evidence;
+    if (!top.excess) {
+        analysis.reason = "an observation point: without request counts there is nothing to divide";
+    } else if (*top.eventRequests <= 0.0) {
+        analysis.reason = "there were no requests in the event";
+    } else {
+        analysis.verdict = Verdict::NOTHING;
+        analysis.reason = "the delay of the event is not above what was usual before it";
+    }
+}
+
 void Explain(const Samples& baseline, Analysis& analysis) {
     const Event& event = *analysis.event;
     const Part all{"", baseline.front().time, event.start};
-    std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all);
+    std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all, EvidenceOf);
     const std::vector<double> shares = SharesOf(analysis.world, evidence);
     analysis.findings = FindingsOf(analysis.world, std::move(evidence), shares);
     analysis.candidates = RankOf(analysis.world, shares);
     analysis.walk = WalkedPoint(analysis);
     if (analysis.candidates.empty()) {
-        analysis.reason = "the delay of the event is not above what was usual before it";
+        JudgeWithoutShares(analysis);
         return;
     }
     analysis.trials = TrialsOf(analysis.world, event, baseline);
@@ -226,8 +245,8 @@ ChanceFlags CountFlags(const std::vector<Analysis>& analyses) {
                 continue;
             }
             std::vector<int64_t> delays;
-            for (const Sample& sample : data.samples) {
-                delays.push_back(static_cast<int64_t>(sample.delay));
+            for (const FaultSeriesRow& row : DelaySeries(data.samples)) {
+                delays.push_back(row[1]);
             }
             flags.samples += delays.size();
             flags.flagged += SmartDiagnose::Outliers(delays).size();

@@ -39,7 +39,7 @@ struct Trial {
 enum class Verdict {
     POINT,       // the first candidate
     LOAD,        // the requests rose, and the delays with them
-    NOTHING,     // there is no event
+    NOTHING,     // there is no event, or it is not above the baseline
     CANNOT_TELL  // `reason` says why
 };
 
@@ -47,11 +47,11 @@ struct Analysis {
     std::string point;
     std::string graph;
     Verdict verdict = Verdict::CANNOT_TELL;
-    std::string reason;  // empty for an answer
+    std::string reason;  // empty for POINT and LOAD
 
     std::vector<Event> events;   // all runs of high samples, in the order of time
     std::optional<Event> event;  // the one that is explained
-    GraphWorld world;            // the data, and the nodes in the order of their distance from the point
+    GraphWorld world;  // the data, and the nodes in the order of their distance from the point; or empty
     std::vector<NodeFinding> findings;  // by node
     std::vector<Candidate> candidates;  // by share, the largest first
     std::vector<Trial> trials;          // six, for an answer

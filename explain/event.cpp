@@ -10,11 +10,10 @@ namespace {
 
 constexpr size_t GAP = 1;  // samples within a run that are not high
 
-template <typename Condition>
-Samples Select(const Samples& samples, Condition condition) {
-    Samples selected;
-    std::copy_if(samples.begin(), samples.end(), std::back_inserter(selected), condition);
-    return selected;
+// The first sample that is not before the time.
+Samples::const_iterator First(const Samples& samples, int64_t time) {
+    return std::partition_point(samples.begin(), samples.end(),
+                                [time](const Sample& sample) { return sample.time < time; });
 }
 
 template <typename Value>
@@ -69,7 +68,9 @@ std::optional<Event> EventAt(const Samples& samples, const std::vector<Event>& r
         return *run;
     }
     const auto distance = [time](const Sample& sample) {
-        return sample.time > time ? sample.time - time : time - sample.time;
+        const auto a = static_cast<uint64_t>(sample.time);
+        const auto b = static_cast<uint64_t>(time);
+        return sample.time > time ? a - b : b - a;
     };
     const auto closest =
         std::min_element(samples.begin(), samples.end(),
@@ -80,12 +81,18 @@ std::optional<Event> EventAt(const Samples& samples, const std::vector<Event>& r
     return event;
 }
 
+Samples SamplesBetween(const Samples& samples, int64_t from, int64_t until) {
+    return from < until ? Samples(First(samples, from), First(samples, until)) : Samples();
+}
+
 Samples BaselineOf(const Samples& samples, const Event& event) {
-    return Select(samples, [&](const Sample& sample) { return sample.time < event.start; });
+    return {samples.begin(), First(samples, event.start)};
 }
 
 Samples SamplesIn(const Samples& samples, const Event& event) {
-    return Select(samples, [&](const Sample& sample) { return event.Holds(sample.time); });
+    const auto last = std::find_if(First(samples, event.start), samples.end(),
+                                   [&](const Sample& sample) { return !event.Holds(sample.time); });
+    return {First(samples, event.start), last};
 }
 
 std::vector<double> DelaysOf(const Samples& samples) {

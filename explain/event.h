@@ -42,6 +42,9 @@ std::vector<Event> FindEvents(const Samples& samples);
 // an empty series.
 std::optional<Event> EventAt(const Samples& samples, const std::vector<Event>& runs, int64_t time);
 
+// The samples from one time until another, the last one not included.
+Samples SamplesBetween(const Samples& samples, int64_t from, int64_t until);
+
 // The samples before the event; and those of the event.
 Samples BaselineOf(const Samples& samples, const Event& event);
 Samples SamplesIn(const Samples& samples, const Event& event);

@@ -19,18 +19,23 @@ constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
 // How many intervals between the first and the last sample have none, as far as the usual distance of two
 // samples tells.
 size_t MissingIntervals(const Samples& samples) {
-    if (samples.size() < 3) {
-        return 0;
-    }
     std::vector<double> distances;
     for (size_t i = 1; i < samples.size(); ++i) {
-        distances.push_back(static_cast<double>(samples[i].time - samples[i - 1].time));
+        if (samples[i].time != samples[i - 1].time) {
+            distances.push_back(static_cast<double>(samples[i].time) -
+                                static_cast<double>(samples[i - 1].time));
+        }
     }
-    const double step = MedianOf(distances);
-    const double span = static_cast<double>(samples.back().time - samples.front().time);
-    const double expected = step > 0.0 ? span / step + 1.0 : 0.0;
-    const auto found = static_cast<double>(samples.size());
-    return expected > found ? static_cast<size_t>(std::lround(expected - found)) : 0;
+    if (distances.size() < 2) {
+        return 0;
+    }
+    std::vector<double> toOrder = distances;
+    const double step = MedianOf(toOrder);
+    double missing = 0.0;
+    for (const double distance : distances) {
+        missing += std::max(0.0, std::round(distance / step) - 1.0);
+    }
+    return static_cast<size_t>(missing);
 }
 
 bool IsConstant(const Samples& samples) {
@@ -69,7 +74,7 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
 }
 
 // The event's delays against the baseline: how unusual, since when, and whether the point takes part.
-void JudgeDelays(const PointData& point, const Usual& usual, const Samples& during, Evidence& evidence) {
+void JudgeDelays(const Usual& usual, const Samples& during, Evidence& evidence) {
     std::vector<double> sizes;
     for (const Sample& sample : during) {
         const double deviations = usual.Deviations(sample.delay);
@@ -84,8 +89,9 @@ void JudgeDelays(const PointData& point, const Usual& usual, const Samples& duri
     // One unusual sample of several may be chance.
     const auto deciding = sizes.begin() + (sizes.size() > 1 ? 1 : 0);
     std::nth_element(sizes.begin(), deciding, sizes.end(), std::greater<>());
-    evidence.takesPart =
-        !point.isObservation && *deciding > HIGH && evidence.excess && *evidence.excess > 0.0;
+    // Not by the excess alone: less delay times a broken, negative count would be above 0 too.
+    evidence.takesPart = *deciding > HIGH && *evidence.eventDelay > *evidence.baselineDelay &&
+                         evidence.excess.value_or(0.0) > 0.0;
 }
 
 // The delay of the event relative to that of the baseline's intervals of equal load; none where there are too
@@ -122,33 +128,22 @@ Nature NatureOf(const Evidence& evidence, bool surged) {
     return *evidence.loadCorrelation >= FOLLOWS_LOAD ? Nature::LOAD : Nature::DEVICE;
 }
 
-FaultSeries RequestSeries(const Samples& samples) {
-    FaultSeries series;
-    for (const Sample& sample : samples) {
-        series.push_back({sample.time, static_cast<int64_t>(sample.requests)});
-    }
-    return series;
-}
-
-void JudgeLoad(const PointData& point, const Samples& baseline, const Samples& during, Evidence& evidence) {
+void JudgeLoad(const PointData& point, const Samples& baseline, Evidence& evidence) {
     const Usual usual = UsualOf(RequestsOf(baseline));
-    const double requests = MeanOf(RequestsOf(during));
     evidence.baselineRequests = usual.median;
-    evidence.eventRequests = requests;
-    evidence.excess = (*evidence.eventDelay - *evidence.baselineDelay) * requests;
     evidence.loadCorrelation =
         CorrelationOf(DelaySeries(point.samples), RequestSeries(point.samples)).correlation;
-    evidence.equalLoadRatio = EqualLoadRatio(baseline, requests, *evidence.eventDelay);
+    evidence.equalLoadRatio = EqualLoadRatio(baseline, *evidence.eventRequests, *evidence.eventDelay);
+    evidence.nature = NatureOf(evidence, usual.Deviations(*evidence.eventRequests) > HIGH);
 }
 
 }  // namespace
 
-Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
     const Samples during = SamplesIn(point.samples, event);
     Evidence evidence;
     evidence.baselineCount = baseline.size();
     evidence.eventCount = during.size();
-    TellWhatIsMissing(point, evidence);
     if (baseline.size() < FEWEST_BASELINE || during.empty()) {
         return evidence;
     }
@@ -156,12 +151,18 @@ Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event
     evidence.baselineDelay = usual.median;
     evidence.eventDelay = MeanOf(DelaysOf(during));
     if (!point.isObservation) {
-        JudgeLoad(point, baseline, during, evidence);
+        evidence.eventRequests = MeanOf(RequestsOf(during));
+        evidence.excess = (*evidence.eventDelay - *evidence.baselineDelay) * *evidence.eventRequests;
     }
-    JudgeDelays(point, usual, during, evidence);
-    if (!point.isObservation) {
-        const bool surged = UsualOf(RequestsOf(baseline)).Deviations(*evidence.eventRequests) > HIGH;
-        evidence.nature = NatureOf(evidence, surged);
+    JudgeDelays(usual, during, evidence);
+    return evidence;
+}
+
+Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+    Evidence evidence = BriefEvidenceOf(point, baseline, event);
+    TellWhatIsMissing(point, evidence);
+    if (evidence.excess) {
+        JudgeLoad(point, baseline, evidence);
     }
     return evidence;
 }

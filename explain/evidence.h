@@ -37,7 +37,11 @@ struct Evidence {
     std::vector<std::string> reasons;  // in words, for the operator
 };
 
-// The evidence of a point for an event, with `baseline` (a part of the point's samples) as what is usual.
+// What the budget needs of the evidence: the counts, delays, `eventRequests`, `excess`, `deviations`, `onset`
+// and whether the point takes part. `baseline` (a part of the point's samples) is what is usual.
+Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
+
+// All of it. Takes several times as long.
 Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
 
 }  // namespace explain

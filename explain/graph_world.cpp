@@ -126,6 +126,16 @@ void Load(const std::string& name, PointData& point, const Range& range,
     std::stable_sort(point.samples.begin(), point.samples.end(), before);
 }
 
+FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
+    constexpr double MOST = 9223372036854774784.0;  // the largest below 2^63
+    FaultSeries series;
+    series.reserve(samples.size());
+    for (const Sample& sample : samples) {
+        series.push_back({sample.time, static_cast<int64_t>(std::clamp(sample.*column, -MOST, MOST))});
+    }
+    return series;
+}
+
 }  // namespace
 
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range) {
@@ -145,12 +155,11 @@ GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, co
 }
 
 FaultSeries DelaySeries(const Samples& samples) {
-    FaultSeries series;
-    series.reserve(samples.size());
-    for (const Sample& sample : samples) {
-        series.push_back({sample.time, static_cast<int64_t>(sample.delay)});
-    }
-    return series;
+    return SeriesOf(samples, &Sample::delay);
+}
+
+FaultSeries RequestSeries(const Samples& samples) {
+    return SeriesOf(samples, &Sample::requests);
 }
 
 }  // namespace explain

@@ -53,7 +53,8 @@ class NoData : public std::runtime_error {
 // configuration or cell that is no number, Json::LogicError for a value of the wrong type.
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range);
 
-// The delays as the plug-in's statistics take them.
+// The columns as the plug-in's statistics take them. What no integer can hold becomes the nearest that can.
 FaultSeries DelaySeries(const Samples& samples);
+FaultSeries RequestSeries(const Samples& samples);
 
 }  // namespace explain

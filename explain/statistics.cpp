@@ -12,7 +12,6 @@ namespace {
 constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
 constexpr double DEVIATION_SHARE = 0.3;      // an event must not hide in the deviation that it makes itself
 constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
-constexpr size_t FEWEST_COMMON = 3;
 
 double DeviationOf(const std::vector<double>& values) {
     const double mean = MeanOf(values);
@@ -66,7 +65,7 @@ Common CorrelationOf(const FaultSeries& a, const FaultSeries& b) {
         other = std::find_if(other, b.end(), [&](const FaultSeriesRow& one) { return one[0] >= row[0]; });
         if (other != b.end() && (*other)[0] == row[0]) {
             commonA.push_back(row);
-            commonB.push_back(*other);
+            commonB.push_back(*other++);
         }
     }
     Common common;

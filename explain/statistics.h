@@ -28,10 +28,13 @@ double MedianOf(std::vector<double>& values);
 
 double MeanOf(const std::vector<double>& values);
 
-// Two series over the times that both have.
+// The fewest times that make a correlation.
+constexpr size_t FEWEST_COMMON = 3;
+
+// Two series over the times that both have; a time that both have twice counts twice.
 struct Common {
     size_t count = 0;
-    std::optional<double> correlation;  // none for fewer than three times, or a constant series
+    std::optional<double> correlation;  // none for too few times, or a constant series
 };
 Common CorrelationOf(const FaultSeries& a, const FaultSeries& b);
 
