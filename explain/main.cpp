@@ -1,5 +1,6 @@
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -13,13 +14,13 @@
 #include "explain/options.h"
 #include "explain/report.h"
 #include "explain/stamp.h"
-#include "fault_algorithm/fault_anomalydetect.h"
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
 #include "fault_common/fault_path.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_database/fault_database.h"
 #include "fault_debug/fault_debug_command.h"
+#include "fault_spectrum_graph/fault_detect_object.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 #include "host/services/files.h"
 #include "host/services/log.h"
@@ -28,6 +29,8 @@
 
 namespace explain {
 namespace {
+
+constexpr int64_t RANGE_SECONDS_MAX = 172800;  // two days, as for the plug-in's own commands
 
 // The command line asks for what cannot be.
 class UsageError : public std::runtime_error {
@@ -56,10 +59,14 @@ void SetUpServices(const Options& options) {
     ConfigureLog(options.log, VPLOG_LEVEL_WARNING);
 }
 
+// The conversion itself takes the 40th of a month, and letters after the first digits.
 int64_t SecondsOf(const std::string& date) {
     std::string seconds;
-    if (TransDateToTime(date, seconds) != 0) {
-        throw UsageError("'" + date + "' is no time: it has to have 14 digits, such as 20230105103000");
+    std::string again;
+    if (date.find_first_not_of("0123456789") != std::string::npos || TransDateToTime(date, seconds) != 0 ||
+        TransUtcTimeToLocalTime(seconds, again) != 0 || again != date) {
+        throw UsageError("'" + Printable(date, 40) +
+                         "' is no time: it has to have 14 digits, such as 20230105103000");
     }
     return FaultToInt64(seconds);
 }
@@ -72,10 +79,13 @@ Range RangeOf(std::vector<std::string> times) {
     Range range;
     if (ParseTimeArgs(static_cast<int32_t>(arguments.size()), arguments.data(), 0, range.startDate,
                       range.endDate) != 0) {
-        throw UsageError("'" + times.front() + "' is no length of time in minutes");
+        throw UsageError("'" + Printable(times.front(), 40) + "' is no length of time in minutes");
     }
     range.startTime = SecondsOf(range.startDate);
     range.endTime = SecondsOf(range.endDate);
+    if (range.startTime >= range.endTime || range.endTime - range.startTime > RANGE_SECONDS_MAX) {
+        throw UsageError("the end has to be after the start, at most two days");
+    }
     return range;
 }
 
@@ -90,44 +100,74 @@ void OpenInput() {
     }
 }
 
+// The points that the detector flags.
+std::vector<std::string> FlaggedPoints(const Range& range) {
+    FaultDetectObject detector;
+    detector.InitObject();
+    detector.GetData(range.startDate, range.endDate);
+    const bool hasRows = std::any_of(detector.data.begin(), detector.data.end(),
+                                     [](auto& point) { return !point.second["avgdelay"].empty(); });
+    if (!hasRows) {
+        throw NoData("there are no rows of the detector's points in the range");
+    }
+    std::vector<std::string> points;
+    for (const AnomalyDetectResult& result : detector.DoDetect(range.startDate, range.endDate)) {
+        points.push_back(result.lumoLocName);
+    }
+    return points;
+}
+
 // The points to explain, each with a graph.
 std::vector<std::pair<std::string, std::string>> Subjects(const Options& options, const Range& range) {
-    std::vector<std::string> points;
-    if (options.point) {
-        points.push_back(*options.point);
-    } else {
-        for (const AnomalyDetectResult& result : anomalyDetect(range.startDate, range.endDate)) {
-            points.push_back(result.lumoLocName);
-        }
-    }
     std::vector<std::pair<std::string, std::string>> subjects;
-    for (const std::string& point : points) {
+    for (const std::string& point :
+         options.point ? std::vector<std::string>{*options.point} : FlaggedPoints(range)) {
         if (options.graph) {
             subjects.emplace_back(point, *options.graph);
             continue;
         }
         const auto graphs = g_mapPointSubPoints.equal_range(point);
         if (graphs.first == graphs.second) {
-            throw UsageError("no graph is known for " + point + ": name one with --graph");
+            throw UsageError("no graph is known for " + Printable(point, 80) + ": name one with --graph");
         }
         subjects.insert(subjects.end(), graphs.first, graphs.second);
     }
     return subjects;
 }
 
+// Explains all of them. One that has no data leaves the others their answers; throws NoData when all are
+// such.
+std::vector<Analysis> AnalyseAll(const std::vector<std::pair<std::string, std::string>>& subjects,
+                                 const Range& range, const std::optional<int64_t>& at) {
+    std::vector<Analysis> analyses;
+    size_t failures = 0;
+    for (const auto& [point, graph] : subjects) {
+        try {
+            analyses.push_back(Analyse(point, graph, range, at));
+        } catch (const NoData& error) {
+            if (++failures == subjects.size()) {
+                throw;
+            }
+            analyses.emplace_back();
+            analyses.back().point = point;
+            analyses.back().graph = graph;
+            analyses.back().reason = error.what();
+        }
+    }
+    return analyses;
+}
+
 Report MakeReport(const Options& options, const std::vector<std::string>& arguments) {
     Report report;
     report.range = RangeOf(options.times);
+    const std::optional<int64_t> at =
+        options.at ? std::optional<int64_t>(SecondsOf(*options.at)) : std::nullopt;
     report.stamp = MakeStamp(arguments);
     OpenInput();
     std::string offset;
     GetTimeZoneOffset(offset);
     report.zoneOffset = FaultToInt64(offset);
-    const std::optional<int64_t> at =
-        options.at ? std::optional<int64_t>(SecondsOf(*options.at)) : std::nullopt;
-    for (const auto& [point, graph] : Subjects(options, report.range)) {
-        report.analyses.push_back(Analyse(point, graph, report.range, at));
-    }
+    report.analyses = AnalyseAll(Subjects(options, report.range), report.range, at);
     report.flags = CountFlags(report.analyses);
     return report;
 }

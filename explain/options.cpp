@@ -25,6 +25,15 @@ Examples:
   zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at 20230105113000 START END
 )";
 
+// Of a zone such as +0800. The system would take one that is out of range for UTC.
+std::string CheckedZone(const std::string& zone) {
+    const bool complete = zone.size() == 5 && (zone[0] == '+' || zone[0] == '-') &&
+                          zone.find_first_not_of("0123456789", 1) == std::string::npos;
+    return complete && zone.substr(1, 2) <= "14" && zone[3] <= '5'
+               ? std::string()
+               : "a zone has a sign and four digits, such as +0800";
+}
+
 class HelpFormatter : public CLI::Formatter {
 public:
     std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
@@ -40,11 +49,7 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("DIR");
     app.add_option("--zone", options.zone, "Zone of all local times, such as +0800; default: this machine's")
         ->type_name("Z")
-        ->check([](const std::string& zone) {
-            const bool valid = zone.size() == 5 && (zone[0] == '+' || zone[0] == '-') &&
-                               zone.find_first_not_of("0123456789", 1) == std::string::npos;
-            return valid ? std::string() : "a zone has a sign and four digits, such as +0800";
-        });
+        ->check(CheckedZone);
     CLI::Option* point = app.add_option("--point", options.point, "The point to explain")->type_name("NAME");
     app.add_option("--graph", options.graph, "The graph to explain it in; default: all that the plug-in uses")
         ->type_name("NAME")
