@@ -128,9 +128,9 @@ void Compare(const FaultSeries& parent, const FaultSeries& own, NodeFinding& fin
     finding.commonIntervals = common.count;
     finding.correlation = common.correlation;
     if (common.count < FEWEST_COMMON && !parent.empty() && !own.empty()) {
-        finding.evidence.reasons.push_back("has " + std::to_string(common.count) +
-                                           " intervals in common with the point above, " +
-                                           std::to_string(FEWEST_COMMON) + " are needed");
+        finding.evidence.reasons.push_back(
+            "too few intervals in common with the point above: " + std::to_string(common.count) + " of " +
+            std::to_string(FEWEST_COMMON));
     }
 }
 
@@ -228,8 +228,8 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
     }
     const Samples baseline = BaselineOf(samples, *analysis.event);
     if (baseline.size() < FEWEST_BASELINE) {
-        analysis.reason = "there are only " + std::to_string(baseline.size()) +
-                          " samples before the event, " + std::to_string(FEWEST_BASELINE) + " are needed";
+        analysis.reason = "too few samples before the event: " + std::to_string(baseline.size()) + " of " +
+                          std::to_string(FEWEST_BASELINE);
         return analysis;
     }
     Explain(baseline, analysis);

@@ -162,6 +162,9 @@ Report MakeReport(const Options& options, const std::vector<std::string>& argume
     report.range = RangeOf(options.times);
     const std::optional<int64_t> at =
         options.at ? std::optional<int64_t>(SecondsOf(*options.at)) : std::nullopt;
+    if (at && (*at < report.range.startTime || *at > report.range.endTime)) {
+        throw UsageError("the time of --at is not within the range");
+    }
     report.stamp = MakeStamp(arguments);
     OpenInput();
     std::string offset;

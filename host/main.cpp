@@ -50,7 +50,14 @@ void SetUpServices(const Options& options) {
 }
 
 ExitStatus RunCommands(const Options& options) {
-    Console console;
+    Words shared;
+    if (options.root.has_value()) {
+        shared = {"--root", GetHostSettings().root};
+    }
+    if (!options.logFile.empty()) {
+        shared.insert(shared.end(), {"--log", options.logFile});
+    }
+    Console console(shared);
     if (!options.command.empty()) {
         return console.Run(options.command, "");
     }

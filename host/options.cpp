@@ -17,12 +17,14 @@ COMMAND is run with its ARGS, which may begin with '-'. Without a command there 
 otherwise command lines are read from standard input.
 
 Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
-3 the plug-in could not be loaded, or the root or the log is not there.
+3 the plug-in could not be loaded, or the root or the log is not there. "explain" as COMMAND hands the exit
+status of zorv-explain on.
 
 Examples:
   zorv-local --root /tmp/world                     a console over the files below /tmp/world
   zorv-local --root /tmp/world help                lists the commands
   zorv-local --root /tmp/world delaydetect 60      looks for delay faults in the last hour
+  zorv-local --root /tmp/world explain 60          tells where the extra delay of slow points went
   zorv-local --root /tmp/world switch set off      turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
 )";

@@ -1,4 +1,5 @@
-// How a command, and the whole program, can end. The worst is the largest.
+// How a command, and the whole program, can end. The worst is the largest. A command that runs another
+// program may end with any status of that one.
 #pragma once
 
 enum ExitStatus : int {

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "cli/nearest_name.h"
+#include "host/console/explain_command.h"
 #include "host/console/switch_command.h"
 #include "host/services/console.h"
 #include "host/services/log.h"
@@ -16,9 +17,12 @@ struct HostCommand {
     const char* help;
 };
 
-constexpr std::array<HostCommand, 3> HOST_COMMANDS = {
+constexpr const char* EXPLAIN = "explain";
+
+constexpr std::array<HostCommand, 4> HOST_COMMANDS = {
     {{"help", "help [COMMAND]: list the commands, or explain one."},
      {"switch", "switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch."},
+     {EXPLAIN, "explain START END | MINUTES: where the extra delay of slow points goes; --help tells more."},
      {"quit", "quit: leave; so does Ctrl-D."}}};
 
 void Report(const std::string& place, const std::string& text) {
@@ -136,7 +140,8 @@ void RunRegistered(const Words& words) {
 ExitStatus Console::RunLine(std::string_view line, const std::string& place) {
     try {
         const Words words = SplitLine(line);
-        return words.empty() ? STATUS_OK : Run(words, place);
+        const ExitStatus status = words.empty() ? STATUS_OK : Run(words, place);
+        return status != STATUS_OK && words.front() == EXPLAIN ? STATUS_FAILED : status;
     } catch (const UsageError& error) {
         Report(place, error.what());
         return STATUS_USAGE;
@@ -147,8 +152,8 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
     ExitStatus status = STATUS_OK;
     try {
         TakeErrorLine();
-        Dispatch(words);
-        status = TakeErrorLine() ? STATUS_FAILED : STATUS_OK;
+        status = Dispatch(words);
+        status = TakeErrorLine() ? STATUS_FAILED : status;
     } catch (const UsageError& error) {
         Report(place, error.what());
         status = STATUS_USAGE;
@@ -167,7 +172,10 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
     return status;
 }
 
-void Console::Dispatch(const Words& words) {
+ExitStatus Console::Dispatch(const Words& words) {
+    if (words.front() == EXPLAIN) {
+        return static_cast<ExitStatus>(RunExplainCommand(words, sharedOptions));
+    }
     if (words.front() == "help") {
         RunHelp(words);
     } else if (words.front() == "switch") {
@@ -177,6 +185,7 @@ void Console::Dispatch(const Words& words) {
     } else {
         RunRegistered(words);
     }
+    return STATUS_OK;
 }
 
 void Console::Quit(const Words& words) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "host/console/command_line.h"
 #include "host/status.h"
@@ -9,11 +10,16 @@
 // Belongs to one thread, the console's.
 class Console {
 public:
+    // The options of this program that those which it runs take over.
+    explicit Console(Words optionsToShare) : sharedOptions(std::move(optionsToShare)) {}
+
     // Runs one command line, or does nothing when it has no words. Results go to stdout; what is wrong with
-    // the line, to stderr, with `place` (such as "line 3: ") before it.
+    // the line, to stderr, with `place` (such as "line 3: ") before it. The command failed when a program
+    // that it runs ends with any other status than 0.
     ExitStatus RunLine(std::string_view line, const std::string& place);
 
-    // The same for a line that is cut into words already; there is at least one.
+    // The same for a line that is cut into words already; there is at least one. The status of a program
+    // that the command runs is returned as it is.
     ExitStatus Run(const Words& words, const std::string& place);
 
     // The words that can follow `words`, which may be empty.
@@ -23,8 +29,9 @@ public:
     bool IsLeaving() const { return leaving; }
 
 private:
-    void Dispatch(const Words& words);
+    ExitStatus Dispatch(const Words& words);
     void Quit(const Words& words);
 
+    const Words sharedOptions;
     bool leaving = false;
 };

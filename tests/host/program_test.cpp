@@ -26,12 +26,13 @@ protected:
     // Runs the host in the temporary root with `input` and these words of the shell's.
     Outcome Run(const std::string& words, const std::string& input = "") {
         root.Write("/in", input);
-        const std::string command = "cd " + root.Path() + " && exec " HOST_PROGRAM " <in >out 2>err " + words;
+        const std::string command = "cd " + root.Path() + " && exec " + program + " <in >out 2>err " + words;
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, root.Read("/out"), root.Read("/err")};
     }
 
     const TempRoot root;
+    std::string program = HOST_PROGRAM;
 };
 
 TEST_F(ProgramTest, ExitStatuses) {
@@ -84,6 +85,7 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "probe\n  echo [WORD...]: show the words;\n  print: a line of text\n  throw\n  probe\n"
          "console\n  help [COMMAND]: list the commands, or explain one.\n"
          "  switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch.\n"
+         "  explain START END | MINUTES: where the extra delay of slow points goes; --help tells more.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},
@@ -146,13 +148,14 @@ TEST_F(ProgramTest, LeavesWhenNobodyCanRead) {
 }
 
 // Starts the host's console on a pseudo-terminal, whose other end is `fd`; ended if it takes too long.
-pid_t StartConsole(const TempRoot& root, int* fd) {
+pid_t StartConsole(const std::string& program, const TempRoot& root, int* fd) {
     const pid_t child = forkpty(fd, nullptr, nullptr, nullptr);
     if (child == 0) {
         setenv("TERM", "xterm", 1);
         setenv("HOME", "/nonexistent", 1);
         alarm(30);
-        execl(HOST_PROGRAM, HOST_PROGRAM, "--plugin", PROBE_PLUGIN, "--root", root.Path().c_str(), nullptr);
+        execl(program.c_str(), program.c_str(), "--plugin", PROBE_PLUGIN, "--root", root.Path().c_str(),
+              nullptr);
         _exit(127);
     }
     return child;
@@ -181,7 +184,7 @@ TEST_F(ProgramTest, TerminalEditsRemembersAndCompletes) {
         {"zorv> ", "\x04"},
     };
     int fd = -1;
-    const pid_t child = StartConsole(root, &fd);
+    const pid_t child = StartConsole(program, root, &fd);
     std::string screen;
     size_t seen = 0;
     for (const auto& [awaited, keys] : steps) {
@@ -197,6 +200,45 @@ TEST_F(ProgramTest, TerminalEditsRemembersAndCompletes) {
     int status = -1;
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
+    close(fd);
+}
+
+TEST_F(ProgramTest, ExplainRunsTheProgramBesideThisOne) {
+    const auto folder = std::filesystem::absolute("beside");  // programs may not run where the root is
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    std::filesystem::copy(HOST_PROGRAM, folder / "zorv-local");
+    program = folder / "zorv-local";
+    EXPECT_EQ(Run(PROBE + "explain 1").err,
+              "zorv-local: cannot run zorv-explain: No such file or directory\n");
+    std::ofstream(folder / "zorv-explain")
+        << "#!/bin/sh\ncat\nprintf '[%s]' \"$@\"\nfor last; do :; done\neval \"$last\"\n";
+    std::filesystem::permissions(folder / "zorv-explain", std::filesystem::perms::owner_all);
+    const std::string rooted = "[--root][" + root.Path() + "]";
+
+    const Outcome single = Run(PROBE + "--log log explain -x 'a b' '' 'exit 4'");
+    EXPECT_EQ(single.status, 4);
+    EXPECT_EQ(single.out, rooted + "[--log][log][-x][a b][][exit 4]");
+    const Outcome piped = Run(PROBE, "echo a\nexplain 'exit 4'\necho b\nexplain 'kill -9 $$'\n");
+    EXPECT_EQ(piped.status, 1);
+    EXPECT_EQ(piped.out, SAID + "[a]\n" + rooted + "[exit 4]" + SAID + "[b]\n" + rooted + "[kill -9 $$]");
+    EXPECT_EQ(piped.err, "zorv-local: line 4: zorv-explain was ended by signal 9\n");
+
+    int fd = -1;
+    const pid_t child = StartConsole(program, root, &fd);
+    std::string screen;
+    for (const auto& [awaited, keys] :
+         {std::pair<std::string, std::string>("zorv> ", "explain 'exec sleep 99'\r"),
+          {"[exec sleep 99]", "\x03"}}) {
+        while (screen.find(awaited) == std::string::npos && ReadMore(fd, screen)) {
+        }
+        EXPECT_GT(write(fd, keys.data(), keys.size()), 0);
+    }
+    while (ReadMore(fd, screen)) {  // until nobody has the terminal any more
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WTERMSIG(status), SIGINT);
     close(fd);
 }
 }  // namespace

@@ -30,9 +30,11 @@ ARROWS = {
                              "fault_switch"},
     "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
     "cli": set(),
-    "host": {"cli"},
+    "host/services": set(),
+    "host": {"cli", "host/services"},
     "simulator": {"cli"},
 }
+ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {"host/services"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 
@@ -48,7 +50,7 @@ def sources(*suffixes):
 def unit_of(path):
     parts = path.relative_to(root).parts
     if parts[0] != "libsmartdiagnose":
-        return parts[0]
+        return "host/services" if parts[:2] == ("host", "services") else parts[0]
     named = [unit for unit in SHARED_FOLDERS.get(parts[1], []) if path.stem.startswith(unit)]
     return named[0] if named else parts[1]
 
