@@ -228,8 +228,8 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
     }
     const Samples baseline = BaselineOf(samples, *analysis.event);
     if (baseline.size() < FEWEST_BASELINE) {
-        analysis.reason = "too few samples before the event: " + std::to_string(baseline.size()) + " of " +
-                          std::to_string(FEWEST_BASELINE);
+        analysis.reason = "there are only " + std::to_string(baseline.size()) +
+                          " samples before the event, " + std::to_string(FEWEST_BASELINE) + " are needed";
         return analysis;
     }
     Explain(baseline, analysis);

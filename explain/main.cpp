@@ -25,7 +25,6 @@
 #include "host/services/files.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
-#include "host/services/text.h"
 
 namespace explain {
 namespace {
@@ -65,8 +64,7 @@ int64_t SecondsOf(const std::string& date) {
     std::string again;
     if (date.find_first_not_of("0123456789") != std::string::npos || TransDateToTime(date, seconds) != 0 ||
         TransUtcTimeToLocalTime(seconds, again) != 0 || again != date) {
-        throw UsageError("'" + Printable(date, 40) +
-                         "' is no time: it has to have 14 digits, such as 20230105103000");
+        throw UsageError("'" + date + "' is no time: it has to have 14 digits, such as 20230105103000");
     }
     return FaultToInt64(seconds);
 }
@@ -79,7 +77,7 @@ Range RangeOf(std::vector<std::string> times) {
     Range range;
     if (ParseTimeArgs(static_cast<int32_t>(arguments.size()), arguments.data(), 0, range.startDate,
                       range.endDate) != 0) {
-        throw UsageError("'" + Printable(times.front(), 40) + "' is no length of time in minutes");
+        throw UsageError("'" + times.front() + "' is no length of time in minutes");
     }
     range.startTime = SecondsOf(range.startDate);
     range.endTime = SecondsOf(range.endDate);
@@ -128,7 +126,7 @@ std::vector<std::pair<std::string, std::string>> Subjects(const Options& options
         }
         const auto graphs = g_mapPointSubPoints.equal_range(point);
         if (graphs.first == graphs.second) {
-            throw UsageError("no graph is known for " + Printable(point, 80) + ": name one with --graph");
+            throw UsageError("no graph is known for " + point + ": name one with --graph");
         }
         subjects.insert(subjects.end(), graphs.first, graphs.second);
     }

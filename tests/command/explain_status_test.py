@@ -13,12 +13,11 @@ class ExplainStatus(ConsoleTest):
         times = [truth["start"], truth["end"]]
         point = ["--point", "TGT_LUMO_HOST_READ"]
         quiet, first = compact(truth["start_epoch"] + 3600), compact(truth["start_epoch"] + 60)
-        for arguments, status in ((times, 0), ([*point, *times], 0), ([*point, "--at", quiet, *times], 1),
-                                  ([truth["start"], quiet], 1), (times[::-1], 2), (["20230132000000", times[1]], 2),
-                                  (["20221231000000", times[1]], 2), (["0"], 2), (["--zone", "+2500", *times], 2),
-                                  ([*point, "--at", "20230105000000", *times], 2), (["--point", "NONE", *times], 2),
-                                  ([*point, "--graph", "NONE", *times], 3), (["20230101000000", "20230102000000"], 3),
-                                  ([*point, "--at", first, *times], 4)):
+        for arguments, status in ((times, 0), ([*point, "--at", quiet, *times], 1), ([truth["start"], quiet], 1),
+                                  (times[::-1], 2), (["20230132000000", times[1]], 2), (["0"], 2),
+                                  (["20221231000000", times[1]], 2), (["--zone", "+2500", *times], 2),
+                                  ([*point, "--at", "20230105000000", *times], 2),
+                                  (["20230101000000", "20230102000000"], 3), ([*point, "--at", first, *times], 4)):
             with self.subTest(arguments=arguments):
                 alone = subprocess.run([BIN / "zorv-explain", "--root", self.root, *arguments], capture_output=True)
                 self.assertEqual(alone.returncode, status, alone.stderr)
