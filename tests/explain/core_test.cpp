@@ -16,16 +16,17 @@ constexpr int64_t STEP = 30;
 
 // Delay and requests of an interval.
 const std::map<char, std::pair<double, double>> LETTERS = {
-    {'.', {100, 10}},   {'0', {0, 10}},    {'5', {110, 10}}, {'6', {111, 10}},
-    {'h', {990, 10}},   {'H', {1000, 10}}, {'l', {10, 10}},  {'s', {100, 100}},
-    {'S', {1000, 100}}, {'z', {1000, 0}},  {'n', {10, -10}}};
+    {'.', {100, 10}},  {'0', {0, 10}},   {'5', {110, 10}},  {'6', {111, 10}},   {'h', {990, 10}},
+    {'H', {1000, 10}}, {'l', {10, 10}},  {'s', {100, 100}}, {'S', {1000, 100}}, {'z', {1000, 0}},
+    {'n', {10, -10}},  {'u', {100, 20}}, {'U', {1000, 40}}};
 
 struct Series {
     Samples samples;
     Event event;  // from '|' to the end
 };
 
-// '=' are twenty usual intervals, '_' is one without a row, '~' moves what follows by two seconds.
+// '=' are twenty usual intervals, '_' is one without a row; what follows '~' is two seconds later, and what
+// follows '<' an interval earlier.
 Series Written(const std::string& letters) {
     Series series;
     for (const char letter : letters) {
@@ -35,7 +36,7 @@ Series Written(const std::string& letters) {
             series.event.end += STEP;
         }
         series.event.start = letter == '|' ? series.event.end : series.event.start;
-        series.event.end += letter == '~' ? 2 : letter == '_' ? STEP : 0;
+        series.event.end += letter == '~' ? 2 : letter == '_' ? STEP : letter == '<' ? -STEP : 0;
     }
     return series;
 }
@@ -119,7 +120,7 @@ std::string Text(const Evidence& evidence) {
                        number(evidence.onset, STEP) + number(evidence.deviations, 1) +
                        number(evidence.excess, 1);
     for (const std::string& reason : evidence.reasons) {
-        text += "; " + reason;
+        text += "; " + reason.substr(0, 16);
     }
     return text;
 }
@@ -134,26 +135,25 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=|H.", "-usual 20 450 4500 "},
         {"=|H", "+device 20 450 9000 "},
         {"=|66", "+unknown 20 5 110 "},
-        {"=|ll", "-usual 20 -45 -900 "},
+        {"=|5l", "-usual 21 -45 -400 "},
         {"=|nn", "-usual 20 -45 900 "},
         {"=|zz", "-usual 20 450 0 "},
         {"=|SS", "+load 20 450 90000 "},
-        {"=sss|SS", "+device 23 450 90000 "},
-        {"=SSS|SS", "+load 23 9 90000 "},
+        {"=H|SSS", "+load 21 15 90000 "},
         {"=HHHH|SS", "+device 24 8 90000 "},
-        {"=|HH", "-unknown 20 450 none ; an observation point: without request counts it takes no part",
-         true},
-        {"=|..",
-         "-usual none 0 0 ; constant over the range; the clock jumped: rows were put in the order of their "
-         "times",
-         false, true},
-        {"....|HH",
-         "-unknown none none none ; only 6 samples: three-sigma needs 11 to fire; only 4 samples before the "
-         "event"},
-        {".....|HH", "+device 5 450 9000 ; only 7 samples: three-sigma needs 11 to fire"},
-        {"=|__", "-unknown none none none ; no rows during the event; constant over the range"},
-        {"__|_", "-unknown none none none ; no rows in the range"},
-        {".._....~.....~__.........|HH", "+device 23 450 9000 ; 3 intervals without a row"},
+        {"=SSS|SS", "+load 23 9 90000 "},
+        {"=sss|SSSSSS", "+device 23 450 90000 "},
+        {".u.u.u.u.u.u.u.u.u.u|UU", "+device 20 450 36000 "},
+        {"=|HH", "-unknown 20 450 none ; an observation p", true},
+        {"=|..", "-usual none 0 0 ; constant over th; the clock jumped", false, true},
+        {"|H", "-unknown none none none ; only 1 sample: t; only 0 samples b"},
+        {"....|HH", "-unknown none none none ; only 6 samples: ; only 4 samples b"},
+        {".....|HH", "+device 5 450 9000 ; only 7 samples: "},
+        {".........|HH", "+device 9 450 9000 "},
+        {"=|__", "-unknown none none none ; no rows during t; constant over th"},
+        {"__|_", "-unknown none none none ; no rows in the r"},
+        {".._....~.....~__.........|HH", "+device 23 450 9000 ; 3 intervals with"},
+        {".....<.<.<.<.<.<.<.<.|HH", "+device 5 450 9000 "},
     };
     for (const auto& row : cases) {
         const auto [samples, event] = Written(row.letters);
