@@ -14,7 +14,7 @@ class ExplainStatus(ConsoleTest):
         point = ["--point", "TGT_LUMO_HOST_READ"]
         quiet, first = compact(truth["start_epoch"] + 3600), compact(truth["start_epoch"] + 60)
         for arguments, status in ((times, 0), ([*point, "--at", quiet, *times], 1), ([truth["start"], quiet], 1),
-                                  (times[::-1], 2), (["20230132000000", times[1]], 2), (["0"], 2),
+                                  (times[::-1], 2), (["20230105096000", times[1]], 2), (["0"], 2),
                                   (["20221231000000", times[1]], 2), (["--zone", "+2500", *times], 2),
                                   ([*point, "--at", "20230105000000", *times], 2),
                                   (["20230101000000", "20230102000000"], 3), ([*point, "--at", first, *times], 4)):

@@ -153,7 +153,7 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=|__", "-unknown none none none ; no rows during t; constant over th"},
         {"__|_", "-unknown none none none ; no rows in the r"},
         {".._....~.....~__.........|HH", "+device 23 450 9000 ; 3 intervals with"},
-        {".....<.<.<.<.<.<.<.<.|HH", "+device 5 450 9000 "},
+        {".....<.<.<.<.<.<.|HH", "+device 5 450 9000 "},
     };
     for (const auto& row : cases) {
         const auto [samples, event] = Written(row.letters);
