@@ -25,6 +25,7 @@
 #include "host/services/files.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
+#include "host/services/text.h"
 
 namespace explain {
 namespace {
