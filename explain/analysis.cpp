@@ -53,7 +53,8 @@ std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, c
 }
 
 // Each node's own share; empty when the point at the top takes no part.
-std::vector<double> SharesOf(const GraphWorld& world, const std::vector<Evidence>& evidence) {
+std::vector<double> SharesOf(const GraphWorld& world, const std::vector<Evidence>& evidence,
+                             Flows* flows = nullptr) {
     if (!evidence.front().takesPart) {
         return {};
     }
@@ -61,7 +62,7 @@ std::vector<double> SharesOf(const GraphWorld& world, const std::vector<Evidence
     for (size_t i = 0; i < world.nodes.size(); ++i) {
         nodes.push_back({world.nodes[i].children, evidence[i].takesPart, evidence[i].excess.value_or(0.0)});
     }
-    return DivideBudget(nodes, world.handOvers, 0);
+    return DivideBudget(nodes, world.handOvers, 0, flows);
 }
 
 std::vector<Candidate> RankOf(const GraphWorld& world, const std::vector<double>& shares) {
@@ -184,7 +185,7 @@ void Explain(const Samples& baseline, Analysis& analysis) {
     const Event& event = *analysis.event;
     const Part all{"", baseline.front().time, event.start};
     std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all, EvidenceOf);
-    const std::vector<double> shares = SharesOf(analysis.world, evidence);
+    const std::vector<double> shares = SharesOf(analysis.world, evidence, &analysis.flows);
     analysis.findings = FindingsOf(analysis.world, std::move(evidence), shares);
     analysis.candidates = RankOf(analysis.world, shares);
     analysis.walk = WalkedPoint(analysis);

@@ -53,6 +53,7 @@ struct Analysis {
     std::optional<Event> event;  // the one that is explained
     GraphWorld world;  // the data, and the nodes in the order of their distance from the point; or empty
     std::vector<NodeFinding> findings;  // by node
+    Flows flows;                        // between nodes, by position
     std::vector<Candidate> candidates;  // by share, the largest first
     std::vector<Trial> trials;          // six, for an answer
     std::optional<std::string> walk;    // the point that the plug-in's own walk names; none: no result

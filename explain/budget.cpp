@@ -151,10 +151,11 @@ Division Divide(const std::vector<BudgetNode>& nodes, const Takers& takers, cons
 }  // namespace
 
 std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers,
-                                 size_t root) {
+                                 size_t root, Flows* flows) {
     const std::vector<Takers> takers = AllTakers(nodes, handOvers, root);
     const std::vector<size_t> circle = NumberCircles(takers, root);
     std::vector<double> own(nodes.size(), 0.0);
+    Flows divided;
     std::map<Arrival, double> arrivals{{{circle[root], root, {}}, 1.0}};
     for (size_t visits = 0; !arrivals.empty();) {
         auto [arrival, share] = *arrivals.begin();
@@ -166,9 +167,14 @@ std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const Han
         visited.insert(std::lower_bound(visited.begin(), visited.end(), node), node);
         for (const auto& [taker, part] : division.parts) {
             const bool stays = circle[taker] == circle[node];
-            arrivals[{circle[taker], taker, stays ? visited : std::vector<size_t>()}] += share * part;
+            const double flow = share * part;
+            arrivals[{circle[taker], taker, stays ? visited : std::vector<size_t>()}] += flow;
+            divided[{node, taker}] += flow;
             visits += stays ? visited.size() : 0;
         }
+    }
+    if (flows != nullptr) {
+        *flows = std::move(divided);
     }
     return own;
 }

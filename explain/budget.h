@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace explain {
@@ -17,14 +18,19 @@ struct BudgetNode {
 // A position whose whole share goes to another one: the root of the graph that continues below it.
 using HandOvers = std::map<size_t, size_t>;
 
+// The share that goes from one position to the next one below it that takes part, on all ways together.
+using Flows = std::map<std::pair<size_t, size_t>, double>;
+
 // Each node's own share of the extra delay of `root`: what reaches it on all ways and is not taken by what is
 // below it. A child takes its excess relative to its parent's, at most all; where the children together would
 // take more than all, each takes proportionally less. Children that take no part are looked through: those
 // below them stand in their place. No way enters a node twice. The shares are not negative and add up to 1.
+// `flows`, unless null, is replaced by how they got there: of a node, what flows in is its own share and what
+// flows out.
 //
 // `root` must take part. Linear where no way leads in a circle; else ways are told apart by what they have
 // visited, and when a million visits are remembered, what has not been divided stays where it is.
 std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers,
-                                 size_t root);
+                                 size_t root, Flows* flows = nullptr);
 
 }  // namespace explain
