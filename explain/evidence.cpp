@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 
+#include "explain/figures.h"
 #include "explain/statistics.h"
 #include "explain/words.h"
 

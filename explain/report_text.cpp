@@ -277,8 +277,4 @@ std::string TextReport(const Report& report) {
     return text;
 }
 
-std::string HtmlReport(const Report& report) {
-    return TextReport(report);
-}
-
 }  // namespace explain

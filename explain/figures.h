@@ -1,0 +1,39 @@
+// Numbers and times as a reader sees them. Any thread; nothing here fails.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace explain {
+
+// What stands where nothing is known.
+constexpr const char* UNKNOWN_FIGURE = "\u2013";
+
+// With that many digits behind the point; what is no finite number is unknown.
+std::string Figure(double value, int digits);
+std::string Figure(const std::optional<double>& value, int digits);
+
+// A share of 0 to 1 in percent, such as "96.6 %".
+std::string Percent(double share);
+
+// A delay, in microseconds as the statistics have it: in the unit that suits it, or that suits the largest of
+// several to compare.
+std::string DelayFigure(const std::optional<double>& microseconds);
+std::string DelayFigure(double microseconds, double largest);
+
+// "1 sample", "2 samples".
+std::string Counted(size_t count, const std::string& thing);
+
+// Local times, "2023-01-05 12:59:00" and "12:59:00"; `zoneOffset` is in seconds east of UTC.
+std::string LocalTime(int64_t utc, int64_t zoneOffset);
+std::string LocalClock(int64_t utc, int64_t zoneOffset);
+
+// "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
+// it is the same.
+std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
+
+// "UTC+08:00".
+std::string ZoneFigure(int64_t zoneOffset);
+
+}  // namespace explain
