@@ -112,11 +112,11 @@ std::vector<size_t> Selected(const Analysis& analysis, const std::vector<double>
     const auto rest = std::find_if(all.begin(), all.end(), [&](size_t node) { return into[node] <= 0.0; });
     all.erase(rest, all.end());
     if (all.size() > DRAWN_MOST) {
-        all[DRAWN_MOST - 1] = analysis.candidates.front().node;
+        const size_t answer = analysis.candidates.front().node;
         all.resize(DRAWN_MOST);
+        all.back() = std::find(all.begin(), all.end(), answer) == all.end() ? answer : all.back();
     }
     std::sort(all.begin(), all.end());
-    all.erase(std::unique(all.begin(), all.end()), all.end());
     return all;
 }
 

@@ -1,0 +1,60 @@
+"""The page of zorv-explain: harmless, the same again; and what its drawings show."""
+import json
+import re
+import sqlite3
+import subprocess
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+from console import BIN, CONFIG, DATABASE, ConsoleTest
+
+HOSTILE = '"><script>x</script><a onclick=x href="http://x">&amp;\x1b[31m\u202e\udcff\udced\udca0\udc80\u4e2d'  # not all is UTF-8
+SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\ufffd\ufffd\ufffd\ufffd\u4e2d'
+
+
+class Page(ConsoleTest):
+    def page(self):
+        run = [BIN / "zorv-explain", "--root", self.root, "--html", self.root / "p", "20230105063000", "20230105143000"]
+        text, = {(subprocess.check_output(run), (self.root / "p").read_text())[1] for _ in "12"}  # the same twice
+        self.assertNotRegex(text, r"[\0-\x09\x0b-\x1f\x7f-\x9f\u202e]|<script|(src|href)=\"[^#]|url\(|@import")
+        return ElementTree.fromstring(text.removeprefix("<!DOCTYPE html>"))
+
+    def check_flows(self, text, count, has_rest):
+        nodes = re.findall(r"^(.*), own ([\d.]+)\s% of ([\d.]+)\s%, graph ", text, re.M)
+        flows = re.findall(r"^([\d.]+)\s% flows from (.*) to (.*)$", text, re.M)
+        rest = re.findall(r"with ([\d.]+)\s% together", text)
+        self.assertEqual((len(nodes), len(rest)), (count, has_rest))
+        self.assertAlmostEqual(sum(map(float, [own for _, own, _ in nodes] + rest)), 100, delta=4)
+        for name in {node[0] for node in nodes if not rest}:
+            into, out = (sum(float(flow[0]) for flow in flows if flow[end] == name) for end in (2, 1))
+            own, arrives = (sum(float(node[part]) for node in nodes if node[0] == name) for part in (1, 2))
+            self.assertLess(abs(100 * (name == nodes[0][0]) + into - arrives) + abs(out + own - arrives), 0.7, name)
+
+    def test_page(self):
+        self.simulate("--scenario", "slow-disk", "--hours", "8", "--end", "20230105143000")
+        points = ["POOL_DOP_READ_TIME_IN_POOL", *(f"DISK_{number}" for number in range(99))]  # as slow as the disk
+        with sqlite3.connect(self.root / DATABASE) as data:
+            ids = dict(data.execute("select locatename, locateid from version_nmaps"))
+            names = [*enumerate(points, 5000), (ids[points[0]], "unused"), (ids["BDM_DISK_READ"], HOSTILE)]
+            data.executemany("replace into version_nmaps values(?, cast(? as text))",
+                             [(number, name.encode(errors="surrogateescape")) for number, name in names])
+            for table, in data.execute("select tablename from table_flag").fetchall():
+                data.execute(f"""insert into {table} select new.locateid, curtime, acceptnum / 9, 0, 0, 0, avgdelay,
+                    0, 0, 0, 0, 0, 0, 0 from {table} old, version_nmaps new where new.locateid >= 5000 and old.locateid = {ids["BDM_DISK_READ"]}""")
+                data.execute(f"update {table} set avgdelay = 6000 where curtime = 1672874430")
+        graphs = json.loads((self.root / CONFIG).read_text())
+        edges, nodes = graphs["SAN_IO_READ"].values()
+        next(node for node in nodes if node["label"] == "BDM_DISK_READ").update(label=HOSTILE, info={"suggestion": HOSTILE * 99})
+        for more, count in (([], 6), (points[1:], 60)):  # a sub-graph takes a part; more than can be drawn
+            nodes += [{"id": number, "label": point} for number, point in enumerate(more, 5000)]
+            edges += [{"source": "11", "target": str(number)} for number, _ in enumerate(more, 5000)]
+            (self.root / CONFIG).write_bytes(json.dumps(graphs, ensure_ascii=False).encode(errors="surrogateescape"))
+            page = self.page()
+            self.check_flows("\n".join(page.find(".//*[@class='graph']").itertext()), count, len(more) > 0)
+            self.assertIn(SHOWN, [cell.text for cell in page.iter("th")])
+            heights = re.findall(r",([\d.]+)", page.find(".//*[@class='series']").get("d"))
+            self.assertTrue(len(heights) <= 600 and "20.0" in heights, "a lone peak goes up to the end of the axis")
+
+
+if __name__ == "__main__":
+    unittest.main()
