@@ -34,7 +34,8 @@ std::string TextReport(const Report& report);
 // the same report gives the same bytes.
 std::string JsonReport(const Report& report);
 
-// One HTML page without scripts and without anything from a network.
+// One HTML page without scripts and without anything from a network, the same for the same report. Text that
+// comes from outside is escaped, and shown with its control characters as escapes.
 std::string HtmlReport(const Report& report);
 
 }  // namespace explain

@@ -18,7 +18,8 @@ constexpr double BAR_HEIGHT = 5.0;
 constexpr double LINE_HEIGHT = 15.0;
 constexpr double PADDING = 9.0;
 constexpr double WIDEST_FLOW = 12.0;
-constexpr size_t NAME_CELLS = 28;  // that fit a node
+constexpr double LEAST_TOLD = 0.0005;  // that does not read as 0.0 %
+constexpr size_t NAME_CELLS = 28;      // that fit a node
 
 double LeftOf(const PlacedNode& node) {
     return MARGIN + static_cast<double>(node.halfColumn) * HALF_COLUMN;
@@ -126,9 +127,9 @@ Markup LeftOutNote(const FlowPicture& picture, double height) {
     if (picture.leftOut == 0) {
         return {};
     }
-    const std::string share = picture.leftOutShare > 0.0
+    const std::string share = picture.leftOutShare >= LEAST_TOLD
                                   ? " with " + Percent(picture.leftOutShare) + " together"
-                                  : " without a part of the delay";
+                                  : " without a share of their own";
     return Element("text", {{"class", "rest"}, {"x", Figure(MARGIN, 1)}, {"y", Figure(height - MARGIN, 1)}},
                    Text("and " + Counted(picture.leftOut, "more point") + share));
 }

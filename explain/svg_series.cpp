@@ -131,17 +131,18 @@ private:
 
     Markup DelayAxis() const {
         Markup axis;
-        const double steps = std::round(most / delayStep);
-        for (double i = 0.0; i <= steps; i += 1.0) {
-            const double y = Y(i * delayStep);
-            axis += Element("path", {{"class", i > 0.0 ? "grid" : "axis"},
+        const long steps = std::lround(most / delayStep);
+        for (long i = 0; i <= steps; ++i) {
+            const double delay = static_cast<double>(i) * delayStep;
+            const double y = Y(delay);
+            axis += Element("path", {{"class", i > 0 ? "grid" : "axis"},
                                      {"d", "M" + At(LEFT, y) + " H" + Figure(RIGHT, 1)}});
             axis += Element("text",
                             {{"class", "label"},
                              {"x", Figure(LEFT - TICK, 1)},
                              {"y", Figure(y + HALF_LETTER, 1)},
                              {"text-anchor", "end"}},
-                            Text(DelayFigure(i * delayStep, most)));
+                            Text(DelayFigure(delay, most)));
         }
         return axis;
     }
