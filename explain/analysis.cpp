@@ -6,6 +6,7 @@
 
 #include "explain/budget.h"
 #include "explain/statistics.h"
+#include "explain/words.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_algorithm/fault_rootcause.h"
 #include "fault_common/fault_common.h"
@@ -229,8 +230,8 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
     }
     const Samples baseline = BaselineOf(samples, *analysis.event);
     if (baseline.size() < FEWEST_BASELINE) {
-        analysis.reason = "there are only " + std::to_string(baseline.size()) +
-                          " samples before the event, " + std::to_string(FEWEST_BASELINE) + " are needed";
+        analysis.reason = "only " + Counted(baseline.size(), "sample") + " before the event, " +
+                          std::to_string(FEWEST_BASELINE) + " are needed";
         return analysis;
     }
     Explain(baseline, analysis);

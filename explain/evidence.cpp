@@ -4,7 +4,6 @@
 #include <cmath>
 #include <functional>
 
-#include "explain/figures.h"
 #include "explain/statistics.h"
 #include "explain/words.h"
 

@@ -1,4 +1,5 @@
-// Numbers and times as a reader sees them. Any thread; nothing here fails.
+// Numbers and times as the page shows them: with signs that a terminal may not have. Any thread; nothing here
+// fails.
 #pragma once
 
 #include <cstdint>
@@ -15,25 +16,15 @@ std::string Figure(double value, int digits);
 std::string Figure(const std::optional<double>& value, int digits);
 
 // A share of 0 to 1 in percent, such as "96.6 %".
-std::string Percent(double share);
+std::string PercentFigure(double share);
 
 // A delay, in microseconds as the statistics have it: in the unit that suits it, or that suits the largest of
 // several to compare.
 std::string DelayFigure(const std::optional<double>& microseconds);
 std::string DelayFigure(double microseconds, double largest);
 
-// "1 sample", "2 samples".
-std::string Counted(size_t count, const std::string& thing);
-
-// Local times, "2023-01-05 12:59:00" and "12:59:00"; `zoneOffset` is in seconds east of UTC.
-std::string LocalTime(int64_t utc, int64_t zoneOffset);
-std::string LocalClock(int64_t utc, int64_t zoneOffset);
-
 // "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
 // it is the same.
 std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
-
-// "UTC+08:00".
-std::string ZoneFigure(int64_t zoneOffset);
 
 }  // namespace explain

@@ -7,6 +7,7 @@
 #include "explain/html_tables.h"
 #include "explain/svg_graph.h"
 #include "explain/svg_series.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
@@ -37,7 +38,7 @@ std::string Margin(const std::vector<Candidate>& candidates) {
     if (candidates.size() < 2) {
         return "no other point has a share";
     }
-    return Percent(candidates[0].share - candidates[1].share) + " of the delay ahead of the second";
+    return PercentFigure(candidates[0].share - candidates[1].share) + " of the delay ahead of the second";
 }
 
 Markup Answer(const Analysis& analysis) {
@@ -81,7 +82,7 @@ Markup EventFacts(const Analysis& analysis, int64_t zoneOffset) {
     const Event& event = *analysis.event;
     Facts facts;
     facts.Add("When", LocalTimes(event.start, event.end, zoneOffset));
-    facts.Add("Peak", DelayFigure(event.peakDelay) + " at " + LocalClock(event.peakTime, zoneOffset) + ", " +
+    facts.Add("Peak", DelayFigure(event.peakDelay) + " at " + TimeOfDay(event.peakTime, zoneOffset) + ", " +
                           Figure(std::fabs(event.peakDeviations), 1) +
                           (event.peakDeviations < 0.0 ? " scales below usual" : " scales above usual"));
     facts.Add("High samples", std::to_string(event.count));
@@ -140,7 +141,7 @@ Markup Series(const Analysis& analysis, const Report& report, size_t number) {
     Markup figures =
         Element("h3", IsAnswer(analysis) ? "Delay along the way" : "Delay of the point") +
         Element("p", {{"class", "quiet"}},
-                Text("Mean delay per interval over local time (" + ZoneFigure(report.zoneOffset) +
+                Text("Mean delay per interval over local time (UTC" + ZoneText(report.zoneOffset) +
                      "). The dashed line is the median of the baseline."));
     size_t count = 0;
     for (const size_t node : DrawnWay(analysis)) {
@@ -180,7 +181,7 @@ std::string HeadlineOf(const Analysis& analysis) {
     switch (analysis.verdict) {
         case Verdict::POINT: {
             const Candidate& first = analysis.candidates.front();
-            const std::string share = " holds " + Percent(first.share) + " of the extra delay";
+            const std::string share = " holds " + PercentFigure(first.share) + " of the extra delay";
             return first.point == analysis.point
                        ? first.point + share + " itself: nothing below it in this graph explains it"
                        : first.point + share + " of " + analysis.point;

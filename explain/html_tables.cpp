@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "explain/figures.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
@@ -21,7 +22,7 @@ Markup LeftOut(size_t count, const std::string& what) {
 Markup ShareCell(double share) {
     const Markup bar =
         Element("span", {{"class", "bar"}, {"style", "width:" + Figure(share * 100.0, 1) + "%"}});
-    return Text(Percent(share)) + Element("span", {{"class", "track"}, {"aria-hidden", "true"}}, bar);
+    return Text(PercentFigure(share)) + Element("span", {{"class", "track"}, {"aria-hidden", "true"}}, bar);
 }
 
 Markup LinesOf(const std::vector<std::string>& lines) {
@@ -44,10 +45,10 @@ std::vector<Markup> EvidenceRow(const Analysis& analysis, const NodeFinding& fin
         name += Element("small", Text(" in ") + Text(finding.node.graph));
     }
     return {name,
-            Text(evidence.takesPart ? Percent(finding.share) : UNKNOWN_FIGURE),
+            Text(evidence.takesPart ? PercentFigure(finding.share) : UNKNOWN_FIGURE),
             Text(Figure(evidence.deviations, 1)),
             Text(CorrelationFigure(finding, &finding == &analysis.findings.front())),
-            Text(evidence.onset ? LocalClock(*evidence.onset, zoneOffset) : UNKNOWN_FIGURE),
+            Text(evidence.onset ? TimeOfDay(*evidence.onset, zoneOffset) : UNKNOWN_FIGURE),
             Text(DelayFigure(evidence.baselineDelay)),
             Text(DelayFigure(evidence.eventDelay)),
             Text(Figure(evidence.baselineRequests, 0)),

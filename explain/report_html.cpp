@@ -5,13 +5,14 @@
 #include "explain/markup.h"
 #include "explain/page_style.h"
 #include "explain/report.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
 
 std::string RangeInWords(const Report& report) {
-    return LocalTimes(report.range.startTime, report.range.endTime, report.zoneOffset) + " (" +
-           ZoneFigure(report.zoneOffset) + ")";
+    return LocalTimes(report.range.startTime, report.range.endTime, report.zoneOffset) + " (" + "UTC" +
+           ZoneText(report.zoneOffset) + ")";
 }
 
 std::string TitleOf(const Report& report) {

@@ -4,6 +4,7 @@
 
 #include "explain/figures.h"
 #include "explain/flow_picture.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
@@ -59,7 +60,7 @@ Markup DrawEdge(const Analysis& analysis, const FlowPicture& picture, const Plac
     if (edge.flow <= 0.0) {
         return Element("path", {{"class", "edge"}, {"d", outline}});
     }
-    const Markup title = Element("title", Text(Percent(edge.flow) + " flows from ") +
+    const Markup title = Element("title", Text(PercentFigure(edge.flow) + " flows from ") +
                                               Text(analysis.findings[from.node].node.point) + Text(" to ") +
                                               Text(analysis.findings[to.node].node.point));
     return Element("path",
@@ -91,7 +92,7 @@ std::string PartOf(const NodeFinding& finding, double flow) {
     if (!finding.evidence.takesPart) {
         return flow > 0.0 ? "looked through" : "no part";
     }
-    return "own " + Percent(finding.share) + " of " + Percent(flow);
+    return "own " + PercentFigure(finding.share) + " of " + PercentFigure(flow);
 }
 
 Markup DrawNode(const Analysis& analysis, const PlacedNode& place) {
@@ -117,7 +118,7 @@ std::string Description(const Analysis& analysis, const FlowPicture& picture) {
     std::string text = "At the top " + analysis.point + ", below it the points it waits for.";
     for (const Candidate& candidate : analysis.candidates) {
         if (&candidate - analysis.candidates.data() < 3) {
-            text += " " + candidate.point + " holds " + Percent(candidate.share) + ".";
+            text += " " + candidate.point + " holds " + PercentFigure(candidate.share) + ".";
         }
     }
     return text + " " + Counted(picture.nodes.size(), "point") + " drawn.";
@@ -128,7 +129,7 @@ Markup LeftOutNote(const FlowPicture& picture, double height) {
         return {};
     }
     const std::string share = picture.leftOutShare >= LEAST_TOLD
-                                  ? " with " + Percent(picture.leftOutShare) + " together"
+                                  ? " with " + PercentFigure(picture.leftOutShare) + " together"
                                   : " without a share of their own";
     return Element("text", {{"class", "rest"}, {"x", Figure(MARGIN, 1)}, {"y", Figure(height - MARGIN, 1)}},
                    Text("and " + Counted(picture.leftOut, "more point") + share));

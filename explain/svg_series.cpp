@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "explain/figures.h"
+#include "explain/words.h"
 
 namespace explain {
 namespace {
@@ -150,7 +151,7 @@ private:
     // Hours and minutes; the day as well where it begins, and at the first one.
     std::string TickText(int64_t time, int64_t step, bool isFirst) const {
         const std::string whole = LocalTime(time, frame.zoneOffset);
-        const std::string clock = LocalClock(time, frame.zoneOffset);
+        const std::string clock = TimeOfDay(time, frame.zoneOffset);
         const size_t dayAt = whole.find('-') + 1;
         const std::string shown = step < 60 ? clock : clock.substr(0, clock.rfind(':'));
         const bool showsDay = isFirst || clock == "00:00:00";
