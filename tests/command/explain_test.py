@@ -106,7 +106,7 @@ class Explain(ConsoleTest):
             ([], 0, DISK), ([*point], 0, DISK), ([*point, *graph], 0, DISK),
             (["--point", "SPACE_BLOCK_BDM_READ", *graph], 0, f"^SPACE_BLOCK_BDM_READ in SAN_IO_READ\n=+\n{DISK}"),
             ([*point, "--at", self.truth["fault"]["peak_compact"]], 0, DISK),
-            ([*point, "--at", compact(start + 60)], 4, "^Cannot tell: there are only 2 samples before"),
+            ([*point, "--at", compact(start + 60)], 4, "^Cannot tell: only 2 samples before"),
             (["--point", "TGT_LUMO_HOST_WRITE"], 1, "^Nothing anomalous: "),
             (graph, 2, "--graph requires --point"), (["--point", DISK], 2, f"no graph is known for {DISK}"),
             (["--zone", "+8"], 2, "a zone has a sign"), ([*point, "--at", "now"], 2, "'now' is no time"),
