@@ -15,9 +15,9 @@ struct ConfiguredGraph {
     int32_t root = 0;
 };
 
-class Reader {
+class WorldReader {
 public:
-    explicit Reader(GraphWorld& toFill) : world(toFill) {}
+    explicit WorldReader(GraphWorld& toFill) : world(toFill) {}
 
     // Adds the node and all that can be reached from it.
     void Read(const std::string& graph, const std::string& point) {
@@ -53,7 +53,7 @@ private:
     std::map<std::pair<std::string, int32_t>, size_t> positions;
 };
 
-ConfiguredGraph* Reader::GraphOf(const std::string& name) {
+ConfiguredGraph* WorldReader::GraphOf(const std::string& name) {
     FaultJsonObject& config = FaultJsonObject::GetInstance();
     if (const auto known = graphs.find(name); known != graphs.end()) {
         return known->second.get();
@@ -71,7 +71,7 @@ ConfiguredGraph* Reader::GraphOf(const std::string& name) {
     return graph.get();
 }
 
-void Reader::ReadBelow(size_t position) {
+void WorldReader::ReadBelow(size_t position) {
     const std::string name = world.nodes[position].graph;
     const int32_t id = world.nodes[position].id;
     const FaultCausalityGraph& graph = GraphOf(name)->graph;
@@ -143,7 +143,7 @@ GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, co
     if (!FaultJsonObject::GetInstance().IsMember(graph)) {
         throw NoData("the configuration has no graph " + graph);
     }
-    Reader(world).Read(graph, point);
+    WorldReader(world).Read(graph, point);
     std::vector<std::string> tables;
     if (FaultGetQueryTable(range.startDate, range.endDate, tables) != 0) {
         throw NoData("the statistics database cannot be read, or has no tables");

@@ -72,6 +72,7 @@ int64_t SecondsOf(const std::string& date) {
 
 Range RangeOf(std::vector<std::string> times) {
     std::vector<char*> arguments;
+    arguments.reserve(times.size());
     for (std::string& time : times) {
         arguments.push_back(time.data());
     }
