@@ -10,6 +10,7 @@ namespace explain {
 namespace {
 
 constexpr size_t NONE = SIZE_MAX;
+constexpr size_t LOOKS_MAX = 1000000;   // at nodes below others, over all nodes
 constexpr size_t VISITS_MAX = 1000000;  // that are remembered, over all ways
 
 // The nodes with an event that a node's share can go to.
@@ -20,9 +21,9 @@ struct Takers {
 
 // The nodes that take part and are reached from `first` through nodes that do not.
 void LookThrough(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers, std::vector<size_t> first,
-                 std::vector<size_t>& found) {
+                 size_t& looks, std::vector<size_t>& found) {
     std::set<size_t> seen;
-    while (!first.empty()) {
+    for (; !first.empty() && looks < LOOKS_MAX; ++looks) {
         const size_t node = first.back();
         first.pop_back();
         if (!seen.insert(node).second) {
@@ -39,7 +40,8 @@ void LookThrough(const std::vector<BudgetNode>& nodes, const HandOvers& handOver
     }
 }
 
-Takers TakersOf(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers, size_t node) {
+Takers TakersOf(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers, size_t node,
+                size_t& looks) {
     std::vector<size_t> first = nodes[node].children;
     if (const auto below = handOvers.find(node); below != handOvers.end()) {
         if (nodes[below->second].takesPart) {
@@ -48,7 +50,7 @@ Takers TakersOf(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers
         first.push_back(below->second);
     }
     Takers takers;
-    LookThrough(nodes, handOvers, std::move(first), takers.nodes);
+    LookThrough(nodes, handOvers, std::move(first), looks, takers.nodes);
     std::sort(takers.nodes.begin(), takers.nodes.end());
     return takers;
 }
@@ -58,10 +60,11 @@ std::vector<Takers> AllTakers(const std::vector<BudgetNode>& nodes, const HandOv
     std::vector<Takers> takers(nodes.size());
     std::set<size_t> seen{root};
     std::vector<size_t> open{root};
+    size_t looks = 0;
     while (!open.empty()) {
         const size_t node = open.back();
         open.pop_back();
-        takers[node] = TakersOf(nodes, handOvers, node);
+        takers[node] = TakersOf(nodes, handOvers, node, looks);
         for (const size_t taker : takers[node].nodes) {
             if (seen.insert(taker).second) {
                 open.push_back(taker);

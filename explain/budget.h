@@ -28,8 +28,9 @@ using Flows = std::map<std::pair<size_t, size_t>, double>;
 // `flows`, unless null, is replaced by how they got there: of a node, what flows in is its own share and what
 // flows out.
 //
-// `root` must take part. Linear where no way leads in a circle; else ways are told apart by what they have
-// visited, and when a million visits are remembered, what has not been divided stays where it is.
+// `root` must take part. Ways in circles are told apart by what they have visited. After a million visits,
+// and after a million looks at what is below, shares stay where they are: only graphs of many thousand nodes,
+// or of circles through more than a dozen nodes, are that much.
 std::vector<double> DivideBudget(const std::vector<BudgetNode>& nodes, const HandOvers& handOvers,
                                  size_t root, Flows* flows = nullptr);
 
