@@ -80,7 +80,7 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
         {std::string(1 << 20, 'a'), "", "unknown command '" + std::string(40, 'a') + "...'" + ADVICE},
         {std::string((16 << 20) + 1, 'a'), "", "longer than 16777216 bytes\n"},
         {std::string("echo a\0b", 8), "", "a command line cannot hold a NUL byte\n"},
-        {"\x1b[2J\x7f\xff", "", "unknown command '\\x1b[2J\\x7f\xff'" + ADVICE},
+        {"\x1b[2J\x7f\xff", "", "unknown command '\\x1b[2J\\x7f\\xff'" + ADVICE},
         {"help",
          "probe\n  echo [WORD...]: show the words;\n  print: a line of text\n  throw\n  probe\n"
          "console\n  help [COMMAND]: list the commands, or explain one.\n"
