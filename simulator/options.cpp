@@ -18,6 +18,7 @@ constexpr char EXAMPLES[] =
     "Examples:\n"
     "  lumo-sim --root /tmp/world\n"
     "  lumo-sim --root /tmp/world --scenario nas-slow --seed 7\n"
+    "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY\n"
     "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000\n"
     "\n"
     "Exit status: 0 written, 1 a file cannot be written, 2 bad usage.";
@@ -77,6 +78,10 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         ->capture_default_str();
     app.add_option("--end", end, "End of the range, local time; now when left out")
         ->type_name("YYYYMMDDhhmmss");
+    app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
+        ->type_name("TYPE");
+    app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
+        ->type_name("NAME");
     app.add_flag("--list", list, "Lists the scenarios");
     try {
         app.parse(argc, argv);

@@ -49,7 +49,10 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
 
 Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Topology& topology,
            const Levels& levels, const Noise& worldNoise)
-    : options(worldOptions), noise(worldNoise), constant(topology.Points().size()) {
+    : options(worldOptions),
+      noise(worldNoise),
+      usualErrors(topology.Points().size(), scenario.usualErrors),
+      constant(topology.Points().size()) {
     for (const std::string_view point : scenario.constantPoints) {
         constant[topology.IndexOf(point)] = true;
     }
@@ -92,8 +95,31 @@ void Plan::PlantFault(const FaultRecipe& recipe, const Topology& topology, const
         SpreadToParents(
             topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; }, added);
     } else {
+        ClearErrorWalk(point, topology);
         SpreadToParents(
             topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, added);
+    }
+}
+
+// However few, errors lead a walk on below the planted point, and to points that follow the one above them.
+void Plan::ClearErrorWalk(size_t point, const Topology& topology) {
+    const Dependencies& errors = topology.Errors();
+    std::vector<bool> isBelow(usualErrors.size());
+    isBelow[point] = true;
+    std::for_each(errors.childrenFirst.rbegin(), errors.childrenFirst.rend(), [&](size_t parent) {
+        if (isBelow[parent]) {
+            usualErrors[parent] = 0;
+            for (const size_t child : errors.children[parent]) {
+                isBelow[child] = true;
+            }
+        }
+    });
+    for (const Graph& graph : topology.Graphs()) {
+        for (const GraphNode& node : graph.nodes) {
+            if (node.role.attr == FOLLOW.attr) {
+                usualErrors[topology.IndexOf(node.label)] = 0;
+            }
+        }
     }
 }
 

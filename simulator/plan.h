@@ -38,6 +38,8 @@ public:
     // time.
     size_t ErrorColumn() const { return fault ? static_cast<size_t>(fault->recipe.errorColumn) : 0; }
     double AddedErrors(size_t point, int64_t time) const { return Added(FaultKind::ERROR, point, time); }
+    // How often the point counts errors that mean nothing, against an ordinary day.
+    double UsualErrors(size_t point) const { return usualErrors[point]; }
     // Whether the point's statistics never change.
     bool IsConstant(size_t point) const { return constant[point]; }
     // A point, and the one whose statistics are its own as well.
@@ -47,6 +49,7 @@ public:
 
 private:
     void PlantFault(const FaultRecipe& recipe, const Topology& topology, const Levels& levels);
+    void ClearErrorWalk(size_t point, const Topology& topology);
     void PlanGaps();
     // Nothing is missing close to the fault, so that it can be seen.
     bool IsNearFault(int64_t time) const;
@@ -56,6 +59,7 @@ private:
     Noise noise;
     std::optional<PlantedFault> fault;
     std::vector<std::vector<double>> added;  // by point, then by sample from the fault's start
+    std::vector<double> usualErrors;
     std::vector<bool> constant;
     std::optional<std::pair<size_t, size_t>> twins;
     std::vector<std::pair<int64_t, int64_t>> gaps;  // from, before

@@ -85,10 +85,11 @@ void SampleSource::FillCounts(size_t point, int64_t time, double load, Sample& s
 
     const size_t counter = topology.ErrorCounterOf(point);
     const uint64_t stream = streams[counter];
-    if (noise.Uniform(stream, time, RETRY) < RETRY_CHANCE) {
+    const double usualErrors = plan.UsualErrors(counter);
+    if (noise.Uniform(stream, time, RETRY) < RETRY_CHANCE * usualErrors) {
         sample.errorCodes[RETRY_COLUMN] = 1 + Round(2 * noise.Uniform(stream, time, RETRIES));
     }
-    if (noise.Uniform(stream, time, DENIED) < DENIED_CHANCE) {
+    if (noise.Uniform(stream, time, DENIED) < DENIED_CHANCE * usualErrors) {
         sample.errorCodes[DENIED_COLUMN] = 1;
     }
     if (const double errors = plan.AddedErrors(counter, time); errors > 0) {

@@ -40,6 +40,7 @@ struct Scenario {
     std::vector<HealRecipe> heals = {};
     std::vector<std::string_view> constantPoints = {};  // statistics that never change
     bool hasGaps = false;                               // an hour, some intervals and single rows are missing
+    double usualErrors = 1;  // how often points count errors that mean nothing, against an ordinary day
     int64_t minimumHours = 1;
 };
 

@@ -1,5 +1,6 @@
 #include "simulator/truth.h"
 
+#include "simulator/error_choice.h"
 #include "simulator/json_text.h"
 #include "simulator/local_time.h"
 
@@ -50,13 +51,16 @@ Json::Value FaultValue(const WorldOptions& options, const Topology& topology, co
     value["graph"] = std::string(fault.path.back().graph);
     value["advice"] = std::string(topology.Points()[topology.IndexOf(fault.recipe.point)].advice);
     value["path"] = PathValue(fault.path);
-    if (IsDelay(fault)) {
-        value["detector_point"] = std::string(DetectorPoint(fault));
+    value["walk"] = Json::Value();
+    value["answer"] = Json::Value();
+    if (IsDelay(fault) || BeginsErrorWalk(fault.recipe.graph)) {
         value["walk"] = WalkValue(topology, fault.path);
         const Json::Value& points = value["walk"][value["walk"].size() - 1]["points"];
         value["answer"] = points[points.size() - 1];
-    } else {
-        value["detector_point"] = Json::Value();
+    }
+    value["detector_point"] = IsDelay(fault) ? Json::Value(std::string(DetectorPoint(fault))) : Json::Value();
+    if (!IsDelay(fault)) {
+        value["error_type"] = std::string(ERROR_TYPES[static_cast<size_t>(fault.recipe.errorColumn)]);
         value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
     }
     value["start_epoch"] = Json::Int64{fault.start};

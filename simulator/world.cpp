@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "agent/agent_storage.h"
+#include "simulator/error_choice.h"
 #include "simulator/heal_events.h"
 #include "simulator/levels.h"
 #include "simulator/noise.h"
@@ -48,10 +49,11 @@ std::vector<HealEvent> ReportedEvents(const std::vector<HealEvent>& events, cons
 
 WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress) {
     CheckOptions(options);
-    CreateRoot(options.root);
-    const Scenario& scenario = *FindScenario(options.scenario);
-    const Noise noise(options.seed);
+    Scenario scenario = *FindScenario(options.scenario);
     const Topology topology(GraphsOf(scenario));
+    scenario.fault = ChosenFault(options, scenario.fault, topology);
+    CreateRoot(options.root);
+    const Noise noise(options.seed);
     const Levels levels = UsualLevels(topology);
     const Plan plan(options, scenario, topology, levels, noise);
     const SampleSource source(options, topology, levels, plan, noise);

@@ -21,12 +21,17 @@ const Scenario& CheckScenario(const std::string& name) {
     for (const Scenario& scenario : Scenarios()) {
         names.emplace_back(scenario.name);
     }
-    const std::string nearest = NearestName(name, names);
-    throw BadInput("there is no scenario \"" + name + "\"" +
-                   (nearest.empty() ? "" : "; did you mean " + nearest + "?") + " (--list shows all)");
+    throw BadInput(NoSuchName("scenario", name, names) + " (--list shows all)");
 }
 
 }  // namespace
+
+std::string NoSuchName(const std::string& kind, const std::string& name,
+                       const std::vector<std::string>& names) {
+    const std::string nearest = NearestName(name, names);
+    return "there is no " + kind + " \"" + name + "\"" +
+           (nearest.empty() ? "" : "; did you mean " + nearest + "?");
+}
 
 void CheckOptions(const WorldOptions& options) {
     const Scenario& scenario = CheckScenario(options.scenario);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace lumosim {
 
@@ -30,11 +31,17 @@ struct WorldOptions {
     int64_t step = 30;       // seconds between two samples of a point
     int64_t end = 0;         // UTC; the first sample lies `hours` before, the last one `step` before
     int64_t zoneOffset = 0;  // seconds east of UTC, whole hours
+    // The type of the errors to plant, and the point; empty: as the scenario has it.
+    std::string errorType = {}, errorPoint = {};
 
     int64_t Start() const { return end - hours * SECONDS_PER_HOUR; }
     int64_t SampleCount() const { return hours * SECONDS_PER_HOUR / step; }
     int64_t TimeOf(int64_t sample) const { return Start() + sample * step; }
 };
+
+// Says that there is no `kind` named `name`, and which of `names` may have been meant.
+std::string NoSuchName(const std::string& kind, const std::string& name,
+                       const std::vector<std::string>& names);
 
 // Throws BadInput when the scenario is unknown, or a number is out of its range or too small for the
 // scenario.

@@ -20,6 +20,7 @@ ANSWERS = {
     "healthy": [],
     "constant": [],
     "error-burst": [],
+    "retry-storm": [],
     "slow-disk": DISK,
     "gaps": DISK,
     "graph-circle": DISK,

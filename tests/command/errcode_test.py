@@ -23,9 +23,8 @@ FACTORS = {"SAN_PROTOL": "FACTOR_SAN", "NAS_PROTOL": "FACTOR_NAS", "FS": "FACTOR
 
 
 class ErrorCodes(ConsoleTest):
-    def load(self, scenario):
-        self.simulate("--scenario", scenario, "--end", "20230105143000")
-        self.truth = json.loads((self.root / "truth.json").read_text())
+    def load(self, scenario, *options):
+        self.truth = self.simulate("--scenario", scenario, "--end", "20230105143000", *options)
         self.range = f"{self.truth['start']} {self.truth['end']}"
         self.graphs = json.loads((self.root / CONFIG).read_text())
         self.sums = collections.defaultdict(lambda: [0, 0, 0])
@@ -83,14 +82,39 @@ class ErrorCodes(ConsoleTest):
         found = re.sub(r"^-+\n|^Module .*\n|ErrCode Graph:| +$", "", self.screen(f"errcodeshowall {self.range}"), flags=re.M)
         self.assertEqual(re.sub(" +", " ", found), state)
 
-    def test_errors(self):
-        self.load("error-burst")
-        self.check_lists()
-        self.check_state()
+    def check_walk(self, kind, point):
         fault = self.truth["fault"]
-        rows = self.screen(f"errcodeshow {TYPES[int(fault['error_column'][-1])]} ALL {self.range}").splitlines()
-        self.assertIn(f"{fault['point']:<32}{fault['graph']:<32}", rows)
-        self.assertRegex(rows[-1], rf"^\d+ +{fault['point']} +[1-9]\d* +{fault['advice']}$")
+        screen = self.screen(f"errcodeshow {kind} ALL {self.range}")
+        section = screen.partition(f"\n{point:<32}{fault['graph']:<32}\n")[2].partition("=====")[0]
+        rows = re.findall(r"^\d.*", section, re.M)
+        self.assertEqual([row.split()[1] for row in rows], fault["walk"][-1]["points"])
+        self.assertRegex(rows[-1], rf"^\d+ +{point} +[1-9]\d* +{fault['advice'] or '---'}$")
+
+    def test_errors(self):
+        cases = [
+            ("error-burst", "IOERROR", "BDM_DISK_MEDIUM_ERROR"),
+            ("error-burst", "IORETRY", "SPACE_BLOCK_VOL_LOC_WRITE"),  # with points below it
+            ("error-burst", "IOACCESSDENY", "SMB_KERBEROS_TICKET_FAIL"),  # below a hand-over
+            ("error-burst", "IOERROR", "BDM_DISK_PATH_LOST"),  # below two
+            ("error-burst", "IOERROR", "ZONETASK_ALLOC_CKG"),  # in a graph to which nothing hands over
+            ("retry-storm", None, None),
+        ]
+        for number, (scenario, kind, point) in enumerate(cases):
+            with self.subTest(scenario=scenario, kind=kind, point=point):
+                chosen = ["--error-type", kind, "--error-point", point]
+                self.load(scenario, *(chosen if kind and number else ()))
+                self.check_lists()
+                self.check_state()
+                fault = self.truth["fault"] or {}
+                self.assertEqual((fault.get("error_type"), fault.get("point")), (kind, point))
+                self.assertEqual(fault.get("answer"), point if point != "ZONETASK_ALLOC_CKG" else None)
+                if fault.get("answer"):
+                    self.check_walk(kind, point)
+                if number == 0:  # all that an error graph can say of a point is on the way
+                    attrs = {node["info"]["attr"] for node in self.graphs["ERRCODE_SAN_PROTO"]["nodes"]
+                             if node["label"] in fault["path"][:-1]}
+                    self.assertEqual(attrs, {"whole", "automic", "whole follow"})
+        self.assertTrue("too many records" in self.screen(f"showallerr {self.range}"))
 
     def test_factors(self):
         self.load("slow-disk")

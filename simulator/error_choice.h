@@ -1,0 +1,24 @@
+// The errors that a world has: its scenario's, or others that the user asks for.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "simulator/scenario.h"
+#include "simulator/topology.h"
+#include "simulator/world_options.h"
+
+namespace lumosim {
+
+// The types of errors, by the column that counts them.
+constexpr std::array<std::string_view, 3> ERROR_TYPES = {"IOERROR", "IORETRY", "IOACCESSDENY"};
+
+// The scenario's fault, with the type and at the point that the options name, if any. Throws BadInput when
+// the scenario plants no errors, and for a type or a point that does not exist.
+FaultRecipe ChosenFault(const WorldOptions& options, const FaultRecipe& scenarioFault,
+                        const Topology& topology);
+
+// Whether operators are shown walks by error counts that begin in the graph.
+bool BeginsErrorWalk(std::string_view graph);
+
+}  // namespace lumosim
