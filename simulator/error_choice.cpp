@@ -57,23 +57,21 @@ void MoveTo(const std::string& point, const Topology& topology, FaultRecipe& fau
 
 }  // namespace
 
-FaultRecipe ChosenFault(const WorldOptions& options, const FaultRecipe& scenarioFault,
-                        const Topology& topology) {
-    FaultRecipe fault = scenarioFault;
+void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario) {
     if (options.errorType.empty() && options.errorPoint.empty()) {
-        return fault;
+        return;
     }
-    if (fault.kind != FaultKind::ERROR) {
+    if (scenario.faults.empty() || scenario.faults.front().kind != FaultKind::ERROR) {
         throw BadInput("--error-type and --error-point are for scenarios with errors, not for " +
                        options.scenario);
     }
+    FaultRecipe& fault = scenario.faults.front();
     if (!options.errorType.empty()) {
         fault.errorColumn = ColumnOf(options.errorType);
     }
     if (!options.errorPoint.empty()) {
         MoveTo(options.errorPoint, topology, fault);
     }
-    return fault;
 }
 
 bool BeginsErrorWalk(std::string_view graph) {

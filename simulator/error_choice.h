@@ -13,10 +13,9 @@ namespace lumosim {
 // The types of errors, by the column that counts them.
 constexpr std::array<std::string_view, 3> ERROR_TYPES = {"IOERROR", "IORETRY", "IOACCESSDENY"};
 
-// The scenario's fault, with the type and at the point that the options name, if any. Throws BadInput when
-// the scenario plants no errors, and for a type or a point that does not exist.
-FaultRecipe ChosenFault(const WorldOptions& options, const FaultRecipe& scenarioFault,
-                        const Topology& topology);
+// Changes the errors of the scenario to the type and the point that the options name, if any. Throws BadInput
+// when the scenario plants no errors, and for a type or a point that does not exist.
+void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario);
 
 // Whether operators are shown walks by error counts that begin in the graph.
 bool BeginsErrorWalk(std::string_view graph);

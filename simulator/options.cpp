@@ -1,6 +1,7 @@
 #include "simulator/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 #include <ctime>
 
@@ -72,7 +73,8 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         ->check(CheckSeed)
         ->type_name("N")
         ->capture_default_str();
-    app.add_option("--hours", world.hours, "Length of the range")->type_name("H")->capture_default_str();
+    app.add_option("--hours", world.hours, "Length of the range; 4, or more where the scenario needs it")
+        ->type_name("H");
     app.add_option("--step", world.step, "Time between two samples")
         ->type_name("SECONDS")
         ->capture_default_str();
@@ -97,6 +99,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     }
     if (root.empty()) {
         throw BadInput("--root DIR is missing");
+    }
+    if (const Scenario* scenario = FindScenario(world.scenario); app.count("--hours") == 0 && scenario) {
+        world.hours = std::max(world.hours, scenario->minimumHours);
     }
     world.root = root;
     world.zoneOffset = ZoneOffset();

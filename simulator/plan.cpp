@@ -45,6 +45,18 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
     }
 }
 
+// The point and all points below it.
+std::vector<bool> AllBelow(const Dependencies& dependencies, size_t point) {
+    std::vector<bool> isBelow(dependencies.children.size());
+    isBelow[point] = true;
+    std::for_each(dependencies.childrenFirst.rbegin(), dependencies.childrenFirst.rend(), [&](size_t parent) {
+        for (const size_t child : dependencies.children[parent]) {
+            isBelow[child] = isBelow[child] || isBelow[parent];
+        }
+    });
+    return isBelow;
+}
+
 }  // namespace
 
 Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Topology& topology,
@@ -56,64 +68,83 @@ Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Top
     for (const std::string_view point : scenario.constantPoints) {
         constant[topology.IndexOf(point)] = true;
     }
-    if (scenario.fault.kind != FaultKind::NONE) {
-        PlantFault(scenario.fault, topology, levels);
+    for (const FaultRecipe& recipe : scenario.faults) {
+        faults.push_back(Place(recipe, topology));
+        Spread(topology, levels, faults.back());
+        if (!recipe.twin.empty()) {
+            twins.emplace(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
+        }
     }
     if (scenario.hasGaps) {
         PlanGaps();
     }
 }
 
-void Plan::PlantFault(const FaultRecipe& recipe, const Topology& topology, const Levels& levels) {
+// The fault as the point itself has it.
+PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) const {
     GraphPath path = topology.FindPath(recipe.graph, recipe.point);
     if (path.empty()) {
         throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
                                std::string(recipe.point));
     }
-    const int64_t samples = options.SampleCount();
     // Short against the range, whose deviation would otherwise widen until the fault hides in it.
     const int64_t length = std::max(FAULT_SECONDS / options.step, FAULT_MINIMUM_SAMPLES);
-    const double place = 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0);
-    const int64_t first = static_cast<int64_t>(place * static_cast<double>(samples));
-    fault = PlantedFault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1)};
-
-    if (!recipe.twin.empty()) {
-        twins.emplace(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
-    }
-
-    const bool isDelay = recipe.kind == FaultKind::DELAY;
-    const size_t point =
-        isDelay ? topology.IndexOf(recipe.point) : topology.ErrorCounterOf(topology.IndexOf(recipe.point));
-    const double unit =
-        isDelay ? levels.usualDelay[point] : levels.rate[point] * static_cast<double>(options.step);
-    added.assign(topology.Points().size(), std::vector<double>(static_cast<size_t>(length + ECHO_SAMPLES)));
+    const double place = recipe.when == FaultTime::LATE ? 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0)
+                                                        : 0.1 + 0.2 * noise.Uniform(FAULT_STREAM, 1, 0);
+    const int64_t first = static_cast<int64_t>(place * static_cast<double>(options.SampleCount()));
+    const std::vector<double> none(static_cast<size_t>(length + ECHO_SAMPLES));
+    PlantedFault fault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1),
+                       std::vector<std::vector<double>>(topology.Points().size(), none)};
+    std::vector<double>& own = fault.added[topology.IndexOf(recipe.point)];
     for (int64_t i = 0; i < length; ++i) {
         const double flicker = 1 + 0.05 * noise.Symmetric(FAULT_STREAM, i, 1);
-        added[point][static_cast<size_t>(i)] = recipe.strength * unit * Shape(i, length) * flicker;
+        own[static_cast<size_t>(i)] = recipe.strength * Shape(i, length) * flicker;
     }
-    if (isDelay) {
-        SpreadToParents(
-            topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; }, added);
-    } else {
-        ClearErrorWalk(point, topology);
-        SpreadToParents(
-            topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, added);
+    return fault;
+}
+
+// From the point to the others, and from multiples of the usual to what is added to it.
+void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& fault) {
+    const size_t point = topology.IndexOf(fault.recipe.point);
+    std::vector<double>& own = fault.added[point];
+    const auto scale = [&](double unit) {
+        std::for_each(own.begin(), own.end(), [unit](double& value) { value *= unit; });
+    };
+    switch (fault.recipe.kind) {
+        case FaultKind::DELAY:
+            scale(levels.usualDelay[point]);
+            SpreadToParents(
+                topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; },
+                fault.added);
+            break;
+        case FaultKind::ERROR: {
+            const size_t counter = topology.ErrorCounterOf(point);
+            scale(levels.rate[counter] * static_cast<double>(options.step));
+            std::swap(own, fault.added[counter]);
+            ClearErrorWalk(counter, topology);
+            SpreadToParents(
+                topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, fault.added);
+            break;
+        }
+        case FaultKind::LOAD: {
+            const std::vector<bool> isBelow = AllBelow(topology.Flow(), point);
+            for (size_t other = 0; other < isBelow.size(); ++other) {
+                if (isBelow[other]) {
+                    fault.added[other] = own;
+                }
+            }
+        }
     }
 }
 
 // However few, errors lead a walk on below the planted point, and to points that follow the one above them.
 void Plan::ClearErrorWalk(size_t point, const Topology& topology) {
-    const Dependencies& errors = topology.Errors();
-    std::vector<bool> isBelow(usualErrors.size());
-    isBelow[point] = true;
-    std::for_each(errors.childrenFirst.rbegin(), errors.childrenFirst.rend(), [&](size_t parent) {
-        if (isBelow[parent]) {
-            usualErrors[parent] = 0;
-            for (const size_t child : errors.children[parent]) {
-                isBelow[child] = true;
-            }
+    const std::vector<bool> isBelow = AllBelow(topology.Errors(), point);
+    for (size_t other = 0; other < isBelow.size(); ++other) {
+        if (isBelow[other]) {
+            usualErrors[other] = 0;
         }
-    });
+    }
     for (const Graph& graph : topology.Graphs()) {
         for (const GraphNode& node : graph.nodes) {
             if (node.role.attr == FOLLOW.attr) {
@@ -136,8 +167,10 @@ void Plan::PlanGaps() {
 }
 
 bool Plan::IsNearFault(int64_t time) const {
-    return fault && time >= fault->start - QUIET_SECONDS &&
-           time <= fault->last + std::max(QUIET_SECONDS, ECHO_SAMPLES * options.step);
+    return std::any_of(faults.begin(), faults.end(), [&](const PlantedFault& fault) {
+        return time >= fault.start - QUIET_SECONDS &&
+               time <= fault.last + std::max(QUIET_SECONDS, ECHO_SAMPLES * options.step);
+    });
 }
 
 bool Plan::IsMissing(size_t point, int64_t time) const {
@@ -150,11 +183,14 @@ bool Plan::IsMissing(size_t point, int64_t time) const {
 }
 
 double Plan::Added(FaultKind kind, size_t point, int64_t time) const {
-    if (!fault || fault->recipe.kind != kind || time < fault->start) {
-        return 0;
+    double sum = 0;
+    for (const PlantedFault& fault : faults) {
+        if (fault.recipe.kind == kind && time >= fault.start && !constant[point]) {
+            const auto sample = static_cast<size_t>((time - fault.start) / options.step);
+            sum += sample < fault.added[point].size() ? fault.added[point][sample] : 0;
+        }
     }
-    const auto sample = static_cast<size_t>((time - fault->start) / options.step);
-    return sample < added[point].size() ? added[point][sample] : 0;
+    return sum;
 }
 
 }  // namespace lumosim

@@ -1,5 +1,5 @@
-// What a scenario changes in one world: when its fault happens, what every point sees of it, and which rows
-// are never written.
+// What a scenario changes in one world: when its faults happen, what every point sees of them, and which
+// rows are never written.
 #pragma once
 
 #include <cstdint>
@@ -21,6 +21,9 @@ struct PlantedFault {
     GraphPath path;
     int64_t start;
     int64_t last;
+    // By point, then by sample from the start: microseconds on top of the usual delay, failed requests, or
+    // multiples of the usual requests.
+    std::vector<std::vector<double>> added;
 };
 
 class Plan {
@@ -30,13 +33,19 @@ public:
     Plan(const WorldOptions& options, const Scenario& scenario, const Topology& topology,
          const Levels& levels, const Noise& noise);
 
+    // As the scenario has them.
+    const std::vector<PlantedFault>& Faults() const { return faults; }
     // Null: the scenario plants none.
-    const PlantedFault* Fault() const { return fault ? &*fault : nullptr; }
+    const PlantedFault* Fault() const { return faults.empty() ? nullptr : &faults.front(); }
     // Microseconds on top of the point's usual delay at a sample's time.
     double AddedDelay(size_t point, int64_t time) const { return Added(FaultKind::DELAY, point, time); }
+    // Requests on top of the point's usual ones at a sample's time, in multiples of these.
+    double AddedLoad(size_t point, int64_t time) const { return Added(FaultKind::LOAD, point, time); }
     // The column that counts the fault's failed requests, and how many the point counts there at a sample's
     // time.
-    size_t ErrorColumn() const { return fault ? static_cast<size_t>(fault->recipe.errorColumn) : 0; }
+    size_t ErrorColumn() const {
+        return faults.empty() ? 0 : static_cast<size_t>(faults.front().recipe.errorColumn);
+    }
     double AddedErrors(size_t point, int64_t time) const { return Added(FaultKind::ERROR, point, time); }
     // How often the point counts errors that mean nothing, against an ordinary day.
     double UsualErrors(size_t point) const { return usualErrors[point]; }
@@ -48,17 +57,17 @@ public:
     bool IsMissing(size_t point, int64_t time) const;
 
 private:
-    void PlantFault(const FaultRecipe& recipe, const Topology& topology, const Levels& levels);
+    PlantedFault Place(const FaultRecipe& recipe, const Topology& topology) const;
+    void Spread(const Topology& topology, const Levels& levels, PlantedFault& fault);
     void ClearErrorWalk(size_t point, const Topology& topology);
     void PlanGaps();
-    // Nothing is missing close to the fault, so that it can be seen.
+    // Nothing is missing close to a fault, so that it can be seen.
     bool IsNearFault(int64_t time) const;
     double Added(FaultKind kind, size_t point, int64_t time) const;
 
     WorldOptions options;
     Noise noise;
-    std::optional<PlantedFault> fault;
-    std::vector<std::vector<double>> added;  // by point, then by sample from the fault's start
+    std::vector<PlantedFault> faults;
     std::vector<double> usualErrors;
     std::vector<bool> constant;
     std::optional<std::pair<size_t, size_t>> twins;

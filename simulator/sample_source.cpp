@@ -9,6 +9,7 @@ namespace {
 
 constexpr double LOAD_SWING = 0.4;    // of the request rate, over a day
 constexpr double DELAY_SWING = 0.05;  // of a delay, per doubling of the load
+constexpr double USUAL_USE = 0.15;    // of a point's time by its requests
 constexpr double OWN_JITTER = 0.03;   // of the own part
 constexpr double HOST_JITTER = 0.07;  // of the whole delay, at points that nobody waits for but hosts
 constexpr double COUNT_JITTER = 0.05;
@@ -27,6 +28,11 @@ int64_t Round(double value) {
 double Wave(double phase) {
     const double x = phase - std::floor(phase);
     return x < 0.5 ? 16 * x * (0.5 - x) : -16 * (x - 0.5) * (1 - x);
+}
+
+// How many times as long requests take that wait in a queue, when more of them come than the day brings.
+double Queueing(double load, double added) {
+    return (1 - USUAL_USE * load) / (1 - USUAL_USE * (load + added));
 }
 
 }  // namespace
@@ -57,7 +63,7 @@ double SampleSource::OwnDelay(size_t point, int64_t time, double load) const {
     const double host = topology.Flow().hasParent[point] ? 0
                                                          : levels.usualDelay[point] * HOST_JITTER *
                                                                noise.Symmetric(streams[point], time, HOST);
-    return swing * (own + host);
+    return swing * Queueing(load, plan.AddedLoad(point, time)) * (own + host);
 }
 
 void SampleSource::FillDelays(size_t point, int64_t time, double delay, Sample& sample) const {
@@ -81,7 +87,8 @@ void SampleSource::FillCounts(size_t point, int64_t time, double load, Sample& s
         return;
     }
     const double jitter = 1 + COUNT_JITTER * noise.Symmetric(streams[point], time, COUNT);
-    sample.accepted = std::max<int64_t>(1, Round(usual * load * jitter));
+    const double all = load + plan.AddedLoad(point, time);
+    sample.accepted = std::max<int64_t>(1, Round(usual * all * jitter));
 
     const size_t counter = topology.ErrorCounterOf(point);
     const uint64_t stream = streams[counter];

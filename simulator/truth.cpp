@@ -1,5 +1,8 @@
 #include "simulator/truth.h"
 
+#include <algorithm>
+#include <numeric>
+
 #include "simulator/error_choice.h"
 #include "simulator/json_text.h"
 #include "simulator/local_time.h"
@@ -7,8 +10,20 @@
 namespace lumosim {
 namespace {
 
-bool IsDelay(const PlantedFault& fault) {
-    return fault.recipe.kind == FaultKind::DELAY;
+bool IsError(const PlantedFault& fault) {
+    return fault.recipe.kind == FaultKind::ERROR;
+}
+
+const char* NameOf(FaultKind kind) {
+    switch (kind) {
+        case FaultKind::DELAY:
+            return "delay";
+        case FaultKind::ERROR:
+            return "error";
+        case FaultKind::LOAD:
+            return "load";
+    }
+    return "";
 }
 
 std::string_view DetectorPoint(const PlantedFault& fault) {
@@ -43,32 +58,79 @@ Json::Value WalkValue(const Topology& topology, const GraphPath& path) {
     return value;
 }
 
-Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const PlantedFault& fault,
-                       const PeakFinder& peak) {
+// Where a walk ends.
+Json::Value LastPoint(const Json::Value& walk) {
+    const Json::Value& points = walk[walk.size() - 1]["points"];
+    return points[points.size() - 1];
+}
+
+Json::Value PlantedValue(const Topology& topology, const PlantedFault& fault) {
     Json::Value value(Json::objectValue);
-    value["kind"] = IsDelay(fault) ? "delay" : "error";
+    value["kind"] = NameOf(fault.recipe.kind);
     value["point"] = std::string(fault.recipe.point);
     value["graph"] = std::string(fault.path.back().graph);
     value["advice"] = std::string(topology.Points()[topology.IndexOf(fault.recipe.point)].advice);
     value["path"] = PathValue(fault.path);
+    value["start_epoch"] = Json::Int64{fault.start};
+    value["end_epoch"] = Json::Int64{fault.last};
+    return value;
+}
+
+Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const PlantedFault& fault,
+                       const PeakFinder& peak) {
+    Json::Value value = PlantedValue(topology, fault);
     value["walk"] = Json::Value();
     value["answer"] = Json::Value();
-    if (IsDelay(fault) || BeginsErrorWalk(fault.recipe.graph)) {
+    if (IsError(fault) ? BeginsErrorWalk(fault.recipe.graph) : fault.recipe.isWalked) {
         value["walk"] = WalkValue(topology, fault.path);
-        const Json::Value& points = value["walk"][value["walk"].size() - 1]["points"];
-        value["answer"] = points[points.size() - 1];
+        value["answer"] = LastPoint(value["walk"]);
     }
-    value["detector_point"] = IsDelay(fault) ? Json::Value(std::string(DetectorPoint(fault))) : Json::Value();
-    if (!IsDelay(fault)) {
+    value["detector_point"] = IsError(fault) ? Json::Value() : Json::Value(std::string(DetectorPoint(fault)));
+    if (IsError(fault)) {
         value["error_type"] = std::string(ERROR_TYPES[static_cast<size_t>(fault.recipe.errorColumn)]);
         value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
     }
-    value["start_epoch"] = Json::Int64{fault.start};
-    value["end_epoch"] = Json::Int64{fault.last};
     value["peak_epoch"] = Json::Int64{peak.Time()};
     value["peak_local"] = ReadableTime(peak.Time(), options.zoneOffset);
     value["peak_compact"] = CompactTime(peak.Time(), options.zoneOffset);
     value["peak_value"] = Json::Int64{peak.Value()};
+    return value;
+}
+
+// The faults at the time of the first one, those first that add most to the delay that hosts see.
+std::vector<const PlantedFault*> LargestFirst(const Topology& topology, const Plan& plan) {
+    const PlantedFault& first = plan.Faults().front();
+    std::vector<const PlantedFault*> faults;
+    for (const PlantedFault& fault : plan.Faults()) {
+        if (fault.start == first.start) {
+            faults.push_back(&fault);
+        }
+    }
+    const size_t seen = topology.IndexOf(DetectorPoint(first));
+    const auto delay = [seen](const PlantedFault* fault) {
+        return std::accumulate(fault->added[seen].begin(), fault->added[seen].end(), 0.0);
+    };
+    std::stable_sort(faults.begin(), faults.end(),
+                     [&](const auto* a, const auto* b) { return delay(a) > delay(b); });
+    return faults;
+}
+
+// What an explanation of the latest delay must come to.
+Json::Value ExplanationValue(const Topology& topology, const Plan& plan) {
+    Json::Value value(Json::objectValue);
+    const PlantedFault* first = plan.Fault();
+    const bool isSlow = first != nullptr && !IsError(*first);
+    value["graph"] = isSlow ? Json::Value(std::string(first->path.front().graph)) : Json::Value();
+    value["verdict"] = !isSlow ? "nothing" : first->recipe.kind == FaultKind::LOAD ? "load" : "point";
+    value["points"] = Json::Value(Json::arrayValue);
+    if (value["verdict"] == "point") {
+        for (const PlantedFault* fault : LargestFirst(topology, plan)) {
+            value["points"].append(LastPoint(WalkValue(topology, fault->path)));
+            if (!fault->recipe.twin.empty()) {
+                value["points"].append(std::string(fault->recipe.twin));
+            }
+        }
+    }
     return value;
 }
 
@@ -86,7 +148,7 @@ Json::Value EventValue(const HealEvent& event) {
 
 PeakFinder::PeakFinder(const Topology& topology, const Plan& worldPlan) : plan(worldPlan) {
     if (const PlantedFault* fault = plan.Fault()) {
-        watched = topology.IndexOf(IsDelay(*fault) ? DetectorPoint(*fault) : fault->recipe.point);
+        watched = topology.IndexOf(IsError(*fault) ? fault->recipe.point : DetectorPoint(*fault));
     }
 }
 
@@ -96,9 +158,8 @@ void PeakFinder::Observe(size_t point, int64_t sampleTime, const Sample& sample)
         return;
     }
     const FaultRecipe& recipe = fault->recipe;
-    const int64_t found = recipe.kind == FaultKind::DELAY
-                              ? sample.averageDelay
-                              : sample.errorCodes[static_cast<size_t>(recipe.errorColumn)];
+    const int64_t found =
+        IsError(*fault) ? sample.errorCodes[static_cast<size_t>(recipe.errorColumn)] : sample.averageDelay;
     if (found > value) {
         time = sampleTime;
         value = found;
@@ -118,6 +179,11 @@ std::string Truth(const WorldOptions& options, const Topology& topology, const P
     truth["step"] = Json::Int64{options.step};
     truth["fault"] =
         plan.Fault() != nullptr ? FaultValue(options, topology, *plan.Fault(), peak) : Json::Value();
+    truth["other_faults"] = Json::Value(Json::arrayValue);
+    for (size_t i = 1; i < plan.Faults().size(); ++i) {
+        truth["other_faults"].append(PlantedValue(topology, plan.Faults()[i]));
+    }
+    truth["explain"] = ExplanationValue(topology, plan);
     truth["heal_events"] = Json::Value(Json::arrayValue);
     for (const HealEvent& event : events) {
         truth["heal_events"].append(EventValue(event));

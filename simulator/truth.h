@@ -15,8 +15,8 @@
 namespace lumosim {
 
 // Finds, among the rows that are written, the worst one of the fault: the longest average delay of the point
-// that hosts see (a delay fault), or most errors of the planted point (an error fault). The first one of
-// equals.
+// that hosts see (a fault of delay or load), or most errors of the planted point (an error fault). The first
+// one of equals.
 class PeakFinder {
 public:
     // Keeps `plan`.

@@ -51,7 +51,7 @@ WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress) {
     CheckOptions(options);
     Scenario scenario = *FindScenario(options.scenario);
     const Topology topology(GraphsOf(scenario));
-    scenario.fault = ChosenFault(options, scenario.fault, topology);
+    ChooseErrors(options, topology, scenario);
     CreateRoot(options.root);
     const Noise noise(options.seed);
     const Levels levels = UsualLevels(topology);

@@ -43,7 +43,8 @@ TEST(ScenarioTest, TruthIsWhatAnIndependentLookFinds) {
         for (const auto& [seed, hours, step] : ranges) {
             const std::string name(scenario.name);
             SCOPED_TRACE(name + ", seed " + std::to_string(seed));
-            const WrittenWorld world(Options(name, seed, std::max(hours, scenario.minimumHours), step));
+            const WrittenWorld world(Options(name, seed, std::max(hours, scenario.minimumHours),
+                                             std::max(step, 10 * scenario.minimumHours)));
             EXPECT_EQ(world.Query("select ifnull(fault->>'detector_point', fault->>'point'),"
                                   " fault->>'peak_epoch', fault->>'peak_value' from json"
                                   " where fault != 'null'"),
@@ -117,6 +118,31 @@ TEST(ScenarioTest, FaultsReachEveryAncestorWeakerAndLater) {
         EXPECT_EQ(planted, world.Query(PLANTED).at(0));
         EXPECT_THAT(world.Query(WRONG_ANCESTORS), IsEmpty()) << scenario;
         EXPECT_EQ(others, world.Value(OTHERS)) << scenario;
+    }
+}
+
+// How many times as slow and as busy each point is during the fault as else.
+constexpr char CHANGES[] = R"(
+    create temp view changes as select locatename as point, avg(avgdelay) filter (where curtime between first and last) as delay,
+        avg(avgdelay) filter (where curtime between first and last) / avg(avgdelay) as slower,
+        avg(acceptnum) filter (where curtime between first and last) / avg(acceptnum) as busier
+    from samples, (select fault->>'start_epoch' as first, fault->>'end_epoch' as last from json) group by 1)";
+
+TEST(ScenarioTest, ExplanationsAreWhatTheStatisticsSay) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"flat-parent", R"(sum(slower = 1 and busier = 1) = 1 and sum(slower > 1.5) = 3
+            from json, json_each(fault, '$.path') join changes on value = point)"},
+        {"two-faults", R"(sum(slower > 5) = 2 and min(delay) filter (where key = 0) > 1.5 * max(delay)
+            filter (where key = 1) from json, json_each(truth, '$.explain.points') join changes on value = point)"},
+        {"load-surge", R"(sum(slower > 1.5) = 22 and sum(busier > 2) = 19 and max(slower) filter
+            (where slower < 1.5) < 1.1 and max(busier) filter (where busier < 2) < 1.1 from changes)"},
+        {"old-spike", R"(fault->>'peak_epoch' < fault->>'start_epoch' - 6 * 3600
+            and fault->>'peak_value' > 2 * delay from json, changes where point = 'TGT_LUMO_HOST_READ')"},
+    };
+    for (const auto& [scenario, isRight] : cases) {
+        const WrittenWorld world(Options(scenario, 42, lumosim::FindScenario(scenario)->minimumHours, 60));
+        world.Query(CHANGES);
+        EXPECT_EQ("1", world.Value(std::string("select ") + isRight)) << scenario;
     }
 }
 
