@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <functional>
 
 #include "explain/statistics.h"
@@ -15,6 +16,7 @@ constexpr double EQUAL_LOAD = 0.1;       // requests that differ by less than th
 constexpr size_t FEWEST_EQUAL_LOAD = 3;
 constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
 constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
+constexpr std::ptrdiff_t SAMPLES_AROUND = 10;
 
 // How many intervals between the first and the last sample have none, as far as the usual distance of two
 // samples tells.
@@ -128,13 +130,31 @@ Nature NatureOf(const Evidence& evidence, bool surged) {
     return *evidence.loadCorrelation >= FOLLOWS_LOAD ? Nature::LOAD : Nature::DEVICE;
 }
 
-void JudgeLoad(const PointData& point, const Samples& baseline, Evidence& evidence) {
-    const Usual usual = UsualOf(RequestsOf(baseline));
-    evidence.baselineRequests = usual.median;
-    evidence.loadCorrelation =
-        CorrelationOf(DelaySeries(point.samples), RequestSeries(point.samples)).correlation;
+// The samples of the event and a few to either side: over a long range, the swing of a day says more of how
+// delays go with requests than a short event does.
+Samples Around(const Samples& samples, const Event& event) {
+    const auto isBefore = [](const Sample& sample, int64_t time) { return sample.time < time; };
+    const auto isAfter = [](int64_t time, const Sample& sample) { return time < sample.time; };
+    const auto first = std::lower_bound(samples.begin(), samples.end(), event.start, isBefore);
+    const auto last = std::upper_bound(first, samples.end(), event.end, isAfter);
+    return {first - std::min(SAMPLES_AROUND, first - samples.begin()),
+            last + std::min(SAMPLES_AROUND, samples.end() - last)};
+}
+
+// Whether more requests came than usual: the scale of a day's swing may be wide, but hardly what is above all
+// that was seen before.
+bool HasSurged(double requests, const std::vector<double>& before) {
+    const double most = *std::max_element(before.begin(), before.end());
+    return requests > (1.0 + EQUAL_LOAD) * most || UsualOf(before).Deviations(requests) > HIGH;
+}
+
+void JudgeLoad(const PointData& point, const Samples& baseline, const Event& event, Evidence& evidence) {
+    const std::vector<double> before = RequestsOf(baseline);
+    const Samples around = Around(point.samples, event);
+    evidence.baselineRequests = UsualOf(before).median;
+    evidence.loadCorrelation = CorrelationOf(DelaySeries(around), RequestSeries(around)).correlation;
     evidence.equalLoadRatio = EqualLoadRatio(baseline, *evidence.eventRequests, *evidence.eventDelay);
-    evidence.nature = NatureOf(evidence, usual.Deviations(*evidence.eventRequests) > HIGH);
+    evidence.nature = NatureOf(evidence, HasSurged(*evidence.eventRequests, before));
 }
 
 }  // namespace
@@ -162,7 +182,7 @@ Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event
     Evidence evidence = BriefEvidenceOf(point, baseline, event);
     TellWhatIsMissing(point, evidence);
     if (evidence.excess) {
-        JudgeLoad(point, baseline, evidence);
+        JudgeLoad(point, baseline, event, evidence);
     }
     return evidence;
 }

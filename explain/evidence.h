@@ -31,7 +31,7 @@ struct Evidence {
     std::optional<double> excess;            // extra delay times requests, microseconds per interval
     std::optional<double> deviations;  // of the event's most unusual sample from the baseline, with its sign
     std::optional<int64_t> onset;      // the first unusual sample of the event, UTC
-    std::optional<double> loadCorrelation;  // of delay with requests over the whole range
+    std::optional<double> loadCorrelation;  // of delay with requests, in and around the event
     std::optional<double> equalLoadRatio;   // delay of the event to that of the baseline at equal load
     Nature nature = Nature::UNKNOWN;
     std::vector<std::string> reasons;  // in words, for the operator

@@ -143,7 +143,7 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=HHHH|SS", "+device 24 8 90000 "},
         {"=SSS|SS", "+load 23 9 90000 "},
         {"=sss|SSSSSS", "+device 23 450 90000 "},
-        {".u.u.u.u.u.u.u.u.u.u|UU", "+device 20 450 36000 "},
+        {".u.u.u.u.u.u.u.u.u.u|UU", "+load 20 450 36000 "},
         {"=|HH", "-unknown 20 450 none ; an observation p", true},
         {"=|..", "-usual none 0 0 ; constant over th; the clock jumped", false, true},
         {"|H", "-unknown none none none ; only 1 sample: t; only 0 samples b"},
