@@ -19,14 +19,6 @@ constexpr std::array<const char*, 12> VALUE_COLUMNS = {"acceptnum", "successnum"
                                                        "errCode1",  "errCode2",   "errCode3",  "errCode4"};
 constexpr const char* DELAY_COLUMN = "avgdelay";
 
-// Room for `more` rows. Grows by a quarter: with a doubling, half of a large graph's memory would lie idle.
-void MakeRoom(FaultSeries& series, size_t more) {
-    const size_t needed = series.size() + more;
-    if (needed > series.capacity()) {
-        series.reserve(std::max(needed, series.size() + series.size() / 4));
-    }
-}
-
 // Appends a point's rows from all tables, column by column.
 uint32_t LoadPoint(FaultSqlInputParam& query, const std::string& point,
                    const std::vector<std::string>& tables, std::map<std::string, FaultSeries>& columns) {
@@ -38,6 +30,9 @@ uint32_t LoadPoint(FaultSqlInputParam& query, const std::string& point,
         if (FaultDataBaseExcuteFullSql(sql, FaultCausalityGraph::QueryFullDataCb, columns) != 0) {
             return 1;
         }
+    }
+    for (auto& column : columns) {
+        column.second.shrink_to_fit();  // otherwise much of a large graph's memory would lie idle
     }
     return 0;
 }
@@ -106,7 +101,6 @@ uint32_t FaultCausalityGraph::QueryFullDataCb(char** result, int32_t rowCount, i
     std::array<FaultSeries*, VALUE_COLUMNS.size()> columns{};
     for (size_t i = 0; i < columns.size(); ++i) {
         columns[i] = &series[VALUE_COLUMNS[i]];
-        MakeRoom(*columns[i], static_cast<size_t>(rowCount));
     }
     char** cells = result;
     for (int32_t row = 0; row < rowCount; ++row) {
