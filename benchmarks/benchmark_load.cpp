@@ -1,6 +1,7 @@
 // Loading from the statistics database.
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -102,10 +103,8 @@ size_t ValueCount(const FaultCausalityGraph& graph) {
 // afterwards.
 void LoadGraph(benchmark::State& state) {
     const LoadWorld world(state.range(0), state.range(1));
-    std::vector<std::string> points;
-    for (int32_t i = 0; i < state.range(0); ++i) {
-        points.push_back(BenchmarkPoint(i));
-    }
+    std::vector<std::string> points(static_cast<size_t>(state.range(0)));
+    std::generate(points.begin(), points.end(), [i = 0]() mutable { return BenchmarkPoint(i++); });
     const std::vector<std::string> statements = world.Statements(&FaultConstructFullSql, points);
     size_t values = 0;
     const auto load = [&] {

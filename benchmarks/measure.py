@@ -1,12 +1,13 @@
 #!/usr/bin/python3
 """Builds the benchmarks, runs them, and prints every figure of README.md, the medians of several runs.
 
-The comparisons at the end need the Debian packages python3-pandas and python3-scipy; without these they are
-left out. Times are processor time of one thread.
+The comparisons with Python at the end need the Debian packages python3-pandas and python3-scipy; without these
+they are left out. Times are processor time of one thread.
 """
 import argparse
 import json
 import os
+import re
 import sqlite3
 import statistics
 import subprocess
@@ -55,10 +56,10 @@ def milliseconds(work, repeat):
     return statistics.median(times)
 
 
-def load(file, rows_of):
-    """The load of a graph's points by the statements of the plug-in, each answered by `rows_of`."""
+def load(file, rows_of, cache_kib=32768):
+    """The load of a graph's points by the statements of the plug-in, all of a point answered by `rows_of`."""
     connection = sqlite3.connect(f"file:{file}?mode=ro", uri=True)
-    connection.execute("pragma cache_size = -32768")
+    connection.execute(f"pragma cache_size = -{cache_kib}")
     tables = [name for name, in connection.execute("select tablename from table_flag")]
     points = [name for name, in connection.execute("select locatename from version_nmaps")]
     graph = {point: rows_of(connection, [
@@ -66,7 +67,6 @@ def load(file, rows_of):
         f" errCode1, errCode2, errCode3, errCode4 from {table} where locateid = (select locateid from"
         f" version_nmaps where locatename = '{point}') and curtime >= 1691020800 and curtime <= 1691193599"
         for table in tables]) for point in points}
-    connection.close()
     assert all(len(rows) == 48 * 120 for rows in graph.values())
 
 
@@ -78,13 +78,21 @@ def load_frames(connection, statements):
     return pandas.concat([pandas.read_sql_query(sql, connection) for sql in statements], ignore_index=True)
 
 
-def compare(ours, repeat):
-    """Prints what Python takes for the same: a list of tuples, a data frame per point, a coefficient."""
-    with tempfile.TemporaryDirectory() as folder:
-        file = Path(folder, "lumo.db")
-        subprocess.run([PROGRAMS / "smartdiagnose_benchmark_world", file, Path(folder, "heal.db")], check=True)
-        others = [(GRAPH, "sqlite3", milliseconds(lambda: load(file, load_tuples), repeat)),
-                  (GRAPH, "pandas", milliseconds(lambda: load(file, load_frames), 1))]
+def read_calls():
+    return int(re.search(r"syscr: (\d+)", Path("/proc/self/io").read_text()).group(1))
+
+
+def compare_caches(file):
+    for mebibytes in (2, 8, 16, 24, 32, 64):
+        calls = read_calls()
+        taken = milliseconds(lambda: load(file, load_tuples, mebibytes * 1024), 1)
+        print(f"page cache of {mebibytes:2} MiB: {taken:8.1f} ms by sqlite3, {read_calls() - calls:8} reads")
+
+
+def compare_python(file, ours, repeat):
+    """Prints what Python takes for the same: a list of tuples or a data frame per point, a coefficient."""
+    others = [(GRAPH, "sqlite3", milliseconds(lambda: load(file, load_tuples), repeat)),
+              (GRAPH, "pandas", milliseconds(lambda: load(file, load_frames), 1))]
     random = numpy.random.default_rng(1)
     x, y = (random.integers(800, 1200, 1000000).astype(float) for _ in range(2))
     others.append((WEIGHT, "scipy.stats.pearsonr, aligned", milliseconds(lambda: pearsonr(x, y), 20)))
@@ -103,10 +111,14 @@ def main():
                for name, counters in results[0].items()}
     for name, counters in medians.items():
         print(f"{name:24}" + "".join(f"{counters[c]:16.3f}" if c in counters else " " * 16 for c in COUNTERS))
-    if pearsonr is None:
-        print(MISSING)
-    else:
-        compare({name: counters["ours_ms"] for name, counters in medians.items()}, runs)
+    with tempfile.TemporaryDirectory() as folder:
+        file = Path(folder, "lumo.db")
+        subprocess.run([PROGRAMS / "smartdiagnose_benchmark_world", file, Path(folder, "heal.db")], check=True)
+        compare_caches(file)
+        if pearsonr is None:
+            print(MISSING)
+        else:
+            compare_python(file, {name: counters["ours_ms"] for name, counters in medians.items()}, runs)
 
 
 if __name__ == "__main__":

@@ -1,19 +1,14 @@
-// Writes the largest world of the benchmarks for others to read.
+// Writes the largest world of the benchmarks for others to read. Arguments: its two databases.
 #include <cstdio>
 #include <exception>
+#include <vector>
 
 #include "benchmarks/benchmark_world.h"
 
-int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: %s DATABASE HEAL-DATABASE\n", argv[0]);
-        return 2;
-    }
-    try {
-        WriteBenchmarkWorld({300, 48, 120}, argv[1], argv[2]);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
-    return 0;
+int main(int argc, char** argv) try {
+    const std::vector<std::string> files(argv + 1, argv + argc);
+    WriteBenchmarkWorld({300, 48, 120}, files.at(0), files.at(1));
+} catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
 }
