@@ -1,15 +1,39 @@
 #include "benchmarks/benchmark_ratio.h"
 
+#include <malloc.h>
+
 #include <algorithm>
-#include <chrono>
+#include <ctime>
+#include <fstream>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
 
+double ThreadMilliseconds() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) * 1e-6;
+}
+
 double Milliseconds(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = ThreadMilliseconds();
     work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    return ThreadMilliseconds() - start;
+}
+
+// A line of /proc/self/status: a name and kilobytes.
+double StatusBytes(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word) {
+        double kilobytes = 0.0;
+        if (word == name && status >> kilobytes) {
+            return kilobytes * 1024.0;
+        }
+    }
+    throw std::runtime_error("/proc/self/status without " + name);
 }
 
 double Median(std::vector<double>& values) {
@@ -39,4 +63,14 @@ void MeasureRatio(benchmark::State& state, const std::function<void()>& ours,
     state.counters["ours_ms"] = oursMedian;
     state.counters["bare_ms"] = bareMedian;
     state.counters["ratio"] = oursMedian / bareMedian;
+}
+
+double PeakMemory(const std::function<void()>& work) {
+    malloc_trim(0);
+    if (!(std::ofstream("/proc/self/clear_refs") << 5 << std::flush)) {  // the peak begins anew
+        throw std::runtime_error("/proc/self/clear_refs");
+    }
+    const double before = StatusBytes("VmRSS:");
+    work();
+    return StatusBytes("VmHWM:") - before;
 }

@@ -32,7 +32,7 @@ std::string TableName(int32_t hour) {
            std::to_string(dayHour) + "0000";
 }
 
-// Rows of every point, evenly over one hour from `start` on.
+// Rows of every point, evenly over one hour from `start` on, sample by sample, as a producer writes them.
 std::string FillTable(const BenchmarkWorld& world, const std::string& name, int64_t start) {
     const std::string step = std::to_string(3600 / world.rowsPerTable);
     return "create table " + name +
@@ -44,7 +44,7 @@ std::string FillTable(const BenchmarkWorld& world, const std::string& name, int6
            std::to_string(world.rowsPerTable) + ") select locateid, " + std::to_string(start) + " + i * " +
            step +
            ", 5000 + i, 5000 + i, 0, 0, 800 + (locateid * 7919 + i * 104729) % 400, 2500, 100, 0, 0, 0, 0, 0"
-           " from sample, version_nmaps;"
+           " from sample cross join version_nmaps;"
            "create index index_" +
            name + " on " + name +
            "(locateid, curtime);"
@@ -59,15 +59,18 @@ void WriteBenchmarkWorld(const BenchmarkWorld& world, const std::string& file, c
     const Database statistics = Create(file);
     Execute(statistics,
             "begin; create table table_flag(tablename text, reporttime integer);"
-            "create table version_nmaps(locateid integer, locatename text);"
-            "insert into version_nmaps values(0, 'TGT_LUMO_HOST_READ');");
-    Execute(statistics,
-            "insert into version_nmaps with recursive point(i) as (select 1 union all select i + 1 from point"
-            " where i + 1 < " +
-                std::to_string(world.points) + ") select i, 'POINT_' || i from point;");
+            "create table version_nmaps(locateid integer, locatename text);");
+    for (int32_t i = 0; i < world.points; ++i) {
+        Execute(statistics,
+                "insert into version_nmaps values(" + std::to_string(i) + ", '" + BenchmarkPoint(i) + "');");
+    }
     for (int32_t hour = 0; hour < world.tables; ++hour) {
         Execute(statistics, FillTable(world, TableName(hour), FIRST_HOUR + int64_t{3600} * hour));
     }
     Execute(statistics, "commit;");
     Create(healFile);
+}
+
+std::string BenchmarkPoint(int32_t number) {
+    return number == 0 ? "TGT_LUMO_HOST_READ" : "POINT_" + std::to_string(number);
 }

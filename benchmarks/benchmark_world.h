@@ -10,6 +10,8 @@ struct BenchmarkWorld {
     int32_t rowsPerTable = 0;  // of each point
 };
 
-// Writes the world's statistics database to `file`, with an empty heal database to `healFile`. Point k is
-// called "POINT_k", but for point 0, which is the first one that the detector reads.
+// Writes the world's statistics database to `file`, with an empty heal database to `healFile`.
 void WriteBenchmarkWorld(const BenchmarkWorld& world, const std::string& file, const std::string& healFile);
+
+// The name of a point of the world, from 0 on; point 0 is the first one that the detector reads.
+std::string BenchmarkPoint(int32_t number);

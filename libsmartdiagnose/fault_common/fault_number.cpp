@@ -19,10 +19,17 @@ namespace {
     throw std::invalid_argument("not a number: '" + shown + "'");
 }
 
+// As the "C" locale has it.
+bool IsBlank(char letter) {
+    return letter == ' ' || (letter >= '\t' && letter <= '\r');
+}
+
 template <typename Integer>
 Integer ToInteger(std::string_view text) {
-    const size_t first = text.find_first_not_of(" \t\n\v\f\r");
-    std::string_view digits = first == std::string_view::npos ? std::string_view() : text.substr(first);
+    std::string_view digits = text;
+    while (!digits.empty() && IsBlank(digits[0])) {
+        digits.remove_prefix(1);
+    }
     // from_chars() knows the minus, but no plus.
     if (digits.size() > 1 && digits[0] == '+' && digits[1] != '-') {
         digits.remove_prefix(1);

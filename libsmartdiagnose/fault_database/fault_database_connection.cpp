@@ -9,8 +9,14 @@
 
 namespace {
 
-FaultConnection& NeverDestroyed(const char* logName, const char* fixedPath) {
-    return *std::make_unique<FaultConnection>(logName, fixedPath).release();
+// A graph is read point by point, and a point's rows lie wide apart, as each sample has the rows of all
+// points side by side. Two days of samples every 30 seconds are 5760 pages of 4 KiB; the next point's rows
+// are mostly on the same ones.
+constexpr int32_t STATISTICS_CACHE_KIB = 32 * 1024;
+constexpr int32_t HEAL_CACHE_KIB = 2000;  // SQLite's own bound
+
+FaultConnection& NeverDestroyed(const char* logName, const char* fixedPath, int32_t cacheKib) {
+    return *std::make_unique<FaultConnection>(logName, fixedPath, cacheKib).release();
 }
 
 FaultFileIdentity IdentityOf(const std::string& path) {
@@ -30,15 +36,29 @@ bool HasMoved(sqlite3* handle, const FaultFileIdentity& opened, const std::strin
     return moved != 0 || now.device != opened.device || now.inode != opened.inode;
 }
 
+FaultAttempt GetTable(sqlite3* handle, const std::string& sql) {
+    FaultAttempt attempt;
+    char** cells = nullptr;
+    char* error = nullptr;
+    attempt.ok = sqlite3_get_table(handle, sql.c_str(), &cells, &attempt.table.rowCount,
+                                   &attempt.table.columnCount, &error) == SQLITE_OK;
+    attempt.table.cells.reset(cells);
+    const std::unique_ptr<char, decltype(&sqlite3_free)> errorOwner(error, &sqlite3_free);
+    attempt.error = error != nullptr ? error : "";
+    return attempt;
+}
+
 }  // namespace
 
 FaultConnection& FaultLumoDataBase() {
-    static FaultConnection& connection = NeverDestroyed("g_lumoDataBase", LUMO_DATABASE_FILE);
+    static FaultConnection& connection =
+        NeverDestroyed("g_lumoDataBase", LUMO_DATABASE_FILE, STATISTICS_CACHE_KIB);
     return connection;
 }
 
 FaultConnection& FaultZorvHealDataBase() {
-    static FaultConnection& connection = NeverDestroyed("g_zorvHealDataBase", ZORV_HEAL_DATABASE_FILE);
+    static FaultConnection& connection =
+        NeverDestroyed("g_zorvHealDataBase", ZORV_HEAL_DATABASE_FILE, HEAL_CACHE_KIB);
     return connection;
 }
 
@@ -56,6 +76,7 @@ int32_t FaultConnection::Open() {
         FaultLock lock(mutex);
         handle.swap(replaced);
         file = identity;
+        isCacheBounded = false;
     }
     FAULT_LOG(FAULT_IN("FaultDataBaseInit"), FAULT_INFO, "%s is %p", name, static_cast<void*>(opened));
     return SQLITE_OK;
@@ -80,19 +101,17 @@ bool FaultConnection::IsOpen() {
 }
 
 FaultAttempt FaultConnection::Query(const std::string& sql) {
-    FaultAttempt attempt;
     FaultLock lock(mutex);
     if (handle == nullptr) {
-        return attempt;
+        return {};
     }
-    char** cells = nullptr;
-    char* error = nullptr;
-    const int32_t result = sqlite3_get_table(handle.get(), sql.c_str(), &cells, &attempt.table.rowCount,
-                                             &attempt.table.columnCount, &error);
-    attempt.table.cells.reset(cells);
-    const std::unique_ptr<char, decltype(&sqlite3_free)> errorOwner(error, &sqlite3_free);
+    if (!isCacheBounded) {
+        // Not in Open(): the statement locks and reads the file, which may just be in the making.
+        const std::string bound = "PRAGMA cache_size = -" + std::to_string(cacheKib) + ";";
+        isCacheBounded = GetTable(handle.get(), bound).ok;
+    }
+    FaultAttempt attempt = GetTable(handle.get(), sql);
     attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
-    attempt.ok = result == SQLITE_OK && !attempt.moved;
-    attempt.error = error != nullptr ? error : "";
+    attempt.ok = attempt.ok && !attempt.moved;
     return attempt;
 }

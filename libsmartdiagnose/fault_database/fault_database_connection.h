@@ -43,7 +43,9 @@ struct FaultAttempt {
 class FaultConnection {
 public:
     // `logName` stands in log lines; `fixedPath` is one of agent/agent_storage.h. Both are kept as they are.
-    constexpr FaultConnection(const char* logName, const char* fixedPath) : name(logName), path(fixedPath) {}
+    // `pageCacheKib` bounds the memory, KiB, in which pages of the file wait for the next query.
+    constexpr FaultConnection(const char* logName, const char* fixedPath, int32_t pageCacheKib)
+        : name(logName), path(fixedPath), cacheKib(pageCacheKib) {}
 
     // Opens the file anew; the former connection is closed once the new one stands in its place. Returns
     // SQLite's result; unless that is 0 the former connection stays.
@@ -60,9 +62,11 @@ public:
 private:
     const char* const name;
     const char* const path;
+    const int32_t cacheKib;
     FaultMutex mutex;
     FaultSqliteHandle handle FAULT_GUARDED_BY(mutex);
     FaultFileIdentity file FAULT_GUARDED_BY(mutex);  // what stood at the path when the handle was opened
+    bool isCacheBounded FAULT_GUARDED_BY(mutex) = false;
 };
 
 // The two databases. They are never destroyed: the watcher thread outlives main().

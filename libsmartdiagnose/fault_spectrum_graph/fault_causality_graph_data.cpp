@@ -19,11 +19,13 @@ constexpr std::array<const char*, 12> VALUE_COLUMNS = {"acceptnum", "successnum"
                                                        "errCode1",  "errCode2",   "errCode3",  "errCode4"};
 constexpr const char* DELAY_COLUMN = "avgdelay";
 
-// Room for `more` rows. Grows by a quarter: with a doubling, half of a large graph's memory would lie idle.
-void MakeRoom(FaultSeries& series, size_t more) {
-    const size_t needed = series.size() + more;
-    if (needed > series.capacity()) {
-        series.reserve(std::max(needed, series.size() + series.size() / 4));
+// Tables have about the same number of rows: what the first one had tells the room for all. To grow step by
+// step costs nearly as much as to turn the cells into numbers. A first table out of all proportion gets no
+// more than a mebibyte per column.
+void MakeRoom(std::map<std::string, FaultSeries>& columns, size_t tableCount) {
+    constexpr size_t MOST_ROWS = (1U << 20U) / sizeof(FaultSeriesRow);
+    for (auto& column : columns) {
+        column.second.reserve(std::min(column.second.size() * tableCount, MOST_ROWS));
     }
 }
 
@@ -89,6 +91,12 @@ uint32_t FaultCausalityGraph::LoadPoint(FaultSqlInputParam& query, const std::st
         if (FaultDataBaseExcuteFullSql(sql, FaultCausalityGraph::QueryFullDataCb, columns) != 0) {
             return 1;
         }
+        if (&table == &tables.front()) {
+            MakeRoom(columns, tables.size());
+        }
+    }
+    for (auto& column : columns) {
+        column.second.shrink_to_fit();  // room that lies idle adds up over the points
     }
     return 0;
 }
@@ -106,7 +114,6 @@ uint32_t FaultCausalityGraph::QueryFullDataCb(char** result, int32_t rowCount, i
     std::array<FaultSeries*, VALUE_COLUMNS.size()> columns{};
     for (size_t i = 0; i < columns.size(); ++i) {
         columns[i] = &series[VALUE_COLUMNS[i]];
-        MakeRoom(*columns[i], static_cast<size_t>(rowCount));
     }
     char** cells = result;
     for (int32_t row = 0; row < rowCount; ++row) {

@@ -1,3 +1,4 @@
+#include <fstream>
 #include <numeric>
 
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -123,6 +124,24 @@ TEST_F(Query, AnswersFromTheFileAtThePathOnly) {
     expectAnswer(7);
     world.Write(LUMO_DATABASE_FILE, std::string(4096, 'x'));
     EXPECT_EQ(Run("select tablename from table_flag;"), 1U);
+}
+
+// Eight megabytes are more than SQLite would keep in memory by itself.
+TEST_F(Query, ReadsEachPageOnce) {
+    world.Exec(
+        LUMO_DATABASE_FILE,
+        "CREATE TABLE T AS WITH RECURSIVE r(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM r WHERE i < 8000)"
+        " SELECT hex(zeroblob(500)) AS x FROM r;");
+    Run("select 1;");
+    FaultDataBaseInit();  // the former connection's memory went with it
+    std::array<int64_t, 3> bytesRead{};
+    for (int64_t& bytes : bytesRead) {
+        std::string name;
+        std::ifstream("/proc/self/io") >> name >> bytes;
+        Run("select max(x) from T;");
+    }
+    EXPECT_GT(bytesRead[1] - bytesRead[0], 8'000'000);
+    EXPECT_LT(bytesRead[2] - bytesRead[1], 100'000);
 }
 
 using Catalogue = DatabaseTest;

@@ -214,6 +214,10 @@ TEST(Walk, CoefficientsOfKnownSeries) {
         EXPECT_NEAR(WeightCompute(one.a, one.b), one.expected, 1e-12) << one.what;
     }
     EXPECT_EQ(WeightCompute({{1, 1000000}, {2, 1000000}, {3, 1000000}}, {{1, 5}, {2, 9}, {3, 7}}), -1.0);
+    // Any other order of the additions and divisions ends in another last bit.
+    const FaultSeries x = {{1, 16}, {2, 7}, {3, 4}, {4, 14}, {5, 18}, {6, 14}};
+    const FaultSeries y = {{1, 4}, {2, 10}, {3, 9}, {4, 8}, {5, 13}, {6, 18}};
+    EXPECT_EQ(WeightCompute(x, y), 0.10522856950998233);
 }
 
 TEST(Walk, Reductions) {
