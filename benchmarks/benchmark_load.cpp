@@ -2,6 +2,7 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <memory>
 #include <string>
@@ -9,9 +10,12 @@
 #include "agent/agent_storage.h"
 #include "benchmarks/benchmark_ratio.h"
 #include "benchmarks/benchmark_world.h"
+#include "fault_algorithm/fault_rootcause.h"
+#include "fault_common/fault_vocabulary.h"
 #include "fault_database/fault_database.h"
 #include "fault_spectrum_graph/fault_causality_graph.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
+#include "fault_spectrum_graph/fault_json_object.h"
 #include "tests/support/recording_agent.h"
 #include "tests/support/temp_world.h"
 
@@ -64,6 +68,11 @@ public:
             benchmark::DoNotOptimize(cells);
             sqlite3_free_table(cells);
         }
+    }
+
+    void Configure(const std::string& json) const {
+        root.Config(json);
+        FaultJsonObject::GetInstance().ParseJsonConfig(root.Path(ZORV_ROUTE_CONFIG_FILE));
     }
 
 private:
@@ -128,5 +137,47 @@ BENCHMARK(LoadGraph)
     ->Args({10, 12})
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
+
+// The points divided among all graphs that `showallerr` searches, as their nodes.
+std::string ErrorGraphs(const std::vector<std::string>& points) {
+    std::string json;
+    size_t next = 0;
+    size_t graphs = 0;
+    for (const auto& [entry, graph] : g_mapPointErrCodeRelated) {
+        std::string nodes;
+        for (const size_t end = points.size() * ++graphs / g_mapPointErrCodeRelated.size(); next < end;
+             ++next) {
+            nodes += (nodes.empty() ? "" : ",") + ("{\"id\":" + std::to_string(next)) + ",\"label\":\"" +
+                     points[next] + "\",\"info\":{}}";
+        }
+        json += (json.empty() ? "{\"" : ",\"") + graph + "\":{\"nodes\":[" + nodes + "],\"edges\":[]}";
+    }
+    return json + "}";
+}
+
+// The errors of every point of all graphs, graph by graph, against the bare queries. Memory is told per value
+// of one graph: there is never more than one.
+void SearchErrors(benchmark::State& state) {
+    const LoadWorld world(state.range(0), 120);
+    std::vector<std::string> points(static_cast<size_t>(state.range(0)));
+    std::generate(points.begin(), points.end(), [i = 0]() mutable { return BenchmarkPoint(i++); });
+    world.Configure(ErrorGraphs(points));
+    const std::vector<std::string> statements = world.Statements(&FaultConstructFullSql, points);
+    const auto search = [] {
+        FaultErrorPoints found;
+        for (const auto& [entry, graph] : g_mapPointErrCodeRelated) {
+            if (SearchAllErrCodeInGraph(entry, graph, START, END, found) != 0) {
+                std::abort();
+            }
+        }
+    };
+    const double peak = PeakMemory(search);
+    MeasureRatio(state, search, [&] { world.RunBare(statements); });
+    constexpr double VALUES = 48.0 * 120 * 12;
+    const double largest = std::ceil(static_cast<double>(points.size()) / 7.0);
+    state.counters["values"] = VALUES * static_cast<double>(points.size());
+    state.counters["bytes_per_value"] = peak / (VALUES * largest);
+}
+BENCHMARK(SearchErrors)->Arg(400)->Arg(14)->Iterations(3)->Unit(benchmark::kMillisecond);
 
 }  // namespace
