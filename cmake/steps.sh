@@ -116,3 +116,8 @@ build() {
     step "$preset: configure" cmake --preset "$preset" -DBUILD_TESTING=$testing || return
     step "$preset: build" cmake --build --preset "$preset" --parallel "$(nproc)" "${targets[@]}"
 }
+
+# build_programs: what users run, as they build it.
+build_programs() {
+    build release smartdiagnose zorv-local zorv-explain lumo-sim
+}

@@ -58,7 +58,7 @@ Flows FlowsOverEdges(const Analysis& analysis) {
 
 std::vector<double> FlowsInto(const Analysis& analysis, const Flows& edges) {
     std::vector<double> into(analysis.findings.size(), 0.0);
-    into[0] = 1.0;
+    into.at(0) = 1.0;
     for (const auto& [ends, flow] : edges) {
         into[ends.second] += flow;
     }
@@ -123,7 +123,7 @@ std::vector<size_t> Selected(const Analysis& analysis, const std::vector<double>
 // How many edges lie between each node and the top.
 std::vector<size_t> DistancesOf(const GraphWorld& world) {
     std::vector<size_t> distances(world.nodes.size(), NONE);
-    distances[0] = 0;
+    distances.at(0) = 0;
     for (size_t i = 0; i < world.nodes.size(); ++i) {
         for (const size_t below : BelowOf(world, i)) {
             distances[below] = std::min(distances[below], distances[i] + 1);
