@@ -138,21 +138,22 @@ BENCHMARK(LoadGraph)
     ->Iterations(3)
     ->Unit(benchmark::kMillisecond);
 
-// The points divided among all graphs that `showallerr` searches, as their nodes.
+// A configuration that divides the points among all graphs that `showallerr` searches.
 std::string ErrorGraphs(const std::vector<std::string>& points) {
-    std::string json;
+    Json::Value config(Json::objectValue);
     size_t next = 0;
     size_t graphs = 0;
     for (const auto& [entry, graph] : g_mapPointErrCodeRelated) {
-        std::string nodes;
+        Json::Value& nodes = config[graph]["nodes"];
         for (const size_t end = points.size() * ++graphs / g_mapPointErrCodeRelated.size(); next < end;
              ++next) {
-            nodes += (nodes.empty() ? "" : ",") + ("{\"id\":" + std::to_string(next)) + ",\"label\":\"" +
-                     points[next] + "\",\"info\":{}}";
+            Json::Value node(Json::objectValue);
+            node["id"] = static_cast<int32_t>(next);
+            node["label"] = points[next];
+            nodes.append(node);
         }
-        json += (json.empty() ? "{\"" : ",\"") + graph + "\":{\"nodes\":[" + nodes + "],\"edges\":[]}";
     }
-    return json + "}";
+    return config.toStyledString();
 }
 
 // The errors of every point of all graphs, graph by graph, against the bare queries. Memory is told per value
