@@ -221,10 +221,11 @@ TEST(ErrCodeWalk, AgreesWithAReferenceOnRandomGraphs) {
             node = NextNode(plain, visited, node->id, type);
         }
         ASSERT_TRUE(node == nullptr) << "the walk ended early";
-        const PlainNode& last = *plain.Find(info.path.back().ioPointid);
-        const std::string name = last.subGraph.empty() ? "N" + std::to_string(last.id) : last.subGraph;
+        const PlainNode* last = plain.Find(info.path.back().ioPointid);
+        ASSERT_NE(last, nullptr);
+        const std::string name = last->subGraph.empty() ? "N" + std::to_string(last->id) : last->subGraph;
         ASSERT_EQ(std::tuple(info.statusCode, info.anomalyNodeId, info.anomalyNodeName, info.nextGraphName),
-                  std::tuple(0, last.id, name, name));
+                  std::tuple(0, last->id, name, name));
         steps += info.path.size();
         longest = std::max(longest, info.path.size());
     }
