@@ -31,6 +31,10 @@ std::string PercentFigure(double share) {
     return Figure(share * 100.0, 1) + SPACE + "%";
 }
 
+std::string PlaceFigure(double x, double y) {
+    return Figure(x, 1) + "," + Figure(y, 1);
+}
+
 std::string DelayFigure(const std::optional<double>& microseconds) {
     return microseconds ? DelayFigure(*microseconds, *microseconds) : UNKNOWN_FIGURE;
 }

@@ -18,6 +18,9 @@ std::string Figure(const std::optional<double>& value, int digits);
 // A share of 0 to 1 in percent, such as "96.6 %".
 std::string PercentFigure(double share);
 
+// A place in a drawing, "12.5,3.0".
+std::string PlaceFigure(double x, double y);
+
 // A delay, in microseconds as the statistics have it: in the unit that suits it, or that suits the largest of
 // several to compare.
 std::string DelayFigure(const std::optional<double>& microseconds);

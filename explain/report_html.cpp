@@ -11,7 +11,7 @@ namespace explain {
 namespace {
 
 std::string RangeInWords(const Report& report) {
-    return LocalTimes(report.range.startTime, report.range.endTime, report.zoneOffset) + " (" + "UTC" +
+    return LocalTimes(report.range.startTime, report.range.endTime, report.zoneOffset) + " (UTC" +
            ZoneText(report.zoneOffset) + ")";
 }
 

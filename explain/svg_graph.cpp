@@ -30,10 +30,6 @@ double TopOf(const PlacedNode& node) {
     return MARGIN + static_cast<double>(node.row) * ROW;
 }
 
-std::string At(double x, double y) {
-    return Figure(x, 1) + "," + Figure(y, 1);
-}
-
 // Down, from the middle of the lower side to that of the upper one. Any other way leads round the right side.
 std::string OutlineOf(const PlacedNode& from, const PlacedNode& to) {
     const double middle = NODE_WIDTH / 2;
@@ -42,15 +38,16 @@ std::string OutlineOf(const PlacedNode& from, const PlacedNode& to) {
         const double x = LeftOf(from) + middle;
         const double y = TopOf(from) + NODE_HEIGHT;
         const double endX = LeftOf(to) + middle;
-        return "M" + At(x, y) + " C" + At(x, y + bend) + " " + At(endX, TopOf(to) - bend) + " " +
-               At(endX, TopOf(to));
+        return "M" + PlaceFigure(x, y) + " C" + PlaceFigure(x, y + bend) + " " +
+               PlaceFigure(endX, TopOf(to) - bend) + " " + PlaceFigure(endX, TopOf(to));
     }
     const double x = LeftOf(from) + NODE_WIDTH;
     const double y = TopOf(from) + NODE_HEIGHT / 2;
     const double endX = LeftOf(to) + NODE_WIDTH;
     const double endY = TopOf(to) + NODE_HEIGHT / 2;
     const double aside = std::max(x, endX) + MARGIN * 2;
-    return "M" + At(x, y) + " C" + At(aside, y) + " " + At(aside, endY) + " " + At(endX, endY);
+    return "M" + PlaceFigure(x, y) + " C" + PlaceFigure(aside, y) + " " + PlaceFigure(aside, endY) + " " +
+           PlaceFigure(endX, endY);
 }
 
 Markup DrawEdge(const Analysis& analysis, const FlowPicture& picture, const PlacedEdge& edge) {

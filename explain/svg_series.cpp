@@ -28,10 +28,6 @@ constexpr int64_t TIME_TICKS_MOST = 9;
 constexpr double DELAY_TICKS = 4.0;
 constexpr double GAP = 2.5;  // distances of two drawn samples, before the line breaks
 
-std::string At(double x, double y) {
-    return Figure(x, 1) + "," + Figure(y, 1);
-}
-
 // The smallest step of 1, 2 or 5 times a power of ten that is at least `least`.
 double RoundStep(double least) {
     const double power = std::pow(10.0, std::floor(std::log10(least)));
@@ -137,7 +133,7 @@ private:
             const double delay = static_cast<double>(i) * delayStep;
             const double y = Y(delay);
             axis += Element("path", {{"class", i > 0 ? "grid" : "axis"},
-                                     {"d", "M" + At(LEFT, y) + " H" + Figure(RIGHT, 1)}});
+                                     {"d", "M" + PlaceFigure(LEFT, y) + " H" + Figure(RIGHT, 1)}});
             axis += Element("text",
                             {{"class", "label"},
                              {"x", Figure(LEFT - TICK, 1)},
@@ -165,7 +161,8 @@ private:
         Markup axis;
         for (int64_t time = first; time <= frame.end; time += step) {
             const double x = X(time);
-            axis += Element("path", {{"class", "axis"}, {"d", "M" + At(x, BOTTOM) + " v" + Figure(TICK, 1)}});
+            axis += Element(
+                "path", {{"class", "axis"}, {"d", "M" + PlaceFigure(x, BOTTOM) + " v" + Figure(TICK, 1)}});
             axis += Element("text",
                             {{"class", "label"},
                              {"x", Figure(x, 1)},
@@ -178,7 +175,7 @@ private:
 
     Markup UsualLine() const {
         return usual ? Element("path", {{"class", "usual"},
-                                        {"d", "M" + At(LEFT, Y(*usual)) + " H" + Figure(RIGHT, 1)}})
+                                        {"d", "M" + PlaceFigure(LEFT, Y(*usual)) + " H" + Figure(RIGHT, 1)}})
                      : Markup();
     }
 
@@ -189,7 +186,7 @@ private:
         for (size_t i = 0; i < samples.size(); ++i) {
             const bool begins = i == 0 || samples[i].time - samples[i - 1].time > farthest;
             const bool ends = i + 1 == samples.size() || samples[i + 1].time - samples[i].time > farthest;
-            outline += (begins ? "M" : "L") + At(X(samples[i].time), Y(samples[i].delay));
+            outline += (begins ? "M" : "L") + PlaceFigure(X(samples[i].time), Y(samples[i].delay));
             outline += begins && ends ? "h0" : "";
         }
         return outline;

@@ -1,7 +1,6 @@
 #define FAULT_UNIT_FILE "fault_causality_graph.cpp"
 #include <algorithm>
 #include <array>
-#include <limits>
 
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_log.h"
