@@ -28,8 +28,6 @@
 namespace explain {
 namespace {
 
-constexpr int64_t RANGE_SECONDS_MAX = 172800;  // two days, as for the plug-in's own commands
-
 // The command line asks for what cannot be.
 class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
@@ -81,7 +79,7 @@ Range RangeOf(std::vector<std::string> times) {
     }
     range.startTime = SecondsOf(range.startDate);
     range.endTime = SecondsOf(range.endDate);
-    if (range.startTime >= range.endTime || range.endTime - range.startTime > RANGE_SECONDS_MAX) {
+    if (range.startTime >= range.endTime || range.endTime - range.startTime > FAULT_RANGE_SECONDS_MAX) {
         throw UsageError("the end has to be after the start, at most two days");
     }
     return range;

@@ -10,7 +10,6 @@ namespace {
 
 constexpr int32_t DATE_LENGTH = 14;
 constexpr size_t DATE_LENGTH_MAX = 15;  // of a time that the console makes itself; what is longer is cut
-constexpr int64_t RANGE_SECONDS_MAX = 172800;  // two days
 
 // Minutes to seconds in 32 bits, which wraps around.
 int32_t SecondsOf(int32_t minutes) {
@@ -82,7 +81,7 @@ bool CheckTimeRange(const std::string& start, const std::string& end) {
     if (TransDateToTime(start, startTime) != 0 || TransDateToTime(end, endTime) != 0) {
         return false;
     }
-    if (FaultWrapSubtract(FaultToInt64(endTime), FaultToInt64(startTime)) > RANGE_SECONDS_MAX) {
+    if (FaultWrapSubtract(FaultToInt64(endTime), FaultToInt64(startTime)) > FAULT_RANGE_SECONDS_MAX) {
         FaultPrintError("Time range beyond two days");
         return false;
     }

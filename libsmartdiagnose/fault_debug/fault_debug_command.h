@@ -10,6 +10,9 @@
 // Index of a command's own first argument: the words before it are those with which the console reached it.
 constexpr int32_t FIRST_ARGUMENT = 3;
 
+// The longest range of time that may be looked at: two days.
+constexpr int64_t FAULT_RANGE_SECONDS_MAX = 172800;
+
 // A command's work; `argc` and `argv` as the console passes them. May throw: see FaultRunCommand().
 using FaultCommand = void (*)(int32_t argc, char** argv);
 
