@@ -64,6 +64,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     bool list = false;
     CLI::App app(DESCRIPTION, "lumo-sim");
     app.footer(EXAMPLES);
+    app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
     app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
         ->type_name("DIR");
     app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
@@ -89,6 +90,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         request.text = app.help();
+        return request;
+    } catch (const CLI::CallForVersion& version) {
+        request.text = std::string(version.what()) + "\n";
         return request;
     } catch (const CLI::ParseError& error) {
         throw BadInput(error.what());

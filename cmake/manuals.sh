@@ -1,0 +1,56 @@
+#!/usr/bin/env bash
+# Writes the man pages and the shell completion from what the programs say of themselves and from the documents:
+# manuals.sh SOURCE_DIR BIN_DIR PLUGIN OUTPUT_DIR
+set -euo pipefail
+export LC_ALL=C
+source=$1 bin=$2 plugin=$3 output=$4
+programs=(zorv-local zorv-explain lumo-sim)
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+rm -rf "$output"
+mkdir -p "$output"
+
+# Runs command lines of the console from standard input.
+console() {
+    "$bin/zorv-local" --root "$scratch" --plugin "$plugin" --log /dev/null
+}
+
+# Help texts of the form "NAME ARGUMENTS: TEXT", with more lines of text indented, as entries of a man page.
+entries() {
+    sed -E -e 's/[\\]/\\e/g' -e 's/-/\\-/g' -e 's/^    //' -e "s/^'/\\\\\&'/" \
+        -e 's/^([a-z]+)( [^:]*)?: (.*)/.TP\n\\fB\1\\fR\2\n\3/'
+}
+
+names=$(console <<<help | sed -nE 's/^  ([^ :]+).*/\1/p')
+
+for program in "${programs[@]}"; do
+    {
+        cat "$source/docs/man/$program.h2m"
+        if [ "$program" = zorv-local ]; then
+            printf '\n[COMMANDS]\n'
+            # shellcheck disable=SC2086  # a list of words
+            printf 'help %s\n' $names | console | entries
+        fi
+        printf '\n[SEE ALSO]\n'
+        printf '.BR %s (1),\n' "${programs[@]}" | grep -v " $program "
+        printf '.BR route_config (5)\n'
+    } >"$scratch/more"
+    help2man --no-info --include "$scratch/more" --output "$output/$program.1" "$bin/$program"
+done
+
+{
+    printf '# Route configuration\n\nThe causality graphs that the diagnosis walks: /VRA/zorv/conf/route_config.json.\n'
+    sed -n '/^## Route configuration/,/^## /p' "$source/docs/file-formats.md" | sed -e '/^## /d'
+} | lowdown -s -tman -M title=ROUTE_CONFIG -M section=5 -M date= -o "$output/route_config.5"
+
+# Tables for the completion: each program's options with the kind of their value, and what else it completes.
+{
+    printf '# Made by cmake/manuals.sh from the programs'"'"' own help.\ndeclare -gA _zorv_options=(\n'
+    for program in "${programs[@]}"; do
+        printf '  [%s]="%s"\n' "$program" \
+            "$("$bin/$program" --help | sed -nE 's/^  (-.,)?(--[a-z-]+) ?([A-Z]*).*/\2:\3/p' | paste -sd ' ')"
+    done
+    printf ')\n_zorv_commands="%s"\n' "$(paste -sd ' ' <<<"$names")"
+    printf '_zorv_scenarios="%s"\n\n' "$("$bin/lumo-sim" --list | cut -d ' ' -f 1 | paste -sd ' ')"
+    cat "$source/cli/completion.bash"
+} >"$output/completion"
