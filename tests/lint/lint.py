@@ -107,7 +107,7 @@ def check_spelling():
 
 
 def check_scripts():
-    scripts = [path for path in sources("", ".sh") if path.suffix or path.read_bytes()[:64].startswith(b"#!/usr/bin/env bash")]
+    scripts = [path for path in sources("", ".sh", ".bash") if path.suffix or path.read_bytes()[:64].startswith(b"#!/usr/bin/env bash")]
     return output_of(tools[0], "--external-sources", *scripts)
 
 
