@@ -33,7 +33,7 @@ GRAPH, WEIGHT = "LoadGraph/300/120", "Weight/1000000"
 def build():
     for command in (["cmake", "--preset", "release", "-DBUILD_TESTING=ON"],
                     ["cmake", "--build", "--preset", "release", "--target", "smartdiagnose_benchmarks",
-                     "smartdiagnose_benchmark_world"]):
+                     "smartdiagnose_benchmark_world", "zorv-local", "smartdiagnose", "lumo-sim"]):
         done = subprocess.run(command, cwd=ROOT, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         if done.returncode != 0:
             raise SystemExit(done.stdout)
@@ -78,6 +78,36 @@ def load_frames(connection, statements):
     return pandas.concat([pandas.read_sql_query(sql, connection) for sql in statements], ignore_index=True)
 
 
+def processor_time(command, output=subprocess.DEVNULL, **environment):
+    """Of one run of a program, in milliseconds."""
+    before = os.times()
+    subprocess.run(command, check=True, stdout=output, stderr=subprocess.DEVNULL, env={**os.environ, **environment})
+    after = os.times()
+    return (after.children_user + after.children_system - before.children_user - before.children_system) * 1e3
+
+
+def compare_commands(folder, repeat):
+    """Prints what whole programs take for the same report: zorv-local, and a script of pandas and scipy."""
+    os.environ["TZ"] = "UTC"
+    print(f"{'report of two days':24}{'zorv-local':>14}{'script':>14}{'ratio':>10}{'without start':>16}")
+    for scenario, command in (("slow-disk", "delaydetect"), ("slow-disk", "delayanal"), ("retry-storm", "showallerr")):
+        world = Path(folder, scenario)
+        subprocess.run([PROGRAMS / "lumo-sim", "--root", world, "--scenario", scenario, "--hours", "48"], check=True,
+                       stdout=subprocess.DEVNULL)
+        truth = json.loads((world / "truth.json").read_text())
+        ours = [PROGRAMS / "zorv-local", "--root", world, command, truth["start"], truth["end"]]
+        script = [ROOT / "benchmarks/python_report.py", world, command, str(truth["start_epoch"]), str(truth["end_epoch"])]
+        texts = [subprocess.run(program, check=True, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL).stdout
+                 for program in (ours, script)]
+        assert texts[0] == texts[1], command
+        starts = [ours[:3] + ["help"], script]
+        rows = [[processor_time(ours), processor_time(script), processor_time(starts[0]), processor_time(script, BARE="1")]
+                for _ in range(repeat)]
+        mine, other, my_start, other_start = (statistics.median(column) for column in zip(*rows))
+        print(f"{command:24}{mine:11.1f} ms{other:11.1f} ms{other / mine:10.2f}"
+              f"{(other - other_start) / (mine - my_start):16.2f}")
+
+
 def read_calls():
     return int(re.search(r"syscr: (\d+)", Path("/proc/self/io").read_text()).group(1))
 
@@ -118,6 +148,7 @@ def main():
         if pearsonr is None:
             print(MISSING)
         else:
+            compare_commands(folder, runs)
             compare_python(file, {name: counters["ours_ms"] for name, counters in medians.items()}, runs)
 
 
