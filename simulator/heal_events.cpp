@@ -15,12 +15,12 @@ std::vector<HealEvent> HealEvents(const WorldOptions& options, const Scenario& s
     return events;
 }
 
-bool IsReported(const HealEvent& event, const WorldOptions& options) {
+bool IsReported(const HealEvent& event, const WorldOptions& options, const Plan& plan) {
     constexpr int FIRST_NODE = 1;
     return event.recipe.node == FIRST_NODE &&
            (event.recipe.cause == "IOHANG" || event.recipe.cause == "IOERR") &&
            event.time >= CompactTime(options.Start(), options.zoneOffset) &&
-           event.time <= CompactTime(options.end, options.zoneOffset);
+           event.time <= CompactTime(plan.End(), options.zoneOffset);
 }
 
 void WriteHealEvents(const std::filesystem::path& path, const std::vector<HealEvent>& events) {

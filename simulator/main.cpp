@@ -1,6 +1,8 @@
 #include <cstdio>
 #include <exception>
 
+#include "simulator/live_world.h"
+#include "simulator/local_time.h"
 #include "simulator/options.h"
 #include "simulator/progress.h"
 #include "simulator/world.h"
@@ -14,10 +16,24 @@ lumosim::WorldSummary WriteWithProgress(const lumosim::WorldOptions& options) {
     return lumosim::WriteWorld(options, [&progress](double done) { progress.Show(done); });
 }
 
+void PlayWithEvents(const lumosim::Request& request) {
+    std::optional<lumosim::TerminalProgress> progress(std::in_place);
+    const auto tell = [&](int64_t time, const std::string& event) {
+        progress.reset();  // its line is there while the history is written, before any event
+        std::printf("%s %s\n", lumosim::CompactTime(time, request.world.zoneOffset).c_str(), event.c_str());
+        std::fflush(stdout);
+    };
+    lumosim::PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
+}
+
 int Run(int argc, char** argv) {
     const lumosim::Request request = lumosim::ParseCommandLine(argc, argv);
     if (request.text) {
         std::fputs(request.text->c_str(), stdout);
+        return EXIT_WRITTEN;
+    }
+    if (request.live) {
+        PlayWithEvents(request);
         return EXIT_WRITTEN;
     }
     const lumosim::WorldSummary summary = WriteWithProgress(request.world);

@@ -4,14 +4,17 @@
 #include <optional>
 #include <string>
 
+#include "simulator/live_options.h"
 #include "simulator/world_options.h"
 
 namespace lumosim {
 
-// What the user asked for: a text to print (help, the list of scenarios), or a world.
+// What the user asked for: a text to print (help, the list of scenarios), or a world, which may go on in
+// time.
 struct Request {
     std::optional<std::string> text;
     WorldOptions world;
+    std::optional<LiveOptions> live;
 };
 
 // Throws BadInput when the command line makes no sense.

@@ -80,6 +80,15 @@ Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Top
     }
 }
 
+int64_t Plan::FirstSample(FaultTime when) const {
+    if (when == FaultTime::LATE && options.faultAt != 0) {
+        return (options.faultAt - options.Start() + options.step - 1) / options.step;
+    }
+    const double place = when == FaultTime::LATE ? 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0)
+                                                 : 0.1 + 0.2 * noise.Uniform(FAULT_STREAM, 1, 0);
+    return static_cast<int64_t>(place * static_cast<double>(options.SampleCount()));
+}
+
 // The fault as the point itself has it.
 PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) const {
     GraphPath path = topology.FindPath(recipe.graph, recipe.point);
@@ -89,9 +98,7 @@ PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) co
     }
     // Short against the range, whose deviation would otherwise widen until the fault hides in it.
     const int64_t length = std::max(FAULT_SECONDS / options.step, FAULT_MINIMUM_SAMPLES);
-    const double place = recipe.when == FaultTime::LATE ? 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0)
-                                                        : 0.1 + 0.2 * noise.Uniform(FAULT_STREAM, 1, 0);
-    const int64_t first = static_cast<int64_t>(place * static_cast<double>(options.SampleCount()));
+    const int64_t first = FirstSample(recipe.when);
     const std::vector<double> none(static_cast<size_t>(length + ECHO_SAMPLES));
     PlantedFault fault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1),
                        std::vector<std::vector<double>>(topology.Points().size(), none)};
@@ -164,6 +171,14 @@ void Plan::PlanGaps() {
         const int64_t length = 3 + static_cast<int64_t>(4 * noise.Uniform(GAP_STREAM, i, 1));
         gaps.emplace_back(options.TimeOf(first), options.TimeOf(first + length));
     }
+}
+
+int64_t Plan::End() const {
+    int64_t end = options.end;
+    for (const PlantedFault& fault : faults) {
+        end = std::max(end, fault.last + (ECHO_SAMPLES + 1) * options.step);
+    }
+    return end;
 }
 
 bool Plan::IsNearFault(int64_t time) const {

@@ -37,6 +37,8 @@ public:
     const std::vector<PlantedFault>& Faults() const { return faults; }
     // Null: the scenario plants none.
     const PlantedFault* Fault() const { return faults.empty() ? nullptr : &faults.front(); }
+    // When all is over: the end of the range, or of what faults after it leave behind.
+    int64_t End() const;
     // Microseconds on top of the point's usual delay at a sample's time.
     double AddedDelay(size_t point, int64_t time) const { return Added(FaultKind::DELAY, point, time); }
     // Requests on top of the point's usual ones at a sample's time, in multiples of these.
@@ -57,6 +59,7 @@ public:
     bool IsMissing(size_t point, int64_t time) const;
 
 private:
+    int64_t FirstSample(FaultTime when) const;
     PlantedFault Place(const FaultRecipe& recipe, const Topology& topology) const;
     void Spread(const Topology& topology, const Levels& levels, PlantedFault& fault);
     void ClearErrorWalk(size_t point, const Topology& topology);

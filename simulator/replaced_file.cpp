@@ -34,11 +34,15 @@ void ReplacedFile::Write(const std::string& text) const {
 }
 
 void ReplacedFile::Commit() {
-    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
-        fs::remove(target.string() + suffix);
-    }
+    RemoveJournals(target);
     fs::rename(newPath, target);
     newPath.clear();
+}
+
+void RemoveJournals(const fs::path& database) {
+    for (const char* suffix : {"-journal", "-wal", "-shm"}) {
+        fs::remove(database.string() + suffix);
+    }
 }
 
 }  // namespace lumosim

@@ -23,13 +23,17 @@ public:
     const std::filesystem::path& NewPath() const { return newPath; }
     // Writes `text` as the new file. Throws std::runtime_error.
     void Write(const std::string& text) const;
-    // Puts the new file in the old one's place. A database's journals of the old file go with it: they would
-    // be rolled back into the new one. Throws std::filesystem::filesystem_error.
+    // Puts the new file in the old one's place. A database's journals of the old file go with it. Throws
+    // std::filesystem::filesystem_error.
     void Commit();
 
 private:
     std::filesystem::path target;
     std::filesystem::path newPath;  // empty: committed or moved away
 };
+
+// Removes the journals of a database that is not open, which would be rolled back into another one in its
+// place. Throws std::filesystem::filesystem_error.
+void RemoveJournals(const std::filesystem::path& database);
 
 }  // namespace lumosim

@@ -12,14 +12,22 @@
 
 namespace lumosim {
 
+// How a database is kept whole while it is written.
+enum class Journal {
+    NONE,  // Not at all: no other connection may see the file before it is closed. Later in rollback mode.
+    ROLLBACK,
+    WAL,
+};
+
 class SqliteFile {
 public:
-    // Creates the database; no other connection may see the file before this one is closed, as it is written
-    // without journal and without waiting for the disk. Readers find it in rollback journal mode.
-    explicit SqliteFile(const std::filesystem::path& path);
+    // Opens the database, or creates it. Waits up to half a minute for other connections' locks.
+    explicit SqliteFile(const std::filesystem::path& path, Journal journal = Journal::NONE);
 
-    // Runs one or more statements without results.
+    // Runs one or more statements; results are dropped.
     void Execute(const std::string& sql);
+    // Whether the file was deleted, or another one took its place.
+    bool HasMoved() const;
     // Closes the file, and tells when that fails; the destructor closes without a word.
     void Close();
 
@@ -33,6 +41,10 @@ private:
     std::filesystem::path path;
     std::unique_ptr<sqlite3, Closer> handle;
 };
+
+// Undoes or completes what a killed writer left in the database's journals, which a reader alone may not do.
+// Nothing happens when there is no database at `path`, or it cannot be written.
+void RecoverDatabase(const std::filesystem::path& path);
 
 // A prepared statement without results. The database must outlive it.
 class SqliteStatement {

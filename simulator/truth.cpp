@@ -174,8 +174,8 @@ std::string Truth(const WorldOptions& options, const Topology& topology, const P
     truth["seed"] = Json::UInt64{options.seed};
     truth["start"] = CompactTime(options.Start(), options.zoneOffset);
     truth["start_epoch"] = Json::Int64{options.Start()};
-    truth["end"] = CompactTime(options.end, options.zoneOffset);
-    truth["end_epoch"] = Json::Int64{options.end};
+    truth["end"] = CompactTime(plan.End(), options.zoneOffset);
+    truth["end_epoch"] = Json::Int64{plan.End()};
     truth["step"] = Json::Int64{options.step};
     truth["fault"] =
         plan.Fault() != nullptr ? FaultValue(options, topology, *plan.Fault(), peak) : Json::Value();

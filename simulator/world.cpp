@@ -5,16 +5,10 @@
 #include <vector>
 
 #include "agent/agent_storage.h"
-#include "simulator/error_choice.h"
 #include "simulator/heal_events.h"
-#include "simulator/levels.h"
-#include "simulator/noise.h"
-#include "simulator/plan.h"
 #include "simulator/replaced_file.h"
 #include "simulator/route_config.h"
-#include "simulator/sample_source.h"
-#include "simulator/scenario.h"
-#include "simulator/topology.h"
+#include "simulator/sqlite_file.h"
 #include "simulator/truth.h"
 
 namespace lumosim {
@@ -32,54 +26,55 @@ void CreateRoot(const fs::path& root) {
     }
 }
 
-std::vector<GraphTable> GraphsOf(const Scenario& scenario) {
-    std::vector<GraphTable> tables = AllGraphs();
-    tables.insert(tables.end(), scenario.graphs.begin(), scenario.graphs.end());
-    return tables;
-}
-
-std::vector<HealEvent> ReportedEvents(const std::vector<HealEvent>& events, const WorldOptions& options) {
+std::vector<HealEvent> ReportedEvents(const std::vector<HealEvent>& events, const WorldModel& model) {
     std::vector<HealEvent> reported;
     std::copy_if(events.begin(), events.end(), std::back_inserter(reported),
-                 [&](const HealEvent& event) { return IsReported(event, options); });
+                 [&](const HealEvent& event) { return IsReported(event, model.options, model.plan); });
     return reported;
+}
+
+// The samples that are not written yet.
+void ObserveTheFuture(const WorldModel& model, PeakFinder& peak) {
+    std::vector<Sample> samples;
+    for (int64_t time = model.options.end; time < model.plan.End(); time += model.options.step) {
+        model.source.Fill(time, samples);
+        for (size_t point = 0; point < samples.size(); ++point) {
+            peak.Observe(point, time, samples[point]);
+        }
+    }
 }
 
 }  // namespace
 
 WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress) {
-    CheckOptions(options);
-    Scenario scenario = *FindScenario(options.scenario);
-    const Topology topology(GraphsOf(scenario));
-    ChooseErrors(options, topology, scenario);
-    CreateRoot(options.root);
-    const Noise noise(options.seed);
-    const Levels levels = UsualLevels(topology);
-    const Plan plan(options, scenario, topology, levels, noise);
-    const SampleSource source(options, topology, levels, plan, noise);
+    return WriteWorld(WorldModel(options), progress);
+}
 
+WorldSummary WriteWorld(const WorldModel& model, const Progress& progress) {
+    const WorldOptions& options = model.options;
+    CreateRoot(options.root);
     ReplacedFile config(options.root.string() + ZORV_ROUTE_CONFIG_FILE);
     ReplacedFile heals(options.root.string() + ZORV_HEAL_DATABASE_FILE);
     ReplacedFile statistics(options.root.string() + LUMO_DATABASE_FILE);
     ReplacedFile truth(options.root / "truth.json");
 
-    WorldSummary summary;
-    summary.pointCount =
-        static_cast<size_t>(std::count_if(topology.Points().begin(), topology.Points().end(),
-                                          [](const Point& point) { return !point.IsGroup(); }));
-    summary.truthFile = options.root / "truth.json";
-    PeakFinder peak(topology, plan);
+    WorldSummary summary{model.PointCount(), 0, options.root / "truth.json"};
+    PeakFinder peak(model.topology, model.plan);
     const auto observe = [&](size_t point, int64_t time, const Sample& sample) {
         ++summary.rowCount;
         peak.Observe(point, time, sample);
     };
-    const std::vector<HealEvent> events = HealEvents(options, scenario, plan);
-    config.Write(RouteConfig(topology));
+    const std::vector<HealEvent> events = HealEvents(options, model.scenario, model.plan);
+    config.Write(RouteConfig(model.topology));
     WriteHealEvents(heals.NewPath(), events);
-    WriteStatistics(statistics.NewPath(), options, topology, plan, source, observe, progress);
-    truth.Write(Truth(options, topology, plan, peak, ReportedEvents(events, options)));
+    SqliteFile database(statistics.NewPath());
+    StatisticsWriter(database, model, options.Start()).WriteHistory(options.end, observe, progress);
+    database.Close();
+    ObserveTheFuture(model, peak);
+    truth.Write(Truth(options, model.topology, model.plan, peak, ReportedEvents(events, model)));
 
     // A running reader opens both databases anew when it sees the statistics being replaced.
+    RecoverDatabase(options.root.string() + LUMO_DATABASE_FILE);
     for (ReplacedFile* file : {&config, &heals, &statistics, &truth}) {
         file->Commit();
     }

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "simulator/statistics_writer.h"
+#include "simulator/world_model.h"
 #include "simulator/world_options.h"
 
 namespace lumosim {
@@ -21,5 +22,7 @@ struct WorldSummary {
 // that it stays as it was. Throws BadInput for options that cannot be served (see CheckOptions(); also a root
 // that cannot be created), and std::runtime_error when a file cannot be written.
 WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress);
+// The same of a model that goes on to be used.
+WorldSummary WriteWorld(const WorldModel& model, const Progress& progress);
 
 }  // namespace lumosim

@@ -6,13 +6,6 @@
 namespace lumosim {
 namespace {
 
-void CheckRange(const char* option, int64_t value, int64_t least, int64_t most) {
-    if (value < least || value > most) {
-        throw BadInput(std::string(option) + " must be from " + std::to_string(least) + " to " +
-                       std::to_string(most) + ", not " + std::to_string(value));
-    }
-}
-
 const Scenario& CheckScenario(const std::string& name) {
     if (const Scenario* scenario = FindScenario(name)) {
         return *scenario;
@@ -33,10 +26,18 @@ std::string NoSuchName(const std::string& kind, const std::string& name,
            (nearest.empty() ? "" : "; did you mean " + nearest + "?");
 }
 
+void CheckRange(const char* option, int64_t value, int64_t least, int64_t most) {
+    if (value < least || value > most) {
+        throw BadInput(std::string(option) + " must be from " + std::to_string(least) + " to " +
+                       std::to_string(most) + ", not " + std::to_string(value));
+    }
+}
+
 void CheckOptions(const WorldOptions& options) {
     const Scenario& scenario = CheckScenario(options.scenario);
     CheckRange("--hours", options.hours, 1, MAXIMUM_HOURS);
     CheckRange("--step", options.step, 1, MAXIMUM_STEP);
+    CheckRange("--period", options.period, options.step, MAXIMUM_PERIOD);
     if (options.hours < scenario.minimumHours) {
         throw BadInput("scenario " + options.scenario + " needs at least " +
                        std::to_string(scenario.minimumHours) + " hours");

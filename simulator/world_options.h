@@ -13,6 +13,7 @@ constexpr int64_t SECONDS_PER_HOUR = 3600;
 
 constexpr int64_t MAXIMUM_HOURS = 168;
 constexpr int64_t MAXIMUM_STEP = 300;
+constexpr int64_t MAXIMUM_PERIOD = 86400;
 // A burst of two samples must stand out of its range.
 constexpr int64_t MINIMUM_SAMPLES = 60;
 constexpr int64_t MAXIMUM_SAMPLES = 172800;
@@ -33,6 +34,9 @@ struct WorldOptions {
     int64_t zoneOffset = 0;  // seconds east of UTC, whole hours
     // The type of the errors to plant, and the point; empty: as the scenario has it.
     std::string errorType = {}, errorPoint = {};
+    int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds
+    // UTC, also after `end`: when faults of the second half begin, at the next sample; 0: in that half.
+    int64_t faultAt = 0;
 
     int64_t Start() const { return end - hours * SECONDS_PER_HOUR; }
     int64_t SampleCount() const { return hours * SECONDS_PER_HOUR / step; }
@@ -42,6 +46,9 @@ struct WorldOptions {
 // Says that there is no `kind` named `name`, and which of `names` may have been meant.
 std::string NoSuchName(const std::string& kind, const std::string& name,
                        const std::vector<std::string>& names);
+
+// Throws BadInput, in the option's name, when the value is out of its range.
+void CheckRange(const char* option, int64_t value, int64_t least, int64_t most);
 
 // Throws BadInput when the scenario is unknown, or a number is out of its range or too small for the
 // scenario.
