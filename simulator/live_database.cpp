@@ -37,7 +37,7 @@ void LiveDatabase::Recreate(int64_t end) {
 }
 
 void LiveDatabase::Open(int64_t first) {
-    database.emplace(path, live.hasWal ? Journal::WAL : Journal::ROLLBACK);
+    database.emplace(path, model.options.hasWal ? Journal::WAL : Journal::ROLLBACK);
     if (live.speed > 1) {
         // A real system does not wait for its disk many times a second, and would lock its readers out.
         // A killed process loses nothing by it.
@@ -62,9 +62,7 @@ void LiveDatabase::FillAnew(int64_t first, int64_t end) {
 
 void LiveDatabase::FillBeside(int64_t first, int64_t end) {
     ReplacedFile file(path);
-    SqliteFile fresh(file.NewPath());
-    StatisticsWriter(fresh, model, first).WriteHistory(end, ObserveNothing, ShowNothing);
-    fresh.Close();
+    WriteStatistics(file.NewPath(), model, first, end, ObserveNothing, ShowNothing);
     Close();
     file.Commit();
     Open(first);

@@ -8,8 +8,6 @@
 
 namespace lumosim {
 
-constexpr int64_t DEFAULT_FAULT_AFTER = 60;
-
 // What becomes of the statistics database when it is re-created.
 enum class Recreation {
     DELETE,  // It is deleted, and a new one is filled where it was: readers find none, or an empty one.
@@ -21,7 +19,6 @@ struct LiveOptions {
     std::optional<int64_t> duration;    // seconds; none: until a signal comes
     std::optional<int64_t> recreation;  // seconds between two re-creations; none: on SIGHUP only
     Recreation way = Recreation::DELETE;
-    bool hasWal = false;     // write-ahead log, not a rollback journal
     int64_t keptHours = 48;  // data tables that ended before are dropped
 };
 

@@ -107,16 +107,18 @@ void PlayWorld(const WorldOptions& options, const LiveOptions& live, const Event
         progress(done);
     };
     const WorldModel model(options);
+    WorldSummary summary;
     try {
-        const WorldSummary summary = WriteWorld(model, mayStop);
-        tell(options.end, "started " + options.scenario + ": " + std::to_string(summary.pointCount) +
-                              " points, " + std::to_string(summary.rowCount) +
-                              " rows of history; the truth is in " + summary.truthFile.string());
+        summary = WriteWorld(model, mayStop);
     } catch (const Stopped&) {
         tell(options.end, "stopped before the start");
         return;
     }
-    Player(model, live, tell, signals, clock).Play();
+    Player player(model, live, tell, signals, clock);
+    tell(options.end, "started " + options.scenario + ": " + std::to_string(summary.pointCount) +
+                          " points, " + std::to_string(summary.rowCount) +
+                          " rows of history; the truth is in " + summary.truthFile.string());
+    player.Play();
 }
 
 }  // namespace lumosim

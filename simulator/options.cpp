@@ -5,6 +5,7 @@
 #include <charconv>
 #include <ctime>
 
+#include "simulator/live_arguments.h"
 #include "simulator/local_time.h"
 #include "simulator/scenario.h"
 
@@ -23,22 +24,9 @@ constexpr char EXAMPLES[] =
     "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000\n"
     "  lumo-sim --root /tmp/world --live --step 1\n"
     "  lumo-sim --root /tmp/world --live --speed 120 --for 1800 --fault-after 600 --recreate 900\n"
-    "\n"
-    "With --live, samples follow the history as time goes by, one transaction for all of one time, and the "
-    "fault is\n"
-    "yet to come; a line on stdout tells each event. All SECONDS are those of the world's clock. It begins "
-    "at --end\n"
-    "and is real time, unless --speed is given: then it begins as far in the past as --for is long (an hour, "
-    "if\n"
-    "that is missing), runs N times as fast until it has caught up, and goes on in real time; so it is never "
-    "in the\n"
-    "future, and commands that look at the last minutes see all there is. SIGINT and SIGTERM stop it, "
-    "SIGHUP\n"
-    "re-creates the statistics database. Whoever is started next on the folder replaces the world, whatever "
-    "became\n"
-    "of its producer; one that still runs then stops with status 1.\n"
-    "\n"
-    "Exit status: 0 written, or stopped; 1 a file cannot be written; 2 bad usage.";
+    "\n";
+
+constexpr char EXIT_STATUS[] = "Exit status: 0 written, or stopped; 1 a file cannot be written; 2 bad usage.";
 
 std::string ScenarioList() {
     std::string text;
@@ -71,39 +59,6 @@ int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t be
     return *end;
 }
 
-// How far in the past a clock begins that is to catch up.
-int64_t SecondsBehind(const LiveOptions& live) {
-    return live.speed > 1 ? live.duration.value_or(SECONDS_PER_HOUR) : 0;
-}
-
-CLI::App& AddLiveOptions(CLI::App& app, bool& isLive, int64_t& faultAfter, std::string& way,
-                         LiveOptions& live) {
-    CLI::App& group = *app.add_option_group("Live");
-    const auto add = [&](const std::string& name, auto& value, const char* type, const std::string& text) {
-        return group.add_option(name, value, text)->type_name(type);
-    };
-    group.add_flag("--live", isLive, "Goes on writing as time goes by");
-    add("--speed", live.speed, "N", "Runs N times as fast as real time, from the past on");
-    add("--for", live.duration, "SECONDS", "Stops after that time; runs on when left out");
-    add("--fault-after", faultAfter, "SECONDS", "When the fault begins")->capture_default_str();
-    add("--recreate", live.recreation, "SECONDS", "Re-creates the statistics database so often");
-    add("--recreate-by", way, "WAY", "delete: the old file, then write a new one; rename: a new one over it")
-        ->check(CLI::IsMember({"delete", "rename"}).description(""))
-        ->capture_default_str();
-    add("--keep", live.keptHours, "H", "Drops data tables that are older; 48, or --hours if that is more");
-    group.add_flag("--wal", live.hasWal, "Write-ahead log instead of a rollback journal");
-    return group;
-}
-
-// All of them make sense with --live only.
-void CheckLiveGroup(const CLI::App& group) {
-    for (const CLI::Option* option : group.get_options()) {
-        if (option->count() > 0) {
-            throw BadInput(option->get_name() + " needs --live");
-        }
-    }
-}
-
 }  // namespace
 
 Request ParseCommandLine(int argc, const char* const* argv) {
@@ -112,12 +67,8 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     std::string root;
     std::string end;
     bool list = false;
-    bool isLive = false;
-    int64_t faultAfter = DEFAULT_FAULT_AFTER;
-    std::string way = "delete";
-    LiveOptions live;
     CLI::App app(DESCRIPTION, "lumo-sim");
-    app.footer(EXAMPLES);
+    app.footer(std::string(EXAMPLES) + LIVE_HELP + EXIT_STATUS);
     app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
     app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
         ->type_name("DIR");
@@ -136,6 +87,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     app.add_option("--period", world.period, "How long a data table lasts")
         ->type_name("SECONDS")
         ->capture_default_str();
+    app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
     app.add_option("--end", end, "End of the range, local time; now when left out")
         ->type_name("YYYYMMDDhhmmss");
     app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
@@ -143,7 +95,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
         ->type_name("NAME");
     app.add_flag("--list", list, "Lists the scenarios");
-    const CLI::App& group = AddLiveOptions(app, isLive, faultAfter, way, live);
+    LiveArguments live(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -167,17 +119,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     }
     world.root = root;
     world.zoneOffset = ZoneOffset();
-    world.end = EndTime(end, world, SecondsBehind(live));
+    world.end = EndTime(end, world, live.SecondsBehind());
     CheckOptions(world);
-    if (isLive) {
-        world.faultAt = world.end + faultAfter;
-        live.keptHours = app.count("--keep") == 0 ? std::max(live.keptHours, world.hours) : live.keptHours;
-        CheckLiveOptions(live, world, std::time(nullptr));
-        live.way = way == "rename" ? Recreation::RENAME : Recreation::DELETE;
-        request.live = live;
-    } else {
-        CheckLiveGroup(group);
-    }
+    request.live = live.Options(world);
     return request;
 }
 

@@ -137,4 +137,15 @@ void StatisticsWriter::WriteRows(SqliteStatement& row, int64_t time, const RowOb
     }
 }
 
+void WriteStatistics(const std::filesystem::path& path, const WorldModel& model, int64_t first, int64_t end,
+                     const RowObserver& observe, const Progress& progress) {
+    SqliteFile database(path);
+    StatisticsWriter(database, model, first).WriteHistory(end, observe, progress);
+    if (model.options.hasWal) {
+        // Now, since a writer that is killed while it switches leaves a file that readers alone cannot mend.
+        database.Execute("pragma journal_mode = wal;");
+    }
+    database.Close();
+}
+
 }  // namespace lumosim

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <vector>
@@ -47,5 +48,10 @@ private:
     int64_t first;
     std::vector<Sample> samples;
 };
+
+// Writes a new database at `path`, where no file may be, that others may see only afterwards: all samples
+// from `first` to before `end`. Throws std::runtime_error.
+void WriteStatistics(const std::filesystem::path& path, const WorldModel& model, int64_t first, int64_t end,
+                     const RowObserver& observe, const Progress& progress);
 
 }  // namespace lumosim

@@ -67,9 +67,7 @@ WorldSummary WriteWorld(const WorldModel& model, const Progress& progress) {
     const std::vector<HealEvent> events = HealEvents(options, model.scenario, model.plan);
     config.Write(RouteConfig(model.topology));
     WriteHealEvents(heals.NewPath(), events);
-    SqliteFile database(statistics.NewPath());
-    StatisticsWriter(database, model, options.Start()).WriteHistory(options.end, observe, progress);
-    database.Close();
+    WriteStatistics(statistics.NewPath(), model, options.Start(), options.end, observe, progress);
     ObserveTheFuture(model, peak);
     truth.Write(Truth(options, model.topology, model.plan, peak, ReportedEvents(events, model)));
 

@@ -35,6 +35,7 @@ struct WorldOptions {
     // The type of the errors to plant, and the point; empty: as the scenario has it.
     std::string errorType = {}, errorPoint = {};
     int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds
+    bool hasWal = false;                // statistics with a write-ahead log, not a rollback journal
     // UTC, also after `end`: when faults of the second half begin, at the next sample; 0: in that half.
     int64_t faultAt = 0;
 
