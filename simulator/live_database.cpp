@@ -19,10 +19,19 @@ LiveDatabase::LiveDatabase(const WorldModel& worldModel, const LiveOptions& live
 }
 
 std::string LiveDatabase::WriteInstant(int64_t time) {
+    CheckPlace();
+    try {
+        return writer->WriteInstant(time, time - live.keptHours * SECONDS_PER_HOUR);
+    } catch (const std::runtime_error&) {
+        CheckPlace();  // it is the better reason
+        throw;
+    }
+}
+
+void LiveDatabase::CheckPlace() const {
     if (database->HasMoved()) {
         throw std::runtime_error("somebody else deleted or replaced " + path.string());
     }
-    return writer->WriteInstant(time, time - live.keptHours * SECONDS_PER_HOUR);
 }
 
 void LiveDatabase::Recreate(int64_t end) {

@@ -24,6 +24,7 @@ public:
     void Recreate(int64_t end);
 
 private:
+    void CheckPlace() const;
     void Open(int64_t first);
     void Close();
     void FillAnew(int64_t first, int64_t end);
