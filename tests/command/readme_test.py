@@ -1,0 +1,30 @@
+"""README.md: what it shows is what its commands print. In a block that begins with "$ ", every command is run in a
+fresh folder, in the order of the page; "(...)" stands for lines that are left out."""
+import os
+import re
+import subprocess
+import unittest
+from pathlib import Path
+
+from console import BIN, ConsoleTest
+
+README = Path(__file__).parents[2] / "README.md"
+
+
+class Readme(ConsoleTest):
+    def test_screens(self):
+        blocks = re.findall(r"^```\n(\$ .*?)^```$", README.read_text(), re.M | re.S)
+        screens = [screen for block in blocks for screen in re.split(r"^\$ ", block, flags=re.M)[1:]]
+        self.assertGreater(len(screens), 4)
+        environment = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
+        for command, _, shown in (screen.partition("\n") for screen in screens):
+            with self.subTest(command=command):
+                printed = subprocess.run(command, shell=True, cwd=self.root, env=environment, stdout=subprocess.PIPE,
+                                         stderr=subprocess.DEVNULL, text=True, stdin=subprocess.DEVNULL).stdout
+                parts = (shown.strip("\n") + "\n").split("(...)\n")
+                pattern = r"(?:.*\n)*?".join(map(re.escape, parts))
+                self.assertTrue(re.fullmatch(pattern, printed.strip("\n") + "\n"), f"{command}\n{printed}")
+
+
+if __name__ == "__main__":
+    unittest.main()
