@@ -1,8 +1,9 @@
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <set>
 
@@ -20,10 +21,13 @@
 #include "fault_debug/fault_debug_command.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
 #include "fault_spectrum_graph/fault_json_object.h"
+#include "host/services/capture.h"
 #include "host/services/files.h"
+#include "host/services/local_time.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
 #include "host/services/text.h"
+#include "host/services/time_words.h"
 
 namespace explain {
 namespace {
@@ -33,26 +37,34 @@ class UsageError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Zones count east, TZ counts west.
-void SetZone(const std::string& zone) {
-    const std::string west = (zone[0] == '+' ? "-" : "+") + zone.substr(1, 2) + ":" + zone.substr(3, 2);
-    setenv("TZ", ("<" + zone + ">" + west).c_str(), 1);
-    tzset();
+// The directory whose files are explained: the one that was named, even if another stands for it.
+std::string InputDirectory(const Options& options) {
+    const std::optional<std::string>& named = options.capture ? options.capture : options.root;
+    return named ? std::filesystem::absolute(*named).lexically_normal().string() : std::string();
 }
 
-void SetUpServices(const Options& options) {
+std::unique_ptr<Capture> OpenCapture(const Options& options) {
+    auto capture = std::make_unique<Capture>(*options.capture, options.emptyHeal);
+    for (const std::string& note : capture->Notes()) {
+        std::fprintf(stderr, "zorv-explain: %s\n", Printable(note).c_str());
+    }
+    return capture;
+}
+
+// Returns the capture, which is used as long as it lives.
+std::unique_ptr<Capture> SetUpServices(const Options& options) {
     if (options.zone) {
         SetZone(*options.zone);
     }
-    HostSettings settings;
-    if (options.root) {
-        if (!std::filesystem::is_directory(*options.root)) {
-            throw NoData("the root '" + *options.root + "' is not a directory");
-        }
-        settings.root = std::filesystem::absolute(*options.root).lexically_normal();
+    if (options.root && !std::filesystem::is_directory(*options.root)) {
+        throw NoData("the root '" + *options.root + "' is not a directory");
     }
+    std::unique_ptr<Capture> capture = options.capture ? OpenCapture(options) : nullptr;
+    HostSettings settings;
+    settings.root = capture ? capture->Root() : InputDirectory(options);
     SetHostSettings(settings);
     ConfigureLog(options.log, VPLOG_LEVEL_WARNING);
+    return capture;
 }
 
 // The conversion itself takes the 40th of a month, and letters after the first digits.
@@ -64,6 +76,18 @@ int64_t SecondsOf(const std::string& date) {
         throw UsageError("'" + date + "' is no time: it has to have 14 digits, such as 20230105103000");
     }
     return FaultToInt64(seconds);
+}
+
+// Times as an operator writes them become compact ones; what was understood is told.
+std::vector<std::string> CompactTimes(std::vector<std::string> times, const LocalClock& clock) {
+    const std::string understood = TurnRange(times, 0, clock);
+    if (times.size() > 2) {
+        throw UsageError("'" + times[2] + "' is too much: a range has a START and an END");
+    }
+    if (!understood.empty()) {
+        std::fprintf(stderr, "%s\n", understood.c_str());
+    }
+    return times;
 }
 
 Range RangeOf(std::vector<std::string> times) {
@@ -85,14 +109,13 @@ Range RangeOf(std::vector<std::string> times) {
     return range;
 }
 
-void OpenInput() {
-    const std::string config = FaultPath(ZORV_ROUTE_CONFIG_FILE);
-    if (FaultJsonObject::GetInstance().ParseJsonConfig(config) != 0) {
-        throw NoData("the configuration " + config + " cannot be read");
+void OpenInput(const std::string& directory) {
+    if (FaultJsonObject::GetInstance().ParseJsonConfig(FaultPath(ZORV_ROUTE_CONFIG_FILE)) != 0) {
+        throw NoData("the configuration " + directory + ZORV_ROUTE_CONFIG_FILE + " cannot be read");
     }
     if (FaultDataBaseInit() != 0) {
-        throw NoData("the databases " + FaultPath(LUMO_DATABASE_FILE) + " and " +
-                     FaultPath(ZORV_HEAL_DATABASE_FILE) + " cannot both be opened");
+        throw NoData("the databases " + directory + LUMO_DATABASE_FILE + " and " + directory +
+                     ZORV_HEAL_DATABASE_FILE + " cannot both be opened");
     }
 }
 
@@ -155,14 +178,15 @@ std::vector<Analysis> AnalyseAll(const std::vector<std::pair<std::string, std::s
 
 Report MakeReport(const Options& options, const std::vector<std::string>& arguments) {
     Report report;
-    report.range = RangeOf(options.times);
+    const LocalClock clock = ClockAt(std::time(nullptr));
+    report.range = RangeOf(CompactTimes(options.times, clock));
     const std::optional<int64_t> at =
-        options.at ? std::optional<int64_t>(SecondsOf(*options.at)) : std::nullopt;
+        options.at ? std::optional<int64_t>(SecondsOf(TurnTime(*options.at, clock))) : std::nullopt;
     if (at && (*at < report.range.startTime || *at > report.range.endTime)) {
         throw UsageError("the time of --at is not within the range");
     }
-    report.stamp = MakeStamp(arguments);
-    OpenInput();
+    report.stamp = MakeStamp(arguments, InputDirectory(options));
+    OpenInput(InputDirectory(options));
     std::string offset;
     GetTimeZoneOffset(offset);
     report.zoneOffset = FaultToInt64(offset);
@@ -182,7 +206,7 @@ ExitStatus StatusOf(const Report& report) {
 }
 
 ExitStatus Run(const Options& options, const std::vector<std::string>& arguments) {
-    SetUpServices(options);
+    const std::unique_ptr<Capture> capture = SetUpServices(options);
     const Report report = MakeReport(options, arguments);
     const std::string text = options.json ? JsonReport(report) : TextReport(report);
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
@@ -203,6 +227,9 @@ int RunProgram(int argc, char** argv) {
         return Run(options, {argv, argv + argc});
     } catch (const UsageError& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        return STATUS_USAGE;
+    } catch (const TimeError& error) {
+        std::fprintf(stderr, "zorv-explain: %s\n", error.what());
         return STATUS_USAGE;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());

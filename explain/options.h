@@ -5,18 +5,18 @@
 #include <string>
 #include <vector>
 
+#include "cli/options.h"
+
 namespace explain {
 
-struct Options {
-    std::optional<std::string> root;   // the directory that stands before the fixed paths
-    std::optional<std::string> zone;   // such as "+0800"; without it the machine's
+struct Options : InputOptions {
     std::optional<std::string> point;  // without it, every point that the detector flags
     std::optional<std::string> graph;
-    std::optional<std::string> at;    // compact local time
+    std::optional<std::string> at;    // a time as an operator writes it, in one word
     std::optional<std::string> html;  // file to write the page to
     std::string log = "/dev/null";
     bool json = false;
-    std::vector<std::string> times;  // start and end, or a length in minutes
+    std::vector<std::string> times;  // start and end as an operator writes them, or a length in minutes
 };
 
 // How the program ends.

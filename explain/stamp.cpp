@@ -9,7 +9,6 @@
 #include <memory>
 
 #include "agent/agent_storage.h"
-#include "fault_common/fault_path.h"
 
 namespace explain {
 namespace {
@@ -58,13 +57,13 @@ std::string Quoted(const std::string& word) {
 
 }  // namespace
 
-Stamp MakeStamp(const std::vector<std::string>& arguments) {
+Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& directory) {
     Stamp stamp;
     stamp.program = EXPLAIN_VERSION;
     stamp.sqlite = sqlite3_libversion();
     stamp.jsoncpp = JSONCPP_VERSION_STRING;
-    stamp.configurationHash = HashOf(FaultPath(ZORV_ROUTE_CONFIG_FILE));
-    stamp.databaseHash = HashOf(FaultPath(LUMO_DATABASE_FILE));
+    stamp.configurationHash = HashOf(directory + ZORV_ROUTE_CONFIG_FILE);
+    stamp.databaseHash = HashOf(directory + LUMO_DATABASE_FILE);
     for (const std::string& argument : arguments) {
         stamp.command += (stamp.command.empty() ? "" : " ") + Quoted(argument);
     }

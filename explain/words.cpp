@@ -2,33 +2,14 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 
-#include "agent/agent_time.h"
 #include "explain/analysis.h"
 
 namespace explain {
 
-std::string LocalTime(int64_t time, int64_t zoneOffset) {
-    VOPX_TIME_S date{};
-    vopx_time_gmtime(time + zoneOffset, &date);
-    std::array<char, 80> text{};
-    std::snprintf(text.data(), text.size(), "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month, date.day,
-                  date.hour, date.minute, date.second);
-    return text.data();
-}
-
 std::string TimeOfDay(int64_t time, int64_t zoneOffset) {
     const std::string text = LocalTime(time, zoneOffset);
     return text.substr(text.find(' ') + 1);
-}
-
-std::string ZoneText(int64_t zoneOffset) {
-    const int64_t minutes = std::abs(zoneOffset) / 60;
-    std::array<char, 48> text{};
-    std::snprintf(text.data(), text.size(), "%c%02d:%02d", zoneOffset < 0 ? '-' : '+',
-                  static_cast<int>(minutes / 60), static_cast<int>(minutes % 60));
-    return text.data();
 }
 
 std::string Duration(int64_t seconds) {

@@ -5,17 +5,15 @@
 #include <cstdint>
 #include <string>
 
+#include "host/services/local_time.h"  // LocalTime(), ZoneText(): whoever writes times writes these
+
 namespace explain {
 
 enum class Nature;
 enum class Verdict;
 
-// Local time as "2023-01-05 14:03:00", and its time of day alone. `zoneOffset` is in seconds east of UTC.
-std::string LocalTime(int64_t time, int64_t zoneOffset);
+// The time of day of a local time, as "14:03:00". `zoneOffset` is in seconds east of UTC.
 std::string TimeOfDay(int64_t time, int64_t zoneOffset);
-
-// "+08:00".
-std::string ZoneText(int64_t zoneOffset);
 
 // "45 s", "3 min 30 s", "1 h 5 min".
 std::string Duration(int64_t seconds);

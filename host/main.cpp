@@ -6,14 +6,18 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 
 #include "host/console/session.h"
 #include "host/leak_check.h"
 #include "host/options.h"
 #include "host/plugin.h"
+#include "host/services/capture.h"
+#include "host/services/local_time.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
+#include "host/services/text.h"
 #include "host/services/timer.h"
 #include "host/status.h"
 
@@ -38,9 +42,23 @@ std::string CheckedRoot(const std::string& root) {
     return std::filesystem::absolute(root).lexically_normal();
 }
 
-void SetUpServices(const Options& options) {
+// The root of a capture, which is then to be kept.
+std::string CapturedRoot(const Options& options, std::optional<Capture>& capture) {
+    capture.emplace(*options.capture, options.emptyHeal);
+    for (const std::string& note : capture->Notes()) {
+        std::fprintf(stderr, "zorv-local: %s\n", Printable(note).c_str());
+    }
+    return capture->Root();
+}
+
+void SetUpServices(const Options& options, std::optional<Capture>& capture) {
+    if (options.zone.has_value()) {
+        SetZone(*options.zone);
+    }
     HostSettings settings;
-    if (options.root.has_value()) {
+    if (options.capture.has_value()) {
+        settings.root = CapturedRoot(options, capture);
+    } else if (options.root.has_value()) {
         settings.root = CheckedRoot(*options.root);
     }
     settings.node = options.node;
@@ -49,31 +67,44 @@ void SetUpServices(const Options& options) {
     ConfigureLog(options.logFile, options.logLevel);
 }
 
-ExitStatus RunCommands(const Options& options) {
+// What a program that this one runs has to be told.
+Words SharedOptions(const Options& options, const std::optional<Capture>& capture) {
     Words shared;
-    if (options.root.has_value()) {
+    if (capture.has_value()) {
+        shared = {"--capture", capture->Directory()};
+    } else if (options.root.has_value()) {
         shared = {"--root", GetHostSettings().root};
+    }
+    if (options.emptyHeal) {
+        shared.emplace_back("--empty-heal");
+    }
+    if (options.zone.has_value()) {
+        shared.insert(shared.end(), {"--zone", *options.zone});
     }
     if (!options.logFile.empty()) {
         shared.insert(shared.end(), {"--log", options.logFile});
     }
-    Console console(shared);
+    return shared;
+}
+
+ExitStatus RunCommands(const Options& options, const std::optional<Capture>& capture) {
+    Console console(SharedOptions(options, capture));
     if (!options.command.empty()) {
         return console.Run(options.command, "");
     }
     return isatty(STDIN_FILENO) == 1 ? RunTerminal(console) : RunLinesOfInput(console);
 }
 
-ExitStatus RunHost(const Options& options) {
+ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
     try {
-        SetUpServices(options);
+        SetUpServices(options, capture);
         StartPlugin(options.plugin);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zorv-local: %s\n", error.what());
         return STATUS_NOT_STARTED;
     }
     try {
-        return RunCommands(options);
+        return RunCommands(options, capture);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zorv-local: %s\n", error.what());
         return STATUS_FAILED;
@@ -97,5 +128,6 @@ int main(int argc, char** argv) {
     if (const std::optional<int> status = ParseOptions(argc, argv, options)) {
         return *status;
     }
-    Leave(RunHost(options));
+    std::optional<Capture> capture;  // gone with the process: the plug-in's threads use it until then
+    Leave(RunHost(options, capture));
 }

@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <map>
-#include <memory>
 
 #include "host/services/text.h"
 #include "host/status.h"
@@ -25,6 +24,8 @@ Examples:
   zorv-local --root /tmp/world help                lists the commands
   zorv-local --root /tmp/world delaydetect 60      looks for delay faults in the last hour
   zorv-local --root /tmp/world explain 60          tells where the extra delay of slow points went
+  zorv-local --root /tmp/world delaydetect -2h now the last two hours; also today, 2023/1/5 14:3:0
+  zorv-local --capture /tmp/node1 --zone +0800     a console over a copy of a node's files, none is changed
   zorv-local --root /tmp/world switch set off      turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
 )";
@@ -33,13 +34,6 @@ const std::map<std::string, uint32_t> LEVELS = {
     {"error", VPLOG_LEVEL_ERROR}, {"warning", VPLOG_LEVEL_WARNING}, {"info", VPLOG_LEVEL_INFO},
     {"debug", VPLOG_LEVEL_DEBUG}, {"3", VPLOG_LEVEL_ERROR},         {"4", VPLOG_LEVEL_WARNING},
     {"5", VPLOG_LEVEL_INFO},      {"7", VPLOG_LEVEL_DEBUG}};
-
-class HelpFormatter : public CLI::Formatter {
-public:
-    std::string make_usage(const CLI::App* /*app*/, std::string /*name*/) const override {
-        return "Usage: zorv-local [OPTIONS] [COMMAND [ARGS...]]\n";
-    }
-};
 
 uint32_t LevelOf(const std::string& word) {
     const auto level = LEVELS.find(word);
@@ -51,11 +45,10 @@ uint32_t LevelOf(const std::string& word) {
 }
 
 void Declare(CLI::App& app, Options& options) {
-    app.formatter(std::make_shared<HelpFormatter>());
+    SetUsage(app, "zorv-local [OPTIONS] [COMMAND [ARGS...]]");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-local " ZORV_LOCAL_VERSION);
-    app.add_option("--root", options.root, "Directory that stands before every fixed path; default: none")
-        ->type_name("DIR");
+    DeclareInputOptions(app, options);
     app.add_option("--plugin", options.plugin, "The plug-in; default: the one that came with this program")
         ->type_name("FILE");
     app.add_option("--node", options.node, "Id of this node; default: 1")->type_name("N");

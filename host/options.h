@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "agent/agent_log.h"
+#include "cli/options.h"
 
-struct Options {
-    std::optional<std::string> root;    // the directory that stands before the fixed paths
+struct Options : InputOptions {
     std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
     uint32_t node = 1;
     std::string logFile;  // empty: stderr

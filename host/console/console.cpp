@@ -7,6 +7,7 @@
 #include "cli/nearest_name.h"
 #include "host/console/explain_command.h"
 #include "host/console/switch_command.h"
+#include "host/console/time_arguments.h"
 #include "host/services/console.h"
 #include "host/services/log.h"
 #include "host/services/text.h"
@@ -127,7 +128,8 @@ void RunRegistered(const Words& words) {
         ThrowUnknown(words.front());
     }
     Words texts = {"diagnose", group};
-    texts.insert(texts.end(), words.begin(), words.end());
+    const Words given = WithCompactTimes(words);
+    texts.insert(texts.end(), given.begin(), given.end());
     std::vector<char*> argv;
     for (std::string& text : texts) {
         argv.push_back(text.data());

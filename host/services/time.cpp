@@ -6,18 +6,13 @@
 #include <ratio>
 #include <thread>
 
+#include "host/services/local_time.h"
+
 namespace {
 using Tick = std::chrono::duration<uint64_t, std::ratio<1, 250>>;
 
 constexpr int64_t MONTHS_OF_CYCLE = 4800;  // the calendar repeats every 400 years
 constexpr int64_t SECONDS_OF_CYCLE = int64_t{146097} * 86400;
-
-// Whole hours only: the plug-in reads no more of the zone, and both must agree.
-int64_t ZoneOffset(time_t seconds) {
-    constexpr long HOUR = 3600;
-    tm local{};
-    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff / HOUR * HOUR;
-}
 }  // namespace
 
 uint64_t vopx_get_jiffies() {
@@ -30,7 +25,7 @@ void vopx_10msleep(uint32_t ticks) {
 
 int64_t vopx_time_getlocaltime(int64_t* seconds) {
     const time_t now = std::time(nullptr);
-    const int64_t local = now + ZoneOffset(now);
+    const int64_t local = now + ZoneOffsetAt(now);
     if (seconds != nullptr) {
         *seconds = local;
     }

@@ -34,7 +34,7 @@ ARROWS = {
     "host": {"cli", "host/services"},
     "simulator": {"cli"},
 }
-ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {"host/services"}
+ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {"cli", "host/services"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

@@ -1,0 +1,24 @@
+// The options that several programs have, and how their help begins.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+// Where a program's input is, and in which zone its times are.
+struct InputOptions {
+    std::optional<std::string> root;  // the directory that stands before the fixed paths
+    std::optional<std::string>
+        capture;                      // the same, in which nothing may change; there is at most one of both
+    bool emptyHeal = false;           // with a capture: do without its heal database
+    std::optional<std::string> zone;  // a sign and four digits; without it the machine's
+};
+
+// Adds the options to `app`, which sets `options` when it parses. The last --zone counts.
+void DeclareInputOptions(CLI::App& app, InputOptions& options);
+
+// Lets the help of `app` begin with the line `usage`.
+void SetUsage(CLI::App& app, const std::string& usage);
