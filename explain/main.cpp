@@ -53,9 +53,6 @@ std::unique_ptr<Capture> OpenCapture(const Options& options) {
 
 // Returns the capture, which is used as long as it lives.
 std::unique_ptr<Capture> SetUpServices(const Options& options) {
-    if (options.zone) {
-        SetZone(*options.zone);
-    }
     if (options.root && !std::filesystem::is_directory(*options.root)) {
         throw NoData("the root '" + *options.root + "' is not a directory");
     }
@@ -176,21 +173,33 @@ std::vector<Analysis> AnalyseAll(const std::vector<std::pair<std::string, std::s
     return analyses;
 }
 
-Report MakeReport(const Options& options, const std::vector<std::string>& arguments) {
-    Report report;
+struct Request {
+    Range range;
+    std::optional<int64_t> at;
+};
+
+Request RequestOf(const Options& options) {
     const LocalClock clock = ClockAt(std::time(nullptr));
-    report.range = RangeOf(CompactTimes(options.times, clock));
-    const std::optional<int64_t> at =
-        options.at ? std::optional<int64_t>(SecondsOf(TurnTime(*options.at, clock))) : std::nullopt;
-    if (at && (*at < report.range.startTime || *at > report.range.endTime)) {
-        throw UsageError("the time of --at is not within the range");
+    Request request;
+    request.range = RangeOf(CompactTimes(options.times, clock));
+    if (options.at) {
+        request.at = SecondsOf(TurnTime(*options.at, clock));
+        if (*request.at < request.range.startTime || *request.at > request.range.endTime) {
+            throw UsageError("the time of --at is not within the range");
+        }
     }
+    return request;
+}
+
+Report MakeReport(const Options& options, const Request& request, const std::vector<std::string>& arguments) {
+    Report report;
+    report.range = request.range;
     report.stamp = MakeStamp(arguments, InputDirectory(options));
     OpenInput(InputDirectory(options));
     std::string offset;
     GetTimeZoneOffset(offset);
     report.zoneOffset = FaultToInt64(offset);
-    report.analyses = AnalyseAll(Subjects(options, report.range), report.range, at);
+    report.analyses = AnalyseAll(Subjects(options, report.range), report.range, request.at);
     report.flags = CountFlags(report.analyses);
     return report;
 }
@@ -206,8 +215,12 @@ ExitStatus StatusOf(const Report& report) {
 }
 
 ExitStatus Run(const Options& options, const std::vector<std::string>& arguments) {
+    if (options.zone) {
+        SetZone(*options.zone);
+    }
+    const Request request = RequestOf(options);  // before a large capture is copied for nothing
     const std::unique_ptr<Capture> capture = SetUpServices(options);
-    const Report report = MakeReport(options, arguments);
+    const Report report = MakeReport(options, request, arguments);
     const std::string text = options.json ? JsonReport(report) : TextReport(report);
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
         throw std::runtime_error("the answer cannot be printed");

@@ -13,12 +13,12 @@
 
 namespace {
 std::string MakeDirectory() {
-    const char* const place = std::getenv("TMPDIR");
-    std::string path =
-        std::string(place == nullptr || *place == '\0' ? "/tmp" : place) + "/zorv-capture.XXXXXX";
+    const char* const named = std::getenv("TMPDIR");
+    const std::string place = named == nullptr || *named == '\0' ? "/tmp" : named;
+    std::string path = place + "/zorv-capture.XXXXXX";
     if (mkdtemp(path.data()) == nullptr) {
-        throw std::runtime_error("no temporary directory " + path + " can be made: " + std::strerror(errno) +
-                                 ". Name another place with TMPDIR.");
+        throw std::runtime_error("no temporary directory can be made in " + place + ": " +
+                                 std::strerror(errno) + ". Name another place with TMPDIR.");
     }
     return path;
 }

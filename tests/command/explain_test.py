@@ -112,7 +112,7 @@ class Explain(ConsoleTest):
             ([*point, "--at", compact(start + 60)], 4, "^Cannot tell: only 2 samples before"),
             (["--point", "TGT_LUMO_HOST_WRITE"], 1, "^Nothing anomalous: "),
             (graph, 2, "--graph requires --point"), (["--point", DISK], 2, f"no graph is known for {DISK}"),
-            (["--zone", "+8"], 2, "a zone has a sign"), ([*point, "--at", "now"], 2, "'now' is no time"),
+            (["--zone", "+8"], 2, "a zone has a sign"), ([*point, "--at", "noon"], 2, "'noon' is no time"),
             (["--x\x1b"], 2, "--help"), (["1", "2"], 2, "--help"),
             (["--point", "X\x1b", *graph], 3, r"the graph SAN_IO_READ has no point X\\x1b"),
             ([*point, "--graph", "X"], 3, "the configuration has no graph X"),

@@ -1,0 +1,127 @@
+"""Captures: the answers are those of the node, and of the captured files no byte, name or time changes."""
+import contextlib
+import hashlib
+import os
+import shutil
+import signal
+import sqlite3
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, ConsoleTest, eventually
+
+RANGE, WORDS = "20230105103000 20230105143000", "2023/1/5 10:30:0 '2023-01-05 14:30'"
+POINT = "TGT_LUMO_HOST_READ"
+LINES = "\n".join(["switch set on", f"simudetect {RANGE}", f"delaydetect {RANGE}", f"delayanal {RANGE}", "showvalidtime",
+                   f"showallerr {RANGE}", f"errcodeshow IOERROR ALL {RANGE}", f"errcodeshowall {RANGE}",
+                   f"showgraph maplumodata {POINT} {RANGE}", f"showfaultfactor POOL {RANGE}", f"datashow {POINT} {RANGE} 10",
+                   f"explain {RANGE}", "switch set off", f"delaydetect {RANGE}"])
+COPY, NEXT = ": working on a copy of ", ". Copy it from the node again."
+CHANGE = "begin; update lumo_data_20230105120000 set avgdelay = 77777 where curtime <= 1672893300;"
+WAL = "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
+
+
+class Capture(ConsoleTest):
+    def setUp(self):
+        super().setUp()
+        holder = tempfile.TemporaryDirectory()
+        self.addCleanup(holder.cleanup)
+        self.temporary, self.capture = Path(holder.name, "tmp"), Path(holder.name, "capture")
+        self.temporary.mkdir()
+        self.database = self.capture / DATABASE
+        self.environment = {**os.environ, "TZ": "EST5", "TMPDIR": str(self.temporary)}
+        self.simulate("--scenario", "slow-disk", "--step", "60", "--end", "20230105143000")
+
+    def seize(self, script="", closes=False):
+        """Copies the files of the node while, or after, a writer runs the script; what it left open is rolled back."""
+        shutil.rmtree(self.capture, ignore_errors=True)
+        with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as node:
+            node.executescript(script)
+            closes and node.close()
+            shutil.copytree(self.root, self.capture)
+
+    def picture(self):
+        """Of everything in the capture: name, time, size and bytes."""
+        return {str(path): (path.lstat().st_mtime_ns, path.lstat().st_size, path.is_file() and path.stat().st_size < 1 << 30
+                            and hashlib.sha256(path.read_bytes()).digest()) for path in [self.capture, *self.capture.rglob("*")]}
+
+    def run_program(self, program, *words, lines=""):
+        before = self.capture.exists() and self.picture()
+        done = subprocess.run([BIN / program, "--zone", "+0800", *words], input=lines, capture_output=True, text=True,
+                              env=self.environment)
+        self.assertEqual(self.capture.exists() and self.picture(), before)
+        self.assertEqual(self.temporary.exists() and os.listdir(self.temporary), self.temporary.exists() and [])
+        return done.returncode, done.stdout, done.stderr
+
+    def test_answers_are_those_of_the_node(self):
+        lone, missing = "is in WAL mode" + COPY, "-wal is missing or empty: unless the node had closed the database, "
+        for name, script, closes, sentences in (
+                ("rolled back", "pragma cache_size = 1;" + CHANGE, False, ["left unfinished, it is rolled back" + COPY]),
+                ("persistent", "pragma journal_mode = persist; create table more(a);", False, []),
+                ("closed wal", WAL, True, [lone, missing]), ("wal", WAL + CHANGE + "commit", False, [lone])):
+            with self.subTest(name):
+                sound = (self.root / DATABASE).read_bytes()
+                self.seize(script, closes)
+                self.assertTrue(name != "rolled back" or self.database.read_bytes() != sound, "nothing was spilled")
+                *expected, _ = self.run_program("zorv-local", "--root", self.root, lines=LINES)
+                *found, err = self.run_program("zorv-local", "--capture", self.capture, lines=LINES.replace(RANGE, WORDS))
+                self.assertEqual((found, "77777" in found[1], "alarm 0xF00C90150" in err), (expected, name == "wal", True))
+                self.assertEqual((err.count(COPY), [sentence in err for sentence in sentences]),
+                                 (len(sentences[:1]), [True] * len(sentences)), err)
+                for program, *words in (["zorv-local", "explain"], ["zorv-explain"]):
+                    _, text, err = self.run_program(program, "--capture", self.capture, *words, "2023/1/5", "10:30", "2023-01-05 14:30")
+                    self.assertTrue(text and text in expected[1], err)
+                    self.assertIn("2023-01-05 10:30:00 to 2023-01-05 14:30:00, zone +08:00\n", err)
+            shutil.rmtree(self.root / "VRA/coffer_log")
+
+    def test_damages(self):
+        database, heal, config, wal = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG, Path(f"{self.database}-wal")
+        size, healing = os.stat(self.root / DATABASE).st_size, " without the healing events the plug-in opens no database."
+        cases = [  # damage, exit status, what is said, more options, how the node was left
+            (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
+            (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
+            (lambda: os.truncate(database, 0), 3, f"{database} is empty: without the statistics there is nothing"),
+            (lambda: os.truncate(database, 4096), 3, f"is cut short: it has 4096 of {size} bytes, and rows would be missing" + NEXT),
+            (lambda: os.truncate(database, 90), 3, f"{database} cannot be used: "),
+            (lambda: database.write_text("PK"), 3, f"{database} is no SQLite database, it begins with something else" + NEXT),
+            (lambda: shutil.copy(heal, database), 3, f"{database} cannot be used: no such table: table_flag" + NEXT),
+            (lambda: (database.unlink(), database.mkdir()), 3, f"{database} is not a file" + NEXT),
+            (lambda: (database.unlink(), database.symlink_to(database)), 3, "cannot be read: Too many levels of symbolic links" + NEXT),
+            (heal.unlink, 3, f"{heal} is missing:{healing} Copy it from the node, or go on without healing events by --empty-heal."),
+            (lambda: os.truncate(heal, 0), 3, f"{heal} is empty:{healing}"),
+            (heal.unlink, 0, f"{heal} is missing: an empty one stands in, so no healing events are told.", ["--empty-heal"]),
+            (config.unlink, 0, f"{config} is missing: there are no graphs, so no causes are found. Copy it from the node."),
+            (lambda: wal.write_text("x" * 99), 0, f"{database} has a -wal file beside it" + COPY),
+            (lambda: wal.write_text("x" * 99), 0, f"{database}-wal is damaged: unless the node had closed", [], [WAL, True]),
+            (lambda: os.truncate(database, 4096), 3, "cannot be used: database disk image is malformed" + NEXT, [], [WAL, True]),
+            (lambda: os.truncate(database, 1 << 43), 3, f"there is no space for a copy of {database}: it takes {1 << 43}", [], [WAL, True]),
+            (self.temporary.rmdir, 3, f"no temporary directory can be made in {self.temporary}: No such file or directory. Name another"),
+        ]
+        for damage, expected, said, *more in cases:
+            with self.subTest(said):
+                self.seize(*(more[1:] or [[]])[0])
+                damage()
+                arguments = ["--capture", self.capture, *(more or [[]])[0]]
+                status, out, err = self.run_program("zorv-local", *arguments, "delayanal", *RANGE.split())
+                self.assertEqual((status, bool(out)), (expected, expected == 0), err)
+                explained, _, explanation = self.run_program("zorv-explain", *arguments, *RANGE.split())
+                self.assertEqual((explained, said in err, said in explanation), (3 if damage == config.unlink else expected, True, True), err)
+
+    def test_the_temporary_root_goes_with_the_process(self):
+        self.seize(WAL)
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGKILL):
+            with subprocess.Popen([BIN / "zorv-local", "--capture", self.capture], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                  stderr=subprocess.DEVNULL, env=self.environment) as console:
+                console.stdin.write(b"switch set off\n")
+                console.stdin.flush()
+                self.assertIn(b"old value", console.stdout.readline())
+                root, = self.temporary.iterdir()
+                self.assertEqual(root.stat().st_mode & 0o777, 0o700)
+                console.send_signal(number)
+                self.assertTrue(eventually(lambda: not root.exists()))
+
+
+if __name__ == "__main__":
+    unittest.main()
