@@ -79,7 +79,7 @@ int64_t SecondsOf(const std::string& date) {
 std::vector<std::string> CompactTimes(std::vector<std::string> times, const LocalClock& clock) {
     const std::string understood = TurnRange(times, 0, clock);
     if (times.size() > 2) {
-        throw UsageError("'" + times[2] + "' is too much: a range has a START and an END");
+        throw UsageError("'" + times[2] + "' is too much after a START and an END; --help tells more");
     }
     if (!understood.empty()) {
         std::fprintf(stderr, "%s\n", understood.c_str());

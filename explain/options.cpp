@@ -13,14 +13,14 @@ constexpr const char* DESCRIPTION =
 
 constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
-yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time up to now. Without --point, every point that the detector flags in the range is explained.
+yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time up to now. Without --point,
+every point that the detector flags in the range is explained.
 
 Exit status: 0 answered, 1 nothing anomalous, 2 wrong usage, 3 no data or no configuration, 4 cannot tell.
 
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
-  zorv-explain --capture /tmp/node1 --zone +0800 yesterday today
-                                                             a copy of a node's files, none is changed
+  zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
   zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at 20230105113000 START END

@@ -13,7 +13,8 @@ constexpr const char* DESCRIPTION =
 
 constexpr const char* EXAMPLES = R"(
 COMMAND is run with its ARGS, which may begin with '-'. Without a command there is a console on a terminal;
-otherwise command lines are read from standard input.
+otherwise command lines are read from standard input. Where a command takes START and END these are local times:
+20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
 Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
 3 the plug-in could not be loaded, or the root or the log is not there. "explain" as COMMAND hands the exit
@@ -23,8 +24,8 @@ Examples:
   zorv-local --root /tmp/world                     a console over the files below /tmp/world
   zorv-local --root /tmp/world help                lists the commands
   zorv-local --root /tmp/world delaydetect 60      looks for delay faults in the last hour
+  zorv-local --root /tmp/world delaydetect -2h now looks for them in the last two hours
   zorv-local --root /tmp/world explain 60          tells where the extra delay of slow points went
-  zorv-local --root /tmp/world delaydetect -2h now the last two hours; also today, 2023/1/5 14:3:0
   zorv-local --capture /tmp/node1 --zone +0800     a console over a copy of a node's files, none is changed
   zorv-local --root /tmp/world switch set off      turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt      runs the command lines of a file

@@ -1,5 +1,4 @@
 """Captures: the answers are those of the node, and of the captured files no byte, name or time changes."""
-import contextlib
 import hashlib
 import os
 import shutil
@@ -37,10 +36,11 @@ class Capture(ConsoleTest):
     def seize(self, script="", closes=False):
         """Copies the files of the node while, or after, a writer runs the script; what it left open is rolled back."""
         shutil.rmtree(self.capture, ignore_errors=True)
-        with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as node:
-            node.executescript(script)
-            closes and node.close()
-            shutil.copytree(self.root, self.capture)
+        node = sqlite3.connect(self.root / DATABASE)
+        node.executescript(script)
+        closes and node.close()
+        shutil.copytree(self.root, self.capture)
+        node.close()
 
     def picture(self):
         """Of everything in the capture: name, time, size and bytes."""
@@ -74,6 +74,8 @@ class Capture(ConsoleTest):
                     _, text, err = self.run_program(program, "--capture", self.capture, *words, "2023/1/5", "10:30", "2023-01-05 14:30")
                     self.assertTrue(text and text in expected[1], err)
                     self.assertIn("2023-01-05 10:30:00 to 2023-01-05 14:30:00, zone +08:00\n", err)
+                json = self.run_program("zorv-explain", "--capture", self.capture, "--json", *RANGE.split())[1]
+                self.assertIn(hashlib.sha256(self.database.read_bytes()).hexdigest(), json)
             shutil.rmtree(self.root / "VRA/coffer_log")
 
     def test_damages(self):
@@ -113,13 +115,13 @@ class Capture(ConsoleTest):
         self.seize(WAL)
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGKILL):
             with subprocess.Popen([BIN / "zorv-local", "--capture", self.capture], stdin=subprocess.PIPE, stdout=subprocess.PIPE,
-                                  stderr=subprocess.DEVNULL, env=self.environment) as console:
+                                  stderr=subprocess.DEVNULL, env=self.environment, start_new_session=True) as console:
                 console.stdin.write(b"switch set off\n")
                 console.stdin.flush()
                 self.assertIn(b"old value", console.stdout.readline())
                 root, = self.temporary.iterdir()
                 self.assertEqual(root.stat().st_mode & 0o777, 0o700)
-                console.send_signal(number)
+                os.killpg(console.pid, number)
                 self.assertTrue(eventually(lambda: not root.exists()))
 
 
