@@ -5,7 +5,6 @@ import shutil
 import signal
 import sqlite3
 import subprocess
-import tempfile
 import unittest
 from pathlib import Path
 
@@ -25,9 +24,7 @@ WAL = "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
 class Capture(ConsoleTest):
     def setUp(self):
         super().setUp()
-        holder = tempfile.TemporaryDirectory()
-        self.addCleanup(holder.cleanup)
-        self.temporary, self.capture = Path(holder.name, "tmp"), Path(holder.name, "capture")
+        self.temporary, self.capture = self.root / "tmp", self.root / "capture"
         self.temporary.mkdir()
         self.database = self.capture / DATABASE
         self.environment = {**os.environ, "TZ": "EST5", "TMPDIR": str(self.temporary)}
@@ -39,7 +36,7 @@ class Capture(ConsoleTest):
         node = sqlite3.connect(self.root / DATABASE)
         node.executescript(script)
         closes and node.close()
-        shutil.copytree(self.root, self.capture)
+        shutil.copytree(self.root / "VRA", self.capture / "VRA")
         node.close()
 
     def picture(self):
@@ -81,7 +78,7 @@ class Capture(ConsoleTest):
     def test_damages(self):
         database, heal, config, wal = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG, Path(f"{self.database}-wal")
         size, healing = os.stat(self.root / DATABASE).st_size, " without the healing events the plug-in opens no database."
-        cases = [  # damage, exit status, what is said, more options, how the node was left
+        cases = [  # damage, exit status, what is said, options, how the node was left
             (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
             (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
             (lambda: os.truncate(database, 0), 3, f"{database} is empty: without the statistics there is nothing"),
