@@ -64,6 +64,21 @@ void TakeDatabaseHeader(const Header& header, CapturedDatabase& database) {
     }
 }
 
+// Of a journal that is to be rolled back: SQLite takes a damaged one for one without pages, and the rows of
+// the unfinished transaction would stay. The pages that the first header promises have to be there.
+void CheckJournal(const std::string& path, uint64_t size) {
+    constexpr unsigned char MAGIC[] = {0xD9, 0xD5, 0x05, 0xF9, 0x20, 0xA1, 0x63, 0xD7};
+    constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
+    const Header header = HeaderOf(path);
+    const uint32_t pages = BigEndian(&header[8]);
+    const uint64_t pageRecord = uint64_t{BigEndian(&header[24])} + 8;
+    const uint64_t promised = BigEndian(&header[20]) + (pages == NOT_COUNTED ? 0 : pages * pageRecord);
+    if (std::memcmp(header.data(), MAGIC, sizeof MAGIC) != 0 || size < promised) {
+        throw CaptureError(
+            path + " is damaged: it holds what an unfinished transaction has to be rolled back with" + AGAIN);
+    }
+}
+
 struct CloseHandle {
     void operator()(sqlite3* handle) const { sqlite3_close(handle); }
 };
@@ -129,6 +144,9 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
     database.walSize = SizeOf(wal);
     database.journalSize = SizeOf(journal);
     database.isHot = database.journalSize > 0 && HeaderOf(journal)[0] != 0;
+    if (database.isHot) {
+        CheckJournal(journal, database.journalSize);
+    }
     if (database.walSize > 0) {
         const uint32_t magic = BigEndian(HeaderOf(wal).data());
         database.isWalSound = (magic & ~1U) == 0x377F0682U;

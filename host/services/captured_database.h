@@ -28,8 +28,8 @@ struct CapturedDatabase {
 };
 
 // Looks at the database `path` and the files beside it. Throws CaptureError when there is no file, it is
-// empty, cannot be read, or is no SQLite database. Opens and closes the files, which would drop the locks of
-// SQLite in this process: call it before the first connection is opened.
+// empty, cannot be read, or is no SQLite database, or its hot journal is damaged. Opens and closes the files,
+// which would drop the locks of SQLite in this process: call it before the first connection is opened.
 CapturedDatabase LookAtDatabase(const std::string& path);
 
 // Copies the database and the files beside it to `path`. Returns the number of bytes. Throws CaptureError,

@@ -18,7 +18,7 @@ LINES = "\n".join(["switch set on", f"simudetect {RANGE}", f"delaydetect {RANGE}
                    f"explain {RANGE}", "switch set off", f"delaydetect {RANGE}"])
 COPY, NEXT = ": working on a copy of ", ". Copy it from the node again."
 CHANGE = "begin; update lumo_data_20230105120000 set avgdelay = 77777 where curtime <= 1672893300;"
-WAL = "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
+HOT, WAL = "pragma cache_size = 1;" + CHANGE, "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
 
 
 class Capture(ConsoleTest):
@@ -55,7 +55,7 @@ class Capture(ConsoleTest):
     def test_answers_are_those_of_the_node(self):
         lone, missing = "is in WAL mode" + COPY, "-wal is missing or empty: unless the node had closed the database, "
         for name, script, closes, sentences in (
-                ("rolled back", "pragma cache_size = 1;" + CHANGE, False, ["left unfinished, it is rolled back" + COPY]),
+                ("rolled back", HOT, False, ["left unfinished, it is rolled back" + COPY]),
                 ("persistent", "pragma journal_mode = persist; create table more(a);", False, []),
                 ("closed wal", WAL, True, [lone, missing]), ("wal", WAL + CHANGE + "commit", False, [lone])):
             with self.subTest(name):
@@ -76,14 +76,14 @@ class Capture(ConsoleTest):
             shutil.rmtree(self.root / "VRA/coffer_log")
 
     def test_damages(self):
-        database, heal, config, wal = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG, Path(f"{self.database}-wal")
+        database, heal, config = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG
+        wal, journal = Path(f"{database}-wal"), Path(f"{database}-journal")
         size, healing = os.stat(self.root / DATABASE).st_size, " without the healing events the plug-in opens no database."
         cases = [  # damage, exit status, what is said, options, how the node was left
             (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
             (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
             (lambda: os.truncate(database, 0), 3, f"{database} is empty: without the statistics there is nothing"),
             (lambda: os.truncate(database, 4096), 3, f"is cut short: it has 4096 of {size} bytes, and rows would be missing" + NEXT),
-            (lambda: os.truncate(database, 90), 3, f"{database} cannot be used: "),
             (lambda: database.write_text("PK"), 3, f"{database} is no SQLite database, it begins with something else" + NEXT),
             (lambda: shutil.copy(heal, database), 3, f"{database} cannot be used: no such table: table_flag" + NEXT),
             (lambda: (database.unlink(), database.mkdir()), 3, f"{database} is not a file" + NEXT),
@@ -92,6 +92,8 @@ class Capture(ConsoleTest):
             (lambda: os.truncate(heal, 0), 3, f"{heal} is empty:{healing}"),
             (heal.unlink, 0, f"{heal} is missing: an empty one stands in, so no healing events are told.", ["--empty-heal"]),
             (config.unlink, 0, f"{config} is missing: there are no graphs, so no causes are found. Copy it from the node."),
+            (lambda: os.truncate(journal, 900), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
+            (lambda: journal.write_text("x" * 9999), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
             (lambda: wal.write_text("x" * 99), 0, f"{database} has a -wal file beside it" + COPY),
             (lambda: wal.write_text("x" * 99), 0, f"{database}-wal is damaged: unless the node had closed", [], [WAL, True]),
             (lambda: os.truncate(database, 4096), 3, "cannot be used: database disk image is malformed" + NEXT, [], [WAL, True]),

@@ -56,7 +56,6 @@ TEST(TimeWordsTest, TurnsAPairThatIsNotCompact) {
         {{"today 24:00", "now"}, "'today 24:00' is no time" + lost + forms},
         {{"2023/1-5", "now"}, "'2023/1-5' is no time" + forms},
         {{"2023/1/5 10", "now"}, "'2023/1/5 10' is no time" + forms},
-        {{"2023/1/5x", "now"}, "'2023/1/5x' is no time" + forms},
         {{"-30", "now"}, "'-30' is no time" + forms},
         {{"-3w", "now"}, "'-3w' is no time" + forms},
         {{"now", "14:30"}, "'now 14:30' is no time" + forms},
