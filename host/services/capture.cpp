@@ -114,7 +114,7 @@ private:
 
     // Where a file of the capture belongs in the root; its directory is there.
     std::string PlaceFor(const char* path) const {
-        const std::string place = root + path;
+        std::string place = root + path;
         fs::create_directories(fs::path(place).parent_path());
         return place;
     }
