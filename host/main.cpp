@@ -14,8 +14,10 @@
 #include "host/options.h"
 #include "host/plugin.h"
 #include "host/services/capture.h"
+#include "host/services/cluster_file.h"
 #include "host/services/local_time.h"
 #include "host/services/log.h"
+#include "host/services/message.h"
 #include "host/services/settings.h"
 #include "host/services/text.h"
 #include "host/services/timer.h"
@@ -62,7 +64,7 @@ void SetUpServices(const Options& options, std::optional<Capture>& capture) {
         settings.root = CheckedRoot(*options.root);
     }
     settings.node = options.node;
-    settings.master = options.node;
+    settings.master = options.master;
     SetHostSettings(settings);
     ConfigureLog(options.logFile, options.logLevel);
 }
@@ -95,10 +97,21 @@ ExitStatus RunCommands(const Options& options, const std::optional<Capture>& cap
     return isatty(STDIN_FILENO) == 1 ? RunTerminal(console) : RunLinesOfInput(console);
 }
 
+void Start(const Options& options, std::optional<Capture>& capture) {
+    SetUpServices(options, capture);
+    NodeAddresses nodes;
+    if (!options.cluster.empty()) {
+        nodes = ReadClusterFile(options.cluster, {options.node, options.master});
+    }
+    StartPlugin(options.plugin);
+    if (!nodes.empty()) {  // now that there are handlers
+        JoinCluster(nodes);
+    }
+}
+
 ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
     try {
-        SetUpServices(options, capture);
-        StartPlugin(options.plugin);
+        Start(options, capture);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zorv-local: %s\n", error.what());
         return STATUS_NOT_STARTED;
@@ -113,6 +126,7 @@ ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
 
 // The plug-in cannot be stopped and its threads run on: nothing that they use may be destroyed under them.
 [[noreturn]] void Leave(int status) {
+    LeaveCluster();
     StopTimers();
     std::fflush(nullptr);
     CheckLeaks();

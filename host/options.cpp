@@ -17,7 +17,7 @@ otherwise command lines are read from standard input. Where a command takes STAR
 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
 Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
-3 the plug-in could not be loaded, or the root or the log is not there. "explain" as COMMAND hands the exit
+3 the plug-in could not be loaded, the root or the log is not there, or the cluster cannot be joined. "explain" as COMMAND hands the exit
 status of zorv-explain on.
 
 Examples:
@@ -29,6 +29,9 @@ Examples:
   zorv-local --capture /tmp/node1 --zone +0800     a console over a copy of a node's files, none is changed
   zorv-local --root /tmp/world switch set off      turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
+  zorv-local --node 2 --master 1 --cluster nodes   a node of a cluster; the file "nodes" may be
+      1 ipc:///run/zorv/1
+      2 tcp://127.0.0.1:7002
 )";
 
 const std::map<std::string, uint32_t> LEVELS = {
@@ -53,6 +56,10 @@ void Declare(CLI::App& app, Options& options) {
     app.add_option("--plugin", options.plugin, "The plug-in; default: the one that came with this program")
         ->type_name("FILE");
     app.add_option("--node", options.node, "Id of this node; default: 1")->type_name("N");
+    app.add_option("--master", options.master, "Id of the node that keeps the switch; default: this node")
+        ->type_name("M");
+    app.add_option("--cluster", options.cluster, "The nodes and where they listen: a line each, ID ADDRESS")
+        ->type_name("FILE");
     app.add_option("--log", options.logFile, "Append the log to this file; default: standard error")
         ->type_name("FILE");
     app.add_option_function<std::string>(
@@ -61,6 +68,20 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("L");
     app.prefix_command();
 }
+
+// A cluster whose every node took itself for the master would have several switches.
+void CheckMaster(const CLI::App& app, Options& options) {
+    const bool isNamed = app.count("--master") > 0;
+    if (!isNamed && !options.cluster.empty()) {
+        throw CLI::ValidationError("--cluster", "needs --master: who keeps the switch?");
+    }
+    if (!isNamed) {
+        options.master = options.node;
+    }
+    if (options.master != options.node && options.cluster.empty()) {
+        throw CLI::ValidationError("--master", "another node than this one needs --cluster");
+    }
+}
 }  // namespace
 
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
@@ -68,6 +89,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     Declare(app, options);
     try {
         app.parse(argc, argv);
+        CheckMaster(app, options);
         options.command = app.remaining();
         if (!options.command.empty() && options.command.front() == "--") {
             options.command.erase(options.command.begin());

@@ -12,6 +12,8 @@
 struct Options : InputOptions {
     std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
     uint32_t node = 1;
+    uint32_t master = 1;  // the own node, or one of the cluster's
+    std::string cluster;  // the file with its nodes; empty: there are no other nodes
     std::string logFile;  // empty: stderr
     uint32_t logLevel = VPLOG_LEVEL_WARNING;
     std::vector<std::string> command;  // the command and its arguments; empty: a console

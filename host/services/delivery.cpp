@@ -9,20 +9,6 @@
 #include "host/services/thread.h"
 
 namespace {
-Answer CopyAnswer(const void* data, uint32_t length) {
-    Answer answer;
-    if (data == nullptr || length == 0) {
-        return answer;
-    }
-    answer.data.reset(std::malloc(length));
-    if (answer.data == nullptr) {
-        throw std::bad_alloc();
-    }
-    std::memcpy(answer.data.get(), data, length);
-    answer.length = length;
-    return answer;
-}
-
 void StartHandler(ZORV_MSG_HANDLER handler, ZORV_COMM_INFO_S info, const void* payload) {
     std::vector<char> copy;
     if (payload != nullptr) {
@@ -36,6 +22,20 @@ void StartHandler(ZORV_MSG_HANDLER handler, ZORV_COMM_INFO_S info, const void* p
     StartThread(std::move(run)).detach();
 }
 }  // namespace
+
+Answer CopyAnswer(const void* data, uint32_t length) {
+    Answer answer;
+    if (data == nullptr || length == 0) {
+        return answer;
+    }
+    answer.data.reset(std::malloc(length));
+    if (answer.data == nullptr) {
+        throw std::bad_alloc();
+    }
+    std::memcpy(answer.data.get(), data, length);
+    answer.length = length;
+    return answer;
+}
 
 // The entry of one request in the table of those that wait; it ends with the wait. The mutex is held when
 // it begins and when it ends.

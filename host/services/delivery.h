@@ -21,6 +21,9 @@ struct Answer {
     uint32_t length = 0;
 };
 
+// An answer with a copy of the data, of which there may be none. Throws std::bad_alloc.
+Answer CopyAnswer(const void* data, uint32_t length);
+
 // Thread-safe. Its life must not end before that of the last handler's run.
 class Delivery {
 public:

@@ -1,7 +1,9 @@
-#include "agent/agent_message.h"
+#include "host/services/message.h"
 
+#include <atomic>
 #include <optional>
 
+#include "agent/agent_message.h"
 #include "host/services/delivery.h"
 #include "host/services/immortal.h"
 #include "host/services/log.h"
@@ -13,14 +15,25 @@ Delivery& LocalDelivery() {
     return delivery;
 }
 
-// The way to a node leads through here. This host knows no node but its own.
+std::atomic<Bus*> g_bus{nullptr};  // null: there are no other nodes
+
+std::optional<Answer> HandleHere(const ZORV_COMM_INFO_S& info, const void* payload,
+                                 std::chrono::milliseconds time) {
+    return LocalDelivery().Request(info, payload, time);
+}
+
+// The way to a node leads through here.
 std::optional<Answer> RequestFrom(const ZORV_COMM_INFO_S& info, const void* payload) {
     const HostSettings& settings = GetHostSettings();
-    if (info.dstNid != settings.node) {
+    if (info.dstNid == settings.node) {
+        return HandleHere(info, payload, settings.messageDeadline);
+    }
+    Bus* const bus = g_bus;
+    if (bus == nullptr) {
         HOST_LOG(VPLOG_LEVEL_WARNING, "node %u is out of reach of node %u", info.dstNid, settings.node);
         return std::nullopt;
     }
-    return LocalDelivery().Request(info, payload, settings.messageDeadline);
+    return bus->Request(info, payload, settings.messageDeadline);
 }
 
 uint32_t SendRequest(const ZORV_COMM_INFO_S& info, const void* payload, ZORV_COMM_RET_S& reply) {
@@ -36,6 +49,19 @@ uint32_t SendRequest(const ZORV_COMM_INFO_S& info, const void* payload, ZORV_COM
     return 0;
 }
 }  // namespace
+
+void JoinCluster(const NodeAddresses& addresses) {
+    const HostSettings& settings = GetHostSettings();
+    auto& bus = MakeImmortal<Bus>(settings.node, addresses);
+    bus.Start(HandleHere, settings.messageDeadline);
+    g_bus = &bus;
+}
+
+void LeaveCluster() {
+    if (Bus* const bus = g_bus.exchange(nullptr)) {
+        bus->Leave();
+    }
+}
 
 uint32_t ZORV_CommRegMsgHandle(uint32_t opcode, ZORV_MSG_HANDLER handler) {
     if (handler == nullptr) {
