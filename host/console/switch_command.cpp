@@ -50,8 +50,10 @@ int32_t AskMaster(uint32_t opcode, int32_t payload) {
     const uint32_t result = ZORV_CommSendRequestMsg(&info, &payload, reply.Get());
     const std::optional<int32_t> number = reply.Number();
     if (result != 0 || !number.has_value()) {
+        const bool isSet = opcode == ZORV_OP_SET_FAULTDIAG_SWITCH;
         throw std::runtime_error("node " + std::to_string(master) +
-                                 ", which keeps the switch, did not answer");
+                                 ", which keeps the switch, did not answer" +
+                                 (isSet ? "; 'switch get' tells whether it has the value" : ""));
     }
     return *number;
 }
@@ -78,21 +80,30 @@ int32_t NumberOf(const std::string& word) {
     throw UsageError("the switch cannot be '" + Printable(word, 40) + "'; it can be on, on-silent or off");
 }
 
+// "node N", the master.
+std::string Master() {
+    return "node " + std::to_string(ZORV_GetMasterNid());
+}
+
 void Set(int32_t number) {
     const int32_t before = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
     const int32_t result = AskMaster(ZORV_OP_SET_FAULTDIAG_SWITCH, number);
     if (result != 0) {
-        throw std::runtime_error("node " + std::to_string(ZORV_GetMasterNid()) +
-                                 " could not store the value, result " + std::to_string(result));
+        throw std::runtime_error(Master() + " could not store the value, result " + std::to_string(result));
     }
-    DBG_Print("old value: %s\nnew value: %s, stored on node %u\n", Described(before).c_str(),
-              Described(number).c_str(), ZORV_GetMasterNid());
+    const int32_t after = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    if (after != number) {
+        throw std::runtime_error(Master() + " stored the value, but now it has " + Described(after));
+    }
+    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", Described(before).c_str(),
+              Described(after).c_str(), Master().c_str());
 }
 }  // namespace
 
 void RunSwitchCommand(const Words& words) {
     if (words.size() == 2 && words[1] == "get") {
-        DBG_Print("%s\n", Described(AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0)).c_str());
+        const int32_t value = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+        DBG_Print("%s, from %s\n", Described(value).c_str(), Master().c_str());
     } else if (words.size() == 3 && words[1] == "set") {
         Set(NumberOf(words[2]));
     } else {

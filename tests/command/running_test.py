@@ -7,7 +7,7 @@ from console import DATABASE, DELAY_HEADER, POINTS, ConsoleTest, compact, delay_
 
 START = 1672885800
 DETECT = f"delaydetect {compact(START)} {compact(START + 3600)}"
-END = "2 (on-silent, the default: no value is stored)\n"  # what "switch get" prints, to know where a screen ends
+END = "2 (on-silent, the default: no value is stored), from node 1\n"  # what "switch get" prints, to know where a screen ends
 CYCLES = 1000
 
 

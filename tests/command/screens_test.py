@@ -86,15 +86,16 @@ class Screens(ConsoleTest):
              "did you mean 'delaydetect'?"),
             ("quit\nshowvalidtime now\n", 0, "", ""),
             ("switch set on\nswitch get\nswitch set off\nswitch set on-silent\n", 0,
-             "old value: {unset}new value: 1 (on), stored on node 1\n1 (on)\n"
-             "old value: 1 (on)\nnew value: 3 (off), stored on node 1\n"
-             "old value: 3 (off)\nnew value: 2 (on-silent), stored on node 1\n", ""),
+             "old value: {none}\nnew value: 1 (on), confirmed by node 1\n1 (on), from node 1\n"
+             "old value: 1 (on)\nnew value: 3 (off), confirmed by node 1\n"
+             "old value: 3 (off)\nnew value: 2 (on-silent), confirmed by node 1\n", ""),
             ("switch set sideways\n", 2, "", "on, on-silent or off"),
         ]
         for lines, status, screen, complaint in cases:
             with self.subTest(lines):
-                unset = "2 (on-silent, the default: no value is stored)\n"
-                self.assertIn(complaint, self.expect(lines, status, screen.replace("{unset}", unset)))
+                screen = screen.replace("{unset}", "{none}, from node 1\n")
+                screen = screen.replace("{none}", "2 (on-silent, the default: no value is stored)")
+                self.assertIn(complaint, self.expect(lines, status, screen))
 
     def test_what_cannot_start(self):
         for options in (["--root", "/no/such/root"], ["--root", self.root, "--plugin", "/no/such/file.so"]):

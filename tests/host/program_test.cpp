@@ -69,7 +69,7 @@ TEST_F(ProgramTest, ExitStatuses) {
 }
 
 TEST_F(ProgramTest, ReadsLinesOfInput) {
-    const std::string notStored = "2 (on-silent, the default: no value is stored)\n";
+    const std::string notStored = "2 (on-silent, the default: no value is stored)";
     const struct {
         std::string line, out, err;
     } cases[] = {
@@ -91,9 +91,9 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},
         {"help echo", "echo [WORD...]: show the words;\n    they may be quoted.\n", ""},
         {"help ecko", "", "unknown command 'ecko'; did you mean 'echo'?\n"},
-        {"switch get", notStored, ""},
-        {"switch set off", "old value: " + notStored + "new value: 3 (off), stored on node 9\n", ""},
-        {"switch get", "3 (off)\n", ""},
+        {"switch get", notStored + ", from node 9\n", ""},
+        {"switch set off", "old value: " + notStored + "\nnew value: 3 (off), confirmed by node 9\n", ""},
+        {"switch get", "3 (off), from node 9\n", ""},
         {"switch set 1", "", "the switch cannot be '1'; it can be on, on-silent or off\n"},
         {"switch get off", "", "usage: switch get | switch set on|on-silent|off\n"},
         {"quit now", "", "usage: quit\n"},
