@@ -15,7 +15,7 @@ enum class FrameKind : uint16_t {
     NO_ANSWER      // there is none, and none will come
 };
 
-constexpr size_t LARGEST_PAYLOAD = 64 * 1024;
+constexpr size_t LARGEST_PAYLOAD = 65536;
 constexpr size_t FRAME_HEADER = 40;  // bytes before the payload
 
 struct BusFrame {

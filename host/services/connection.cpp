@@ -5,14 +5,20 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
+#include <thread>
 #include <utility>
 
 // Of the library only its byte streams are used. Its messages could be sent once more without our knowledge;
 // and its ipc listener for them, in version 1.5.2, hears nothing more after a connection that is closed at
-// once, such as every second process makes that tries to listen there.
+// once, such as every second process makes that tries to listen there. Nor does it close a descriptor at
+// once, but on a thread of its own, which is the slower the more it has to close.
 
 namespace {
 constexpr int OWNER_ONLY = 0600;
+constexpr int MANY_DESCRIPTORS = 256;
+constexpr std::chrono::milliseconds PAUSE{5};
+constexpr int MOST_PAUSES = 200;
 constexpr std::string_view IPC = "ipc://";
 
 void Check(int error) {
@@ -41,6 +47,20 @@ Connection::Stream Dial(const std::string& address, Moment end) {
     nng_stream_dialer_dial(dialer, operation.Get());
     Check(operation.Wait());
     return StreamOf(operation);
+}
+
+bool HasManyDescriptors() {
+    std::error_code ignored;
+    const std::filesystem::directory_iterator open("/proc/self/fd", ignored);
+    return std::distance(begin(open), end(open)) > MANY_DESCRIPTORS;
+}
+
+// Lets the library close what it has to close: whoever connects again and again would use up all descriptors,
+// the databases' as well. Not for ever: they may have other reasons to be many.
+void AwaitDescriptors() {
+    for (int i = 0; i < MOST_PAUSES && HasManyDescriptors(); ++i) {
+        std::this_thread::sleep_for(PAUSE);
+    }
 }
 
 // The library would take any file at the address for what a killed process has left, and remove it.
@@ -131,6 +151,7 @@ Listener::~Listener() {
 }
 
 std::unique_ptr<Connection> Listener::Accept(std::chrono::milliseconds life) {
+    AwaitDescriptors();
     Operation operation;
     nng_aio_set_timeout(operation.Get(), NNG_DURATION_INFINITE);
     nng_stream_listener_accept(listener, operation.Get());

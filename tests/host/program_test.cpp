@@ -36,6 +36,7 @@ protected:
 };
 
 TEST_F(ProgramTest, ExitStatuses) {
+    const std::string cluster = PROBE + "--master 1 --cluster in help";
     const struct {
         std::string words, input;
         int status;
@@ -54,6 +55,16 @@ TEST_F(ProgramTest, ExitStatuses) {
         {"--plugin " NEEDY_PLUGIN " help", "", 3, "", "ZORV_ServiceOfNoHost"},
         {"--plugin " PROBE_PLUGIN " --root none help", "", 3, "", "the root 'none' is not a directory\n"},
         {PROBE + "--log in/log help", "", 3, "", "in/log"},
+        {cluster, "1 ipc:///a\n#\n 1 ipc:///b x", 3, "", "in:3: a line is a node id and an address\n"},
+        {cluster, "1 ipc:///a#\n2 ipc:///a#", 3, "", "in:2: node 1 has that address\n"},
+        {cluster, "4294967296 ipc:///x", 3, "", "in:1: '4294967296' is no node id\n"},
+        {cluster, "1 ipc://x", 3, "", "in:1: after ipc:// comes an absolute path of at most 107 bytes\n"},
+        {cluster, "1 tcp://h:65536", 3, "", "in:1: after tcp:// come a host, ':' and a port\n"},
+        {cluster, "1 udp://h:1", 3, "", "'udp://h:1' begins with neither ipc:// nor tcp://\n"},
+        {cluster, "2 tcp://[::1]:65535 # but", 3, "", "in: it does not name node 1\n"},
+        {cluster, "1 ipc://" + root.Path("/in"), 3, "", "/in: the file there is no socket\n"},
+        {PROBE + "--cluster in help", "", 2, "", "--cluster: needs --master"},
+        {PROBE + "--master 2 help", "", 2, "", "--master: another node than this one needs --cluster"},
         {"--no-such-option", "", 2, "", "--no-such-option"},
         {"--node x", "", 2, "", "--node"},
         {"--log-level loud", "", 2, "", "'loud' is none of error, warning, info, debug"},
