@@ -17,8 +17,8 @@ otherwise command lines are read from standard input. Where a command takes STAR
 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
 Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
-3 the plug-in could not be loaded, the root or the log is not there, or the cluster cannot be joined. "explain" as COMMAND hands the exit
-status of zorv-explain on.
+3 the plug-in could not be loaded, the root or the log is not there, or the cluster cannot be joined.
+"explain" as COMMAND hands the exit status of zorv-explain on.
 
 Examples:
   zorv-local --root /tmp/world                     a console over the files below /tmp/world
@@ -30,7 +30,7 @@ Examples:
   zorv-local --root /tmp/world switch set off      turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
   zorv-local --node 2 --master 1 --cluster nodes   a node of a cluster; the file "nodes" may be
-      1 ipc:///run/zorv/1
+      1 ipc:///run/zorv/one.socket
       2 tcp://127.0.0.1:7002
 )";
 

@@ -6,16 +6,27 @@ import subprocess
 import unittest
 from pathlib import Path
 
-from console import BIN, ConsoleTest
+from console import BIN, ConsoleTest, eventually
 
 README = Path(__file__).parents[2] / "README.md"
 
 
 class Readme(ConsoleTest):
+    def start_first_node(self):
+        """The page shows what two nodes see of a third."""
+        for node in "123":
+            (self.root / f"w{node}").mkdir()
+        (self.root / "nodes").write_text("".join(f"{node} ipc://{self.root}/{node}.socket\n" for node in "123"))
+        first = subprocess.Popen([BIN / "zorv-local", "--root", "w1", "--master", "1", "--cluster", "nodes"],
+                                 cwd=self.root, stdin=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        self.addCleanup(first.communicate)
+        self.assertTrue(eventually((self.root / "1.socket").exists))
+
     def test_screens(self):
         blocks = re.findall(r"^```\n(\$ .*?)^```$", README.read_text(), re.M | re.S)
         screens = [screen for block in blocks for screen in re.split(r"^\$ ", block, flags=re.M)[1:]]
         self.assertGreater(len(screens), 4)
+        self.start_first_node()
         environment = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
         for command, _, shown in (screen.partition("\n") for screen in screens):
             with self.subTest(command=command):
