@@ -19,6 +19,7 @@
 #include "host/services/log.h"
 #include "host/services/message.h"
 #include "host/services/settings.h"
+#include "host/services/statements.h"
 #include "host/services/text.h"
 #include "host/services/timer.h"
 #include "host/status.h"
@@ -103,6 +104,7 @@ void Start(const Options& options, std::optional<Capture>& capture) {
     if (!options.cluster.empty()) {
         nodes = ReadClusterFile(options.cluster, {options.node, options.master});
     }
+    WatchStatements();
     StartPlugin(options.plugin);
     if (!nodes.empty()) {  // now that there are handlers
         JoinCluster(nodes);

@@ -6,6 +6,7 @@
 
 #include "host/services/text.h"
 #include "host/status.h"
+#include "host/version.h"
 
 namespace {
 constexpr const char* DESCRIPTION =
@@ -17,8 +18,13 @@ otherwise command lines are read from standard input. Where a command takes STAR
 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
 Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
-3 the plug-in could not be loaded, the root or the log is not there, or the cluster cannot be joined.
+3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or the capture
+cannot be used, 130 (in a shell) ended with Ctrl-C.
 "explain" as COMMAND hands the exit status of zorv-explain on.
+
+On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.
+Environment: ZORV_LOCAL_HISTFILE names the file of the history (empty: none; default: zorv-local/history in
+XDG_STATE_HOME or ~/.local/state), NO_COLOR turns colours off.
 
 Examples:
   zorv-local --root /tmp/world                     a console over the files below /tmp/world
@@ -51,7 +57,7 @@ uint32_t LevelOf(const std::string& word) {
 void Declare(CLI::App& app, Options& options) {
     SetUsage(app, "zorv-local [OPTIONS] [COMMAND [ARGS...]]");
     app.footer(EXAMPLES);
-    app.set_version_flag("--version", "zorv-local " ZORV_LOCAL_VERSION);
+    app.set_version_flag("--version", &VersionText);
     DeclareInputOptions(app, options);
     app.add_option("--plugin", options.plugin, "The plug-in; default: the one that came with this program")
         ->type_name("FILE");

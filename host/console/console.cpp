@@ -1,44 +1,33 @@
 #include "host/console/console.h"
 
-#include <array>
 #include <cstdio>
 #include <cstring>
 
 #include "cli/nearest_name.h"
+#include "host/console/alarms_command.h"
+#include "host/console/command_table.h"
+#include "host/console/completion.h"
 #include "host/console/explain_command.h"
+#include "host/console/status_command.h"
 #include "host/console/switch_command.h"
 #include "host/console/time_arguments.h"
 #include "host/services/console.h"
+#include "host/services/interrupt.h"
 #include "host/services/log.h"
 #include "host/services/text.h"
 
 namespace {
-struct HostCommand {
-    const char* name;
-    const char* help;
-};
-
 constexpr const char* EXPLAIN = "explain";
-
-constexpr std::array<HostCommand, 4> HOST_COMMANDS = {
-    {{"help", "help [COMMAND]: list the commands, or explain one."},
-     {"switch", "switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch."},
-     {EXPLAIN, "explain START END | MINUTES: where the extra delay of slow points goes; --help tells more."},
-     {"quit", "quit: leave; so does Ctrl-D."}}};
 
 void Report(const std::string& place, const std::string& text) {
     std::fprintf(stderr, "zorv-local: %s%s\n", place.c_str(), text.c_str());
 }
 
-Words CommandNames() {
-    Words names;
-    for (const RegisteredCommand& command : RegisteredCommands()) {
-        names.emplace_back(command.row->name);
+// Of an interrupted command: it failed because of that.
+void ReportFailure(const std::string& place, const std::string& text) {
+    if (!Interrupted()) {
+        Report(place, text);
     }
-    for (const HostCommand& command : HOST_COMMANDS) {
-        names.emplace_back(command.name);
-    }
-    return names;
 }
 
 [[noreturn]] void ThrowUnknown(const std::string& name) {
@@ -84,6 +73,11 @@ void PrintWhole(const std::string& name, const char* help) {
     }
 }
 
+std::string HelpOf(const HostCommand& command) {
+    const std::string arguments = command.arguments;
+    return command.name + (arguments.empty() ? "" : " " + arguments) + ": " + command.help;
+}
+
 void ListCommands() {
     const char* group = "";
     for (const RegisteredCommand& command : RegisteredCommands()) {
@@ -95,14 +89,14 @@ void ListCommands() {
     }
     DBG_Print("console\n");
     for (const HostCommand& command : HOST_COMMANDS) {
-        PrintFirstLine(command.name, command.help);
+        PrintFirstLine(command.name, HelpOf(command).c_str());
     }
 }
 
 void ExplainCommand(const std::string& name) {
     for (const HostCommand& command : HOST_COMMANDS) {
         if (name == command.name) {
-            return PrintWhole(name, command.help);
+            return PrintWhole(name, HelpOf(command).c_str());
         }
     }
     const std::vector<RegisteredCommand> commands = RegisteredCommands();
@@ -151,6 +145,7 @@ ExitStatus Console::RunLine(std::string_view line, const std::string& place) {
 }
 
 ExitStatus Console::Run(const Words& words, const std::string& place) {
+    const CommandRun run;
     ExitStatus status = STATUS_OK;
     try {
         TakeErrorLine();
@@ -160,15 +155,19 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
         Report(place, error.what());
         status = STATUS_USAGE;
     } catch (const std::exception& error) {
-        Report(place, error.what());
+        ReportFailure(place, error.what());
         status = STATUS_FAILED;
     } catch (...) {
-        Report(place, "the command ended with an unknown exception");
+        ReportFailure(place, "the command ended with an unknown exception");
         status = STATUS_FAILED;
     }
     if (OutputError() != 0) {
         Report(place, std::string("cannot print the results: ") + std::strerror(OutputError()));
         leaving = true;
+        status = STATUS_FAILED;
+    }
+    if (Interrupted()) {
+        Report(place, "interrupted: what is printed above is not all");
         status = STATUS_FAILED;
     }
     return status;
@@ -182,6 +181,10 @@ ExitStatus Console::Dispatch(const Words& words) {
         RunHelp(words);
     } else if (words.front() == "switch") {
         RunSwitchCommand(words);
+    } else if (words.front() == "status") {
+        RunStatusCommand(words);
+    } else if (words.front() == "alarms") {
+        RunAlarmsCommand(words);
     } else if (words.front() == "quit") {
         Quit(words);
     } else {
@@ -195,11 +198,4 @@ void Console::Quit(const Words& words) {
         throw UsageError("usage: quit");
     }
     leaving = true;
-}
-
-Words Console::WordsAfter(const Words& words) const {
-    if (words.empty() || (words.size() == 1 && words.front() == "help")) {
-        return CommandNames();
-    }
-    return words.front() == "switch" ? SwitchWordsAfter(words) : Words();
 }

@@ -22,9 +22,6 @@ public:
     // that the command runs is returned as it is.
     ExitStatus Run(const Words& words, const std::string& place);
 
-    // The words that can follow `words`, which may be empty.
-    Words WordsAfter(const Words& words) const;
-
     // Whether the operator has asked to leave, or can no longer be told anything.
     bool IsLeaving() const { return leaving; }
 

@@ -1,17 +1,31 @@
 #include "host/console/line_editor.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cwchar>
 #include <stdexcept>
 #include <utility>
 
+#include "host/console/columns.h"
 #include "host/leak_check.h"
+#include "host/services/colour.h"
 #include "host/services/log.h"
 
 namespace {
-constexpr int HISTORY_LINES = 1000;
+constexpr int PROMPT_WIDTH = 6;
+constexpr char LITERAL = '\1';  // around what does not move the cursor
 
 char* Prompt(EditLine* /*editor*/) {
     static char prompt[] = "zorv> ";
+    return prompt;
+}
+
+// The editor loses an escape sequence at a prompt's very end.
+char* BoldPrompt(EditLine* /*editor*/) {
+    static char prompt[] = "\1\x1b[1m\1zorv>\1\x1b[0m\1 ";
     return prompt;
 }
 
@@ -36,11 +50,19 @@ void KeepMatching(Words& words, const std::string& start) {
     words.erase(std::remove_if(words.begin(), words.end(), differs), words.end());
     std::sort(words.begin(), words.end());
 }
+
+// The columns that the editor shows a character in.
+int WidthOf(wchar_t character) {
+    constexpr int OF_A_CONTROL_CHARACTER = 2;
+    const int width = wcwidth(character);
+    return width < 0 ? OF_A_CONTROL_CHARACTER : width;
+}
 }  // namespace
 
-LineEditor::LineEditor(FILE* shownOn, Completer wordsAfter)
+LineEditor::LineEditor(FILE* shownOn, const std::string& historyPath, Completer wordsAfter)
     : screen(shownOn),
       completer(std::move(wordsAfter)),
+      file(historyPath),
       history(history_init()),
       editor(el_init("zorv-local", stdin, shownOn, stderr)) {
     if (history == nullptr || editor == nullptr) {
@@ -49,16 +71,23 @@ LineEditor::LineEditor(FILE* shownOn, Completer wordsAfter)
     HistEvent event;
     ::history(history.get(), &event, H_SETSIZE, HISTORY_LINES);
     ::history(history.get(), &event, H_SETUNIQUE, 1);
+    for (const std::string& line : file.Load()) {
+        Enter(line);
+    }
     Bind();
 }
 
 void LineEditor::Bind() {
     EditLine* const handle = editor.get();
     el_set(handle, EL_CLIENTDATA, this);
-    el_set(handle, EL_PROMPT, &Prompt);
+    if (WantsColour(fileno(screen))) {
+        el_set(handle, EL_PROMPT_ESC, &BoldPrompt, LITERAL);
+    } else {
+        el_set(handle, EL_PROMPT, &Prompt);
+    }
     el_set(handle, EL_EDITOR, "emacs");
-    el_set(handle, EL_SIGNAL, 1);
     el_set(handle, EL_HIST, &::history, history.get());
+    el_set(handle, EL_GETCFN, &LineEditor::ReadCharacter);
     el_source(handle, nullptr);
     // While a line is typed Ctrl-C is a key like others; while a command runs it is the terminal's signal.
     el_set(handle, EL_SETTY, "-d", "-isig", nullptr);
@@ -70,10 +99,17 @@ void LineEditor::Bind() {
 }
 
 std::optional<std::string> LineEditor::Read() {
+    keys.emplace(isatty(STDERR_FILENO) == 1);
     // By itself libedit shows the prompt first, and a key typed in between would still be the terminal's.
     el_set(editor.get(), EL_PREP_TERM, 1);
     int length = 0;
     const char* const line = el_gets(editor.get(), &length);
+    const int endSignal = keys->EndSignal();
+    keys.reset();
+    if (endSignal != 0) {
+        el_set(editor.get(), EL_PREP_TERM, 0);
+        std::raise(endSignal);
+    }
     if (line == nullptr || length <= 0) {
         return std::nullopt;
     }
@@ -81,11 +117,115 @@ std::optional<std::string> LineEditor::Read() {
     return std::string(line, static_cast<size_t>(length));
 }
 
-void LineEditor::Remember(const char* line) {
-    if (std::string_view(line).find_first_not_of(" \t\n") != std::string_view::npos) {
-        HistEvent event;
-        ::history(history.get(), &event, H_ENTER, line);
+void LineEditor::Enter(const std::string& line) {
+    HistEvent event;
+    ::history(history.get(), &event, H_ENTER, line.c_str());
+    lastLine = line;
+}
+
+void LineEditor::Remember(const std::string& line) {
+    const std::string text = line.substr(0, line.find_last_not_of("\r\n") + 1);
+    if (text.find_first_not_of(" \t") != std::string::npos && text != lastLine) {
+        Enter(text);
+        file.Add(text);
     }
+}
+
+int LineEditor::ReadCharacter(EditLine* editor, wchar_t* character) {
+    return Guarded("reading a key", -1, [=] { return OwnerOf(editor)->NextCharacter(character); });
+}
+
+// Shows what else is to be shown until there is a key; returns false when the process is to end.
+bool LineEditor::WaitForKey() {
+    for (;;) {
+        switch (keys->Next()) {
+            case KeyWait::Event::KEY:
+                return true;
+            case KeyWait::Event::LINES:
+                PrintAbove(stderr, keys->TakeLines());
+                break;
+            case KeyWait::Event::RESIZED:
+                el_resize(editor.get());
+                break;
+            case KeyWait::Event::CONTINUED:
+                el_set(editor.get(), EL_PREP_TERM, 1);
+                el_set(editor.get(), EL_REFRESH);
+                break;
+            case KeyWait::Event::ENDED:
+                return false;
+        }
+    }
+}
+
+// The answer is the editor's: 1, 0 at the end of the input, -1 for an error.
+int LineEditor::NextCharacter(wchar_t* character) {
+    std::mbstate_t state{};
+    while (WaitForKey()) {
+        char byte = 0;
+        const ssize_t got = read(STDIN_FILENO, &byte, sizeof byte);
+        if (got <= 0) {
+            if (got < 0 && (errno == EINTR || errno == EAGAIN)) {
+                continue;
+            }
+            return static_cast<int>(got);
+        }
+        const size_t used = std::mbrtowc(character, &byte, 1, &state);
+        if (used <= 1) {
+            return 1;
+        }
+        if (used == static_cast<size_t>(-1)) {
+            state = {};  // no character of this locale: the byte is dropped
+        }
+    }
+    return -1;
+}
+
+int LineEditor::Number(const char* capability) {
+    int number = 0;
+    el_get(editor.get(), EL_GETTC, capability, &number);
+    return number;
+}
+
+std::string LineEditor::Text(const char* capability) {
+    const char* text = nullptr;
+    el_get(editor.get(), EL_GETTC, capability, &text);
+    return text == nullptr ? "" : text;
+}
+
+int LineEditor::RowOfCursor() {
+    const int columns = std::max(Number("co"), 2);
+    const LineInfoW* const line = el_wline(editor.get());
+    int row = 0;
+    int column = PROMPT_WIDTH;
+    for (const wchar_t* letter = line->buffer; letter < line->cursor; ++letter) {
+        const int width = WidthOf(*letter);
+        const bool fits = column + width <= columns;
+        row += fits ? 0 : 1;
+        column = (fits ? column : 0) + width;
+    }
+    return row + (column >= columns ? 1 : 0);
+}
+
+// Prints `text`, whole lines, in the place of the line that is being typed, which is shown anew below.
+void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
+    if (text.empty()) {
+        return;
+    }
+    const std::string up = Text("up");
+    const std::string clear = Text("cd");
+    if (up.empty() || clear.empty()) {
+        std::fputc('\n', screen);
+    } else {
+        std::fputc('\r', screen);
+        for (int row = RowOfCursor(); row > 0; --row) {
+            std::fputs(up.c_str(), screen);
+        }
+        std::fputs(clear.c_str(), screen);
+    }
+    std::fflush(screen);
+    std::fwrite(text.data(), 1, text.size(), stream);
+    std::fflush(stream);
+    el_set(editor.get(), EL_REFRESH);
 }
 
 unsigned char LineEditor::DropLine(EditLine* editor, int /*key*/) {
@@ -109,7 +249,12 @@ unsigned char LineEditor::Complete() {
     const std::string before(line->buffer, line->cursor);
     const size_t start = before.find_last_of(" \t") + 1;
     const std::string word = before.substr(start);
-    Words choices = completer(SplitLine(before.substr(0, start)));
+    Words choices;
+    try {
+        choices = completer(SplitLine(before.substr(0, start)));
+    } catch (const UsageError&) {
+        return CC_REFRESH_BEEP;
+    }
     KeepMatching(choices, word);
     if (choices.empty()) {
         return CC_REFRESH_BEEP;
@@ -117,17 +262,25 @@ unsigned char LineEditor::Complete() {
     const std::string rest = CommonStart(choices).substr(word.size()) + (choices.size() == 1 ? " " : "");
     if (rest.empty()) {
         ShowChoices(choices);
-        return CC_REDISPLAY;
+        return CC_NORM;
     }
-    el_insertstr(editor.get(), rest.c_str());
+    Insert(rest);
     return CC_REFRESH;
 }
 
+// What stands behind the cursor already is not typed again.
+void LineEditor::Insert(const std::string& rest) {
+    const LineInfo* const line = el_line(editor.get());
+    const auto differs = std::mismatch(rest.begin(), rest.end(), line->cursor, line->lastchar).first;
+    el_cursor(editor.get(), static_cast<int>(differs - rest.begin()));
+    el_insertstr(editor.get(), std::string(differs, rest.end()).c_str());
+}
+
 void LineEditor::ShowChoices(const Words& choices) {
-    std::fputs("\n", screen);
-    for (const std::string& choice : choices) {
-        std::fprintf(screen, "%s  ", choice.c_str());
-    }
-    std::fputs("\n", screen);
-    std::fflush(screen);
+    constexpr int OTHER_ROWS = 3;  // the line, before and after, and one that tells what came before
+    const LineInfo* const line = el_line(editor.get());
+    const std::string typed(line->buffer, line->lastchar);
+    const auto width = static_cast<size_t>(std::max(Number("co"), 2) - 1);
+    const auto height = static_cast<size_t>(std::max(Number("li") - OTHER_ROWS, 1));
+    PrintAbove(screen, Prompt(editor.get()) + typed + '\n' + InColumns(choices, width, height));
 }

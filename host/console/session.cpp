@@ -8,8 +8,11 @@
 #include <optional>
 #include <string>
 
+#include "host/console/completion.h"
+#include "host/console/history_file.h"
 #include "host/console/line_editor.h"
 #include "host/services/console.h"
+#include "host/services/interrupt.h"
 
 namespace {
 constexpr size_t LONGEST_LINE = size_t{16} << 20;  // enough for any command; an endless line must end
@@ -48,9 +51,14 @@ ExitStatus RunLinesOfInput(Console& console) {
 }
 
 ExitStatus RunTerminal(Console& console) {
-    LineEditor editor(isatty(STDOUT_FILENO) == 1 ? stdout : stderr,
-                      [&console](const Words& before) { return console.WordsAfter(before); });
+    TakeInterrupts();
+    const std::string historyPath = HistoryPath();
+    LineEditor editor(isatty(STDOUT_FILENO) == 1 ? stdout : stderr, historyPath, WordsAfter);
     std::fputs("'help' lists the commands, TAB completes them; 'quit' or Ctrl-D leaves.\n", stderr);
+    if (!editor.HistoryProblem().empty()) {
+        std::fprintf(stderr, "The history is not kept: %s: %s\n", historyPath.c_str(),
+                     editor.HistoryProblem().c_str());
+    }
     while (!console.IsLeaving()) {
         const std::optional<std::string> line = editor.Read();
         if (!line.has_value()) {

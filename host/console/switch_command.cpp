@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "agent/agent_console.h"
+#include "agent/agent_heal.h"
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
 #include "host/services/log.h"
@@ -122,4 +123,19 @@ Words SwitchWordsAfter(const Words& words) {
         }
     }
     return next;
+}
+
+std::string SwitchAndItsOrigin() {
+    int32_t number = FAULT_DIAG_SWITCH_UNREADABLE;
+    try {
+        number = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    } catch (const std::runtime_error&) {
+        number = FAULT_DIAG_SWITCH_UNREADABLE;  // no answer counts as none stored, as for the plug-in
+    }
+    if (number != FAULT_DIAG_SWITCH_UNREADABLE) {
+        return Described(number) + ", from master node " + std::to_string(ZORV_GetMasterNid());
+    }
+    const bool isLocal = HealReadZorvModePrivateIni(FAULT_DIAG_SWITCH_FILE, &number, 0) == 0;
+    return isLocal ? Described(number) + ", from the file of this node"
+                   : Described(FAULT_DIAG_SWITCH_UNREADABLE);
 }

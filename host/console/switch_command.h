@@ -10,3 +10,7 @@ void RunSwitchCommand(const Words& words);
 
 // The words that can follow `words`, a command line that begins with "switch".
 Words SwitchWordsAfter(const Words& words);
+
+// The value that the plug-in obeys, what it means, and where it comes from. Blocks as above; never throws for
+// a node that does not answer.
+std::string SwitchAndItsOrigin();

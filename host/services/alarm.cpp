@@ -1,7 +1,8 @@
-#include "agent/agent_alarm.h"
+#include "host/services/alarm.h"
 
 #include <json/writer.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
@@ -9,13 +10,19 @@
 #include <ctime>
 #include <string>
 
+#include "agent/agent_alarm.h"
+#include "host/services/error_lines.h"
 #include "host/services/files.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
 #include "host/services/text.h"
 
 namespace {
-constexpr const char* ALARM_FILE = "/VRA/coffer_log/log/alarm/alarms.jsonl";
+constexpr const char* SUPPRESSED = "alarm too much, zorv will not send alarm";
+
+std::atomic<uint64_t> g_sent{0};
+std::atomic<uint64_t> g_lost{0};
+std::atomic<uint64_t> g_suppressed{0};
 
 std::string AlarmLine(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
     Json::Value alarm;
@@ -31,8 +38,9 @@ std::string AlarmLine(uint32_t module, uint64_t alarmId, uint32_t type, const ch
 }
 
 uint32_t RaiseAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
-    std::fprintf(stderr, "alarm 0x%" PRIX64 " of module %u, type %u: %s\n", alarmId, module, type,
-                 Printable(text).c_str());
+    char start[80];
+    std::snprintf(start, sizeof start, "alarm 0x%" PRIX64 " of module %u, type %u: ", alarmId, module, type);
+    PrintErrorLines(start + Printable(text) + '\n');
     const std::string path = RootedPath(ALARM_FILE);
     if (!MakeDirectoryOf(path) || !AppendLine(path, AlarmLine(module, alarmId, type, text))) {
         HOST_LOG(VPLOG_LEVEL_ERROR, "%s cannot be written: %s", path.c_str(), std::strerror(errno));
@@ -43,6 +51,18 @@ uint32_t RaiseAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char
 }  // namespace
 
 uint32_t ALM_SendAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
-    return Guarded("alarm", 1U,
-                   [=] { return RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
+    const uint32_t result =
+        Guarded("alarm", 1U, [=] { return RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
+    ++(result == 0 ? g_sent : g_lost);
+    return result;
+}
+
+AlarmCounts CountAlarms() {
+    return {g_sent, g_lost, g_suppressed};
+}
+
+void CountSuppressedAlarm(const char* logFormat) {
+    if (std::strstr(logFormat, SUPPRESSED) != nullptr) {
+        ++g_suppressed;
+    }
 }

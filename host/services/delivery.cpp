@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/services/interrupt.h"
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
@@ -78,7 +79,7 @@ std::optional<Answer> Delivery::Request(ZORV_COMM_INFO_S info, const void* paylo
     Waiting entry(*this);
     info.sequence = entry.Sequence();
     StartHandler(handler, info, payload);
-    if (!answered.wait_until(lock, end, [&] { return entry.Slot().has_value(); })) {
+    if (!WaitUnlessInterrupted(answered, lock, end, [&] { return entry.Slot().has_value(); })) {
         HOST_LOG(VPLOG_LEVEL_WARNING, "no answer to the message with opcode 0x%x within %lld ms",
                  info.msgOPCode, static_cast<long long>(deadline.count()));
         return std::nullopt;

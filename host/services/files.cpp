@@ -10,7 +10,6 @@
 #include <filesystem>
 
 namespace {
-constexpr mode_t DIRECTORY_MODE = 0755;
 constexpr mode_t FILE_MODE = 0644;
 
 std::string DirectoryOf(const std::string& path) {
@@ -58,15 +57,15 @@ OwnedFd::~OwnedFd() {
     }
 }
 
-bool MakeDirectoryOf(const std::string& path) {
+bool MakeDirectoryOf(const std::string& path, mode_t mode) {
     const std::string directory = DirectoryOf(path);
     if (IsDirectory(directory)) {
         return true;
     }
-    if (!MakeDirectoryOf(directory)) {
+    if (!MakeDirectoryOf(directory, mode)) {
         return false;
     }
-    if (mkdir(directory.c_str(), DIRECTORY_MODE) != 0 && errno != EEXIST) {
+    if (mkdir(directory.c_str(), mode) != 0 && errno != EEXIST) {
         return false;
     }
     const OwnedFd parent = OpenDirectory(DirectoryOf(directory));

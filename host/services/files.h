@@ -1,6 +1,8 @@
 // Files that survive a crash.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 
@@ -19,9 +21,10 @@ private:
     int fd;
 };
 
-// Makes sure that the directory of the file `path` is there, and will be after a power cut. Returns success.
-// Any thread; blocks on file I/O, as all of these do. errno tells what went wrong.
-bool MakeDirectoryOf(const std::string& path);
+// Makes sure that the directory of the file `path` is there, and will be after a power cut; directories that
+// are made get `mode`. Returns success. Any thread; blocks on file I/O, as all of these do. errno tells what
+// went wrong.
+bool MakeDirectoryOf(const std::string& path, mode_t mode = 0755);
 
 // Replaces the content of the file `path`, whose directory must be there: whatever happens, a reader finds
 // the old content or the new one. Processes and threads that do so in one directory take turns. Returns true

@@ -1,17 +1,48 @@
 #include "host/services/log.h"
 
 #include <spdlog/logger.h>
+#include <spdlog/sinks/base_sink.h>
 #include <spdlog/sinks/basic_file_sink.h>
-#include <spdlog/sinks/stdout_sinks.h>
+#include <unistd.h>
 
 #include <cstdarg>
 #include <memory>
+#include <mutex>
 
+#include "host/services/alarm.h"
+#include "host/services/colour.h"
+#include "host/services/error_lines.h"
 #include "host/services/immortal.h"
+#include "host/services/interrupt.h"
 #include "host/services/text.h"
 
 namespace {
 using LoggerPointer = std::shared_ptr<spdlog::logger>;
+
+// Lines on stderr, in one piece each; the level's word in a colour where that is wanted.
+class ErrorLinesSink : public spdlog::sinks::base_sink<std::mutex> {
+private:
+    void sink_it_(const spdlog::details::log_msg& message) override {
+        spdlog::memory_buf_t buffer;
+        formatter_->format(message, buffer);
+        std::string line(buffer.data(), buffer.size());
+        const char* const colour = ColourOf(message.level);
+        if (hasColour && colour != nullptr) {
+            line.insert(message.color_range_end, COLOUR_END);
+            line.insert(message.color_range_start, colour);
+        }
+        PrintErrorLines(line);
+    }
+
+    void flush_() override {}
+
+    static const char* ColourOf(spdlog::level::level_enum level) {
+        const char* const warning = level == spdlog::level::warn ? COLOUR_YELLOW : nullptr;
+        return level == spdlog::level::err ? COLOUR_RED : warning;
+    }
+
+    const bool hasColour = WantsColour(STDERR_FILENO);
+};
 
 spdlog::level::level_enum SpdlogLevel(uint32_t level) {
     if (level <= VPLOG_LEVEL_ERROR) {
@@ -27,13 +58,13 @@ LoggerPointer MakeLogger(spdlog::sink_ptr sink, uint32_t level) {
     auto logger = std::make_shared<spdlog::logger>("zorv", std::move(sink));
     logger->set_level(SpdlogLevel(level));
     logger->flush_on(spdlog::level::trace);
-    logger->set_pattern("%Y-%m-%d %H:%M:%S.%e [%l] %v");
+    logger->set_pattern("%Y-%m-%d %H:%M:%S.%e [%^%l%$] %v");
     return logger;
 }
 
 LoggerPointer& Logger() {
-    static LoggerPointer& logger = MakeImmortal<LoggerPointer>(
-        MakeLogger(std::make_shared<spdlog::sinks::stderr_sink_mt>(), VPLOG_LEVEL_WARNING));
+    static LoggerPointer& logger =
+        MakeImmortal<LoggerPointer>(MakeLogger(std::make_shared<ErrorLinesSink>(), VPLOG_LEVEL_WARNING));
     return logger;
 }
 }  // namespace
@@ -41,15 +72,18 @@ LoggerPointer& Logger() {
 void ConfigureLog(const std::string& file, uint32_t level) {
     spdlog::sink_ptr sink;
     if (file.empty()) {
-        sink = std::make_shared<spdlog::sinks::stderr_sink_mt>();
+        sink = std::make_shared<ErrorLinesSink>();
     } else {
         sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
     }
     Logger() = MakeLogger(std::move(sink), level);
 }
 
-void vplog(uint32_t module, uint32_t level, const char* file, uint32_t line, const char* function,
+void vplog(uint32_t module, uint32_t stated, const char* file, uint32_t line, const char* function,
            uint32_t /*reserved*/, const char* format, ...) {
+    CountSuppressedAlarm(format);
+    // What fails in a command that was stopped fails for that reason, many times.
+    const uint32_t level = Interrupted() ? uint32_t{VPLOG_LEVEL_DEBUG} : stated;
     va_list args;
     va_start(args, format);
     try {

@@ -1,11 +1,23 @@
-#include "agent/agent_startup.h"
+#include "host/services/startup.h"
 
 #include <cstring>
-#include <string>
+#include <mutex>
 
+#include "agent/agent_startup.h"
+#include "host/services/immortal.h"
 #include "host/services/log.h"
 
 namespace {
+struct Rows {
+    std::mutex mutex;
+    std::vector<StartupResult> results;
+};
+
+Rows& AllRows() {
+    static Rows& rows = MakeImmortal<Rows>();
+    return rows;
+}
+
 uint32_t RunRow(const ZORV_MODULE_INIT_S& row) {
     const std::string name(row.name, strnlen(row.name, sizeof row.name));
     if (row.init == nullptr) {
@@ -15,6 +27,9 @@ uint32_t RunRow(const ZORV_MODULE_INIT_S& row) {
     const uint32_t result = Guarded("start-up row", 1U, [&] { return row.init(); });
     const uint32_t level = result == 0 ? VPLOG_LEVEL_INFO : VPLOG_LEVEL_ERROR;
     HOST_LOG(level, "start-up row %s: result %u", name.c_str(), result);
+    Rows& rows = AllRows();
+    const std::lock_guard<std::mutex> lock(rows.mutex);
+    rows.results.push_back({name, result});
     return result;
 }
 }  // namespace
@@ -30,4 +45,10 @@ uint32_t ZORV_ModulesStartup(ZORV_MODULE_INIT_S* rows, uint32_t count) {
         }
         return failed;
     });
+}
+
+std::vector<StartupResult> StartupResults() {
+    Rows& rows = AllRows();
+    const std::lock_guard<std::mutex> lock(rows.mutex);
+    return rows.results;
 }

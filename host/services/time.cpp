@@ -1,18 +1,30 @@
 #include "agent/agent_time.h"
 
 #include <chrono>
+#include <cstdio>
 #include <ctime>
 #include <limits>
 #include <ratio>
-#include <thread>
 
+#include "host/services/error_lines.h"
+#include "host/services/interrupt.h"
 #include "host/services/local_time.h"
+#include "host/services/statements.h"
+#include "host/services/text.h"
+#include "host/services/time.h"
 
 namespace {
 using Tick = std::chrono::duration<uint64_t, std::ratio<1, 250>>;
 
 constexpr int64_t MONTHS_OF_CYCLE = 4800;  // the calendar repeats every 400 years
 constexpr int64_t SECONDS_OF_CYCLE = int64_t{146097} * 86400;
+
+// A command that waits in silence looks as if it hung.
+void TellWhyItWaits() {
+    const std::string reason = FailedStatements();
+    PrintErrorLines("zorv-local: waiting to try again" + (reason.empty() ? "" : ": " + Printable(reason)) +
+                    " (Ctrl-C stops)\n");
+}
 }  // namespace
 
 uint64_t vopx_get_jiffies() {
@@ -20,7 +32,10 @@ uint64_t vopx_get_jiffies() {
 }
 
 void vopx_10msleep(uint32_t ticks) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(int64_t{10} * ticks));
+    if (IsFirstWaitOfCommand()) {
+        TellWhyItWaits();
+    }
+    SleepUnlessInterrupted(std::chrono::milliseconds(int64_t{10} * ticks));
 }
 
 int64_t vopx_time_getlocaltime(int64_t* seconds) {
@@ -57,4 +72,13 @@ int64_t vopx_time_mktime(const VOPX_TIME_S* in) {
     utc.tm_min = in->minute;
     utc.tm_sec = in->second;
     return timegm(&utc) + cycles * SECONDS_OF_CYCLE;
+}
+
+std::string LocalTimeText(time_t seconds) {
+    VOPX_TIME_S time;
+    vopx_time_gmtime(seconds + ZoneOffset(seconds), &time);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
+                  time.hour, time.minute, time.second);
+    return text;
 }

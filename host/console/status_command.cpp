@@ -1,0 +1,154 @@
+#include "host/console/status_command.h"
+
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstring>
+#include <ctime>
+#include <memory>
+#include <sstream>
+
+#include "agent/agent_console.h"
+#include "agent/agent_message.h"
+#include "agent/agent_storage.h"
+#include "host/console/columns.h"
+#include "host/console/route_file.h"
+#include "host/console/switch_command.h"
+#include "host/services/alarm.h"
+#include "host/services/settings.h"
+#include "host/services/startup.h"
+#include "host/services/text.h"
+#include "host/services/time.h"
+
+namespace {
+constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
+
+void PrintRow(const char* name, const std::string& text) {
+    DBG_Print("%-14s %s\n", name, text.c_str());
+}
+
+std::string Amount(int64_t number, const char* unit) {
+    return std::to_string(number) + " " + unit + (number == 1 ? "" : "s");
+}
+
+std::string Age(int64_t seconds) {
+    if (seconds < 0) {
+        return "in the future";
+    }
+    const struct {
+        int64_t seconds;
+        const char* unit;
+    } units[] = {{86400, "day"}, {3600, "hour"}, {60, "minute"}};
+    for (const auto& [length, unit] : units) {
+        if (seconds >= length) {
+            return Amount(seconds / length, unit) + " ago";
+        }
+    }
+    return Amount(seconds, "second") + " ago";
+}
+
+std::string Size(int64_t bytes) {
+    constexpr int64_t KIB = 1024;
+    char text[40];
+    if (bytes < KIB) {
+        return Amount(bytes, "byte");
+    }
+    const bool isSmall = bytes < KIB * KIB;
+    std::snprintf(text, sizeof text, "%.1f %s", static_cast<double>(bytes) / (isSmall ? KIB : KIB * KIB),
+                  isSmall ? "KiB" : "MiB");
+    return text;
+}
+
+// Only stat(): to open and close a database file would drop SQLite's locks on it.
+void PrintFile(const char* name, const std::string& path) {
+    PrintRow(name, Printable(path));
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0) {
+        PrintRow("", std::strerror(errno));
+        return;
+    }
+    const time_t changed = status.st_mtim.tv_sec;
+    PrintRow("", Size(status.st_size) + ", changed " + LocalTimeText(changed) + ", " +
+                     Age(std::time(nullptr) - changed));
+}
+
+struct Close {
+    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
+    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
+};
+
+// The time in the oldest table's name, behind its prefix, or why it is not known.
+std::string EarliestTime() {
+    constexpr size_t PREFIX = 10;
+    sqlite3* opened = nullptr;
+    const std::string path = RootedPath(LUMO_DATABASE_FILE);
+    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
+    const std::unique_ptr<sqlite3, Close> connection(opened);
+    sqlite3_stmt* prepared = nullptr;
+    if (result == SQLITE_OK) {
+        sqlite3_prepare_v2(opened, "SELECT tablename FROM table_flag ORDER BY reporttime LIMIT 1", -1,
+                           &prepared, nullptr);
+    }
+    const std::unique_ptr<sqlite3_stmt, Close> statement(prepared);
+    const int step = prepared == nullptr ? SQLITE_ERROR : sqlite3_step(prepared);
+    if (step == SQLITE_DONE) {
+        return "unknown: there is no table";
+    }
+    if (step != SQLITE_ROW) {
+        return std::string("unknown: ") + sqlite3_errmsg(opened);
+    }
+    const auto* const name = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
+    const std::string table = name == nullptr ? "" : name;
+    return table.size() > PREFIX ? table.substr(PREFIX) : "unknown: a table's name is '" + table + "'";
+}
+
+void PrintConfiguration() {
+    PrintFile("configuration", RootedPath(ZORV_ROUTE_CONFIG_FILE));
+    const RouteFile& file = CurrentRouteFile();
+    if (!file.problem.empty()) {
+        PrintRow("", "not read: " + file.problem);
+    }
+    Words graphs;
+    for (const RouteGraph& graph : file.graphs) {
+        graphs.push_back(Printable(graph.name) + ' ' + std::to_string(graph.nodes) + '/' +
+                         std::to_string(graph.edges));
+    }
+    if (!graphs.empty()) {
+        PrintRow("", Amount(static_cast<int64_t>(graphs.size()), "graph") + ", nodes/edges of each:");
+    }
+    std::istringstream lines(InColumns(graphs, GRAPHS_WIDTH, graphs.size()));
+    for (std::string line; std::getline(lines, line);) {
+        PrintRow("", line);
+    }
+}
+
+std::string Alarms() {
+    const AlarmCounts counts = CountAlarms();
+    return std::to_string(counts.sent) + " sent, " + std::to_string(counts.suppressed) + " suppressed, " +
+           std::to_string(counts.lost) + " lost since the start";
+}
+
+std::string Startup() {
+    std::string text;
+    for (const StartupResult& row : StartupResults()) {
+        text += (text.empty() ? "" : ", ") + Printable(row.name) + " " + std::to_string(row.result);
+    }
+    return text.empty() ? "no rows were run" : text;
+}
+}  // namespace
+
+void RunStatusCommand(const Words& words) {
+    if (words.size() > 1) {
+        throw UsageError("usage: status");
+    }
+    PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
+    PrintFile("statistics", RootedPath(LUMO_DATABASE_FILE));
+    PrintRow("earliest time", Printable(EarliestTime()));
+    PrintFile("heal events", RootedPath(ZORV_HEAL_DATABASE_FILE));
+    PrintConfiguration();
+    PrintRow("switch", SwitchAndItsOrigin());
+    PrintRow("alarms", Alarms());
+    PrintRow("start-up", Startup());
+}

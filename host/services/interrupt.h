@@ -1,0 +1,47 @@
+// Ending the work of a command early, when its operator types Ctrl-C.
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+// From now on SIGINT interrupts the command that runs instead of ending the process, and does nothing while
+// none runs. Call it once, before the first command.
+void TakeInterrupts();
+
+// The run of one command on the calling thread, the console's; an interrupt from before is forgotten. There
+// is one at a time.
+class CommandRun {
+public:
+    CommandRun();
+    ~CommandRun();
+    CommandRun(const CommandRun&) = delete;
+    CommandRun& operator=(const CommandRun&) = delete;
+};
+
+// Whether the calling thread runs a command that was interrupted: it is to end soon, in any way that it has.
+// False on every other thread, whose work goes on. Does not block.
+bool Interrupted();
+
+// Whether the calling thread runs a command, and asks for the first time in it.
+bool IsFirstWaitOfCommand();
+
+// Blocks for `duration`, or until the command that the calling thread runs is interrupted.
+void SleepUnlessInterrupted(std::chrono::milliseconds duration);
+
+// How late a wait hears of an interrupt: a signal's handler can wake no condition variable.
+constexpr std::chrono::milliseconds INTERRUPT_SLICE{20};
+
+// Waits like changed.wait_until(lock, end, condition), and ends early when the command that the calling
+// thread runs is interrupted. Returns the condition's last value.
+template <typename Condition>
+bool WaitUnlessInterrupted(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
+                           std::chrono::steady_clock::time_point end, Condition condition) {
+    bool holds = condition();
+    for (auto now = std::chrono::steady_clock::now(); !holds && now < end && !Interrupted();
+         now = std::chrono::steady_clock::now()) {
+        holds = changed.wait_until(lock, std::min(end, now + INTERRUPT_SLICE), condition);
+    }
+    return holds;
+}

@@ -1,0 +1,8 @@
+// Which program, and which libraries it runs with.
+#pragma once
+
+#include <string>
+
+// The answer to --version: the program's version, and those of the libraries that are loaded, which need not
+// be those it was built with.
+std::string VersionText();
