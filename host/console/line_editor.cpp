@@ -113,8 +113,9 @@ std::optional<std::string> LineEditor::Read() {
     if (line == nullptr || length <= 0) {
         return std::nullopt;
     }
-    Remember(line);
-    return std::string(line, static_cast<size_t>(length));
+    const std::string whole(line, static_cast<size_t>(length));  // behind it stands what was deleted
+    Remember(whole);
+    return whole;
 }
 
 void LineEditor::Enter(const std::string& line) {

@@ -38,7 +38,7 @@ bool Interrupted() {
 }
 
 bool IsFirstWaitOfCommand() {
-    const bool isFirst = t_runsCommand && !t_hasWaited;
+    const bool isFirst = t_runsCommand && !t_hasWaited && !g_interrupted;
     t_hasWaited = true;
     return isFirst;
 }

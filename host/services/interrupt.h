@@ -24,7 +24,7 @@ public:
 // False on every other thread, whose work goes on. Does not block.
 bool Interrupted();
 
-// Whether the calling thread runs a command, and asks for the first time in it.
+// Whether the calling thread runs a command, asks for the first time in it, and was not interrupted.
 bool IsFirstWaitOfCommand();
 
 // Blocks for `duration`, or until the command that the calling thread runs is interrupted.

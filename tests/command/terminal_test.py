@@ -1,0 +1,264 @@
+"""A console on a terminal, as an operator meets it; and the two commands that tell about the host itself."""
+import fcntl
+import json
+import os
+import pty
+import select
+import signal
+import sqlite3
+import struct
+import termios
+import time
+import unittest
+
+from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, POINTS, ConsoleTest, compact, delay_listing, eventually
+
+START = 1672885800
+RANGE = f"{compact(START)} {compact(START + 3600)}"
+TABLE = "lumo_data_" + compact(START)
+ALARMS = "VRA/coffer_log/log/alarm/alarms.jsonl"
+SOUND = {TABLE: [(POINTS[0], START + 30 * i, 5000 if i == 7 else 100) for i in range(20)]}
+FOUND = delay_listing([(POINTS[0], START + 210, 5000)]).replace("\n", "\r\n")
+CTRL_A, CTRL_C, CTRL_D, UP, RIGHT = "\x01", "\x03", "\x04", "\x1b[A", "\x1b[C"
+
+
+def graph(*points, edges=()):
+    return {"nodes": [{"id": i, "label": point} for i, point in enumerate(points, 1)], "edges": list(edges)}
+
+
+class Terminal:
+    def __init__(self, root, rows=24, columns=80, closed=None, **variables):
+        environment = {**os.environ, "TERM": "xterm", "NO_COLOR": "1", "ZORV_LOCAL_HISTFILE": "", **variables}
+        environment = {name: value for name, value in environment.items() if value is not None}
+        self.pid, self.file = pty.fork()
+        if self.pid == 0:
+            if closed == "stdout":
+                os.close(1)
+            os.execve(BIN / "zorv-local", ["zorv-local", "--root", root], environment)
+        self.screen, self.seen = "", 0
+        self.resize(rows, columns)
+        self.until("zorv>")
+
+    def resize(self, rows, columns):
+        fcntl.ioctl(self.file, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+
+    def read(self, seconds):
+        if not select.select([self.file], [], [], seconds)[0]:
+            return False
+        try:
+            got = os.read(self.file, 1 << 16)
+        except OSError:  # nobody has the terminal any more
+            got = b""
+        self.screen += got.decode(errors="replace")
+        return got != b""
+
+    def until(self, text, seconds=60):
+        """What came to stand on the screen up to `text`, which must come."""
+        deadline = time.monotonic() + seconds
+        while text not in self.screen[self.seen:]:
+            if not self.read(deadline - time.monotonic()):
+                raise AssertionError(f"{text!r} is missing in {self.screen[self.seen:]!r}")
+        start, self.seen = self.seen, self.screen.index(text, self.seen) + len(text)
+        return self.screen[start:self.seen]
+
+    def type(self, keys, until="zorv> ", seconds=60):
+        for sent in range(0, len(keys), 4096):
+            while self.read(0):  # a full terminal takes no keys
+                pass
+            os.write(self.file, keys[sent:sent + 4096].encode())
+        return self.until(until, seconds)
+
+    def leave(self, keys=CTRL_D):
+        os.write(self.file, keys.encode())
+        while self.read(60):
+            pass
+        status = os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
+        os.close(self.file)
+        return status
+
+
+class OnTerminal(ConsoleTest):
+    def configure(self, **graphs):
+        (self.root / CONFIG).write_text(json.dumps(graphs))
+
+    def test_completion(self):
+        self.configure(A=graph("ONE_READ", "ONE_WRITE"), B=graph("TWO", "ONE_READ", "a 'b"), C=[], D={"nodes": 1})
+        terminal = Terminal(self.root)
+        for keys, shown in (  # TAB is pressed behind the keys; the shown text stands where they end
+                ("delayd", "etect "), ("d", "datashow  delayanal  delaydetect\r\n"),
+                ("errcodeshow IOE", "RROR "), ("errcodeshow IOERROR P", "OOL "), ("switch set on-", "silent "),
+                ("datashow O", "NE_"), ("showgraph mapg", "raph "), ("showgraph vecob T", "WO "),
+                ("explain 60 --gra", "ph "), ("explain --graph ", "A  B\r\n"), ("explain --point T", "WO ")):
+            with self.subTest(keys):
+                terminal.type(keys + "\t", shown)
+                terminal.type(CTRL_C)
+        for keys, shown in (
+                ("he ala" + CTRL_A + RIGHT * 2 + "\t\r", "unknown command 'ala'; did you mean"),
+                ("help delaydetect" + CTRL_A + RIGHT * 8 + "\t\r", "\ndelaydetect [starTime endTime]"),
+                ("help 'ala\t'\r", "unknown command 'ala'"), ("help nonsense\t\r", "unknown command 'nonsense'")):
+            terminal.type(keys, shown)
+        self.configure(A=graph("NEW_POINT"))
+        terminal.type("datashow \t" + CTRL_C, "NEW_POINT ^C")
+        (self.root / CONFIG).write_text("[" * 100_000)
+        terminal.type("help N\t'\r", "the quote ' is not closed")
+        self.assertEqual(terminal.leave(), 0)
+
+    def test_many_choices_fit_the_terminal(self):
+        self.configure(A=graph(*(f"POINT_{number:03}" for number in range(100))))
+        terminal = Terminal(self.root, rows=10, columns=40)
+        for rows, columns, choices, more in ((10, 40, 3 * 6, 82), (8, 24, 2 * 4, 92), (60, 200, 100, None)):
+            terminal.resize(rows, columns)
+            terminal.type("datashow \t", "POINT_0")
+            lines = terminal.type("\t", "\r\nzorv> datashow POINT_0").split("\r\n")[1:-1]
+            self.assertEqual("".join(lines).count("POINT_"), choices)
+            self.assertTrue(max(map(len, lines)) < columns and len(lines) <= rows - 3, lines)
+            self.assertEqual(lines[-1] == f"... and {more} more", more is not None, lines)
+            terminal.type(CTRL_C)
+        terminal.leave()
+
+    def test_history(self):
+        file = self.root / "state/zorv-local/history"
+        kept = {"XDG_STATE_HOME": str(self.root / "state"), "ZORV_LOCAL_HISTFILE": None}
+        sessions = [Terminal(self.root, **kept) for _ in range(2)]
+        for keys in ("help quit\r", "help quit\r", " \r", "given up" + CTRL_A + CTRL_C, "help alarms\r"):
+            sessions[0].type(keys)
+        sessions[1].type("help status\r")
+        self.assertEqual([session.leave() for session in sessions], [0, 0])
+        self.assertEqual(file.read_text(), "help quit\nhelp alarms\nhelp status\n")
+        self.assertEqual([oct(path.stat().st_mode & 0o777) for path in (file, file.parent)], ["0o600", "0o700"])
+
+        file.write_text("".join(f"help {number}\n" for number in range(1100)) + "help switch\n")
+        next_day = Terminal(self.root, **kept)
+        self.assertIn("switch get | set", next_day.type(UP + "\r"))
+        next_day.leave()
+        self.assertEqual(len(file.read_text().splitlines()), 1000)
+
+        for path, note in (("", False), ("/dev/null", False), (str(file / "below"), True)):
+            session = Terminal(self.root, XDG_STATE_HOME=str(self.root / "none"), ZORV_LOCAL_HISTFILE=path)
+            self.assertEqual("The history is not kept: " in session.screen, note, path)
+            session.type("help quit\r")
+            session.leave()
+        self.assertFalse((self.root / "none").exists())
+
+    def lock(self):
+        database = sqlite3.connect(self.root / DATABASE, isolation_level=None)
+        database.execute("begin exclusive")
+        self.addCleanup(database.close)
+        return database
+
+    def test_interrupt_ends_a_wait_and_not_the_session(self):
+        self.statistics(SOUND)
+        writer, terminal = self.lock(), Terminal(self.root)
+        waiting = "zorv-local: waiting to try again: lumo_diagnose_data.db: database is locked (Ctrl-C stops)\r\n"
+        for command in (f"delaydetect {RANGE}", "showvalidtime"):
+            self.assertEqual(terminal.type(command + "\r", "for 2 time:").count(waiting), 1)
+            screen = terminal.type(CTRL_C + CTRL_C, seconds=1.5)  # the next attempt alone is two seconds away
+            self.assertIn("zorv-local: interrupted: ", screen)
+            self.assertNotIn("[error]", screen)
+        writer.execute("rollback")
+        self.assertIn(FOUND, terminal.type(f"delaydetect {RANGE}\r"))
+
+        endless = sqlite3.connect(self.root / DATABASE)
+        endless.executescript(f"""drop table {TABLE}; create view {TABLE} as
+            with recursive c(x) as (select 1 union all select x + 1 from c)
+            select 0 as locateid, x as curtime, 1 as avgdelay from c where x < 0""")
+        endless.close()
+        terminal.type(f"delaydetect {RANGE}\r", "\r\n")
+        self.assertFalse(terminal.read(1), terminal.screen[terminal.seen:])
+        self.assertIn("zorv-local: interrupted: ", terminal.type(CTRL_C, seconds=1.5))
+        self.assertEqual(terminal.leave("quit\r"), 0)
+
+    def test_interrupt_ends_a_single_command(self):
+        self.statistics(SOUND)
+        self.lock()
+        for arguments, lines in (["showvalidtime"], b""), ([], b"showvalidtime\n"):
+            with open(self.root / "err", "wb") as err:
+                console = self.start(*arguments, stderr=err)
+            console.stdin.write(lines)
+            console.stdin.flush()
+            self.assertTrue(eventually(lambda: b"Ctrl-C stops" in (self.root / "err").read_bytes()))
+            console.send_signal(signal.SIGINT)
+            self.assertEqual(console.wait(), -signal.SIGINT)  # which a shell tells as 130
+            console.stdin.close()
+
+    def test_log_lines_leave_the_typed_line_whole(self):
+        self.statistics(SOUND)
+        line = r"(?:[^\r\n]* sqlite3_open faild:14\r\n)+"
+        terminal = Terminal(self.root, columns=40)
+        terminal.type("help " + "x" * 40, "x" * 5)
+
+        def log_line():
+            (self.root / DATABASE).unlink()
+            (self.root / DATABASE).touch()
+            return terminal.read(0.1) and "faild:14" in terminal.screen
+
+        self.assertTrue(eventually(log_line))  # once the folder is watched
+        terminal.type("\r", "unknown command '" + "x" * 40 + "'")
+        self.assertRegex(terminal.screen, "\r\x1b\\[A\x1b\\[J" + line + "zorv> help " + "x" * 29)
+        self.assertEqual(terminal.leave(), 0)
+
+    def test_the_end(self):
+        terminal = Terminal(self.root)
+        self.assertIn("unknown command 'aaaa", terminal.type("a" * (1 << 18) + "\r", "...'"))
+        os.kill(terminal.pid, signal.SIGTERM)
+        while terminal.read(60):
+            pass
+        self.assertTrue(termios.tcgetattr(terminal.file)[3] & termios.ICANON, "the terminal is as it was")
+        self.assertEqual(terminal.leave(""), -signal.SIGTERM)
+        self.assertEqual(Terminal(self.root, closed="stdout").leave("help\r"), 1)
+
+    def test_colours(self):
+        for variables, coloured in (({"NO_COLOR": ""}, True), ({}, False), ({"TERM": "dumb", "NO_COLOR": ""}, False)):
+            terminal = Terminal(self.root, **variables)
+            terminal.until(" ")
+            self.assertEqual("\x1b[1mzorv>\x1b[0m" in terminal.screen, coloured, terminal.screen)
+            self.assertIn("[\x1b[31merror\x1b[0m] " if coloured else "[error] ", terminal.screen)
+            terminal.leave()
+
+
+class AboutTheHost(ConsoleTest):
+    def test_status(self):
+        self.statistics(SOUND)
+        (self.root / CONFIG).write_text(json.dumps({"B": graph("X", "Y", edges=[{}]), "A": graph(), "C": 1}))
+        then = int(time.time()) - 3 * 86400 - 100
+        about = {}
+        for file in (DATABASE, HEAL_DATABASE, CONFIG):
+            os.utime(self.root / file, (then, then))
+            size = (self.root / file).stat().st_size
+            size = f"{size} bytes" if size < 1024 else f"{size / 1024:.1f} KiB"
+            local = time.strftime("%Y-%m-%d %H:%M:%S", time.gmtime(then + 8 * 3600))
+            about[file] = f"{self.root}/{file}\n               {size}, changed {local}, 3 days ago\n"
+        screen = ("node           7, master 7\nstatistics     " + about[DATABASE] +
+                  f"earliest time  {compact(START)}\nheal events    " + about[HEAL_DATABASE] +
+                  "configuration  " + about[CONFIG] +
+                  "               2 graphs, nodes/edges of each:\n               A 0/0  B 2/1\n"
+                  "switch         {}\nalarms         {} sent, {} suppressed, 0 lost since the start\n"
+                  "start-up       JsonObject 0, Timer 0, MsgHandle 0, DataBase 0, Debug 0, LoadFaultDiagSwitchMsg 0\n")
+        self.assertEqual(self.run_lines("status\n", "--node", "7")[1],
+                         screen.format("2 (on-silent, the default: no value is stored)", 0, 0))
+        out = self.run_lines("switch set on\n" + f"delaydetect {RANGE}\n" * 5 + "status\n", "--node", "7")[1]
+        self.assertTrue(out.endswith(screen.format("1 (on), from master node 7", 3, 2)), out)
+        self.assertEqual(self.run_lines("alarms\n")[1].count("0xF00C90150         faultDiagnose\n"), 3)
+
+        for file in (DATABASE, HEAL_DATABASE, CONFIG):
+            (self.root / file).unlink()
+        out = self.run_lines("status\n")[1]
+        self.assertEqual(out.count("               No such file or directory\n"), 3)
+        self.assertIn("earliest time  unknown: unable to open database file\n", out)
+
+    def test_alarms(self):
+        self.expect("alarms\n", 0, "There are no alarms.\n")
+        (self.root / ALARMS).parent.mkdir(parents=True)
+        alarm = {"time": START, "node": 1, "module": 422, "alarmId": 64437682512, "type": 1, "text": "a\nb"}
+        lines = [json.dumps({**alarm, "time": START + i}) for i in range(30)]
+        (self.root / ALARMS).write_text("\n".join([*lines, "{", json.dumps({**alarm, "time": "x"}), lines[0]]) + "\n")
+        header = "time                 node    module  type  alarm               text\n"
+        row = "2023-01-05 10:30:{:02}  1       422     1     0xF00C90150         a\\nb\n"
+        broken = "no alarm: {\nno alarm: " + json.dumps({**alarm, "time": "x"}) + "\n"
+        self.expect("alarms 4\n", 0, header + row.format(29) + broken + row.format(0))
+        self.assertEqual(self.run_lines("alarms\n")[1].count("\n"), 1 + 20)
+        self.assertIn("usage: alarms [N]", self.expect("alarms 0\n", 2, ""))
+
+
+if __name__ == "__main__":
+    unittest.main()
