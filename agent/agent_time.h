@@ -19,7 +19,8 @@ typedef struct {
 // the local host count 250 ticks per second. The start value is arbitrary.
 uint64_t vopx_get_jiffies(void);
 
-// Blocks the calling thread for `ticks` times 10 ms. A signal does not shorten the wait.
+// Blocks the calling thread for `ticks` times 10 ms. A signal does not shorten the wait; the local host ends
+// it early while an operator stops the command that waits.
 void vopx_10msleep(uint32_t ticks);
 
 // Local time in seconds: UTC seconds since 1970 plus the zone's offset from UTC, so that

@@ -77,6 +77,7 @@ TEST_F(ProgramTest, ExitStatuses) {
         EXPECT_THAT(outcome.err, HasSubstr(row.err));
     }
     EXPECT_THAT(Run("--help").out, HasSubstr("Usage: zorv-local [OPTIONS] [COMMAND [ARGS...]]\n"));
+    EXPECT_THAT(Run("--version").out, MatchesRegex("zorv-local [0-9.]+\nSQLite 3[0-9.]+\njsoncpp [0-9.]+\n"));
 }
 
 TEST_F(ProgramTest, ReadsLinesOfInput) {
@@ -180,41 +181,6 @@ bool ReadMore(int fd, std::string& screen) {
     const ssize_t got = read(fd, bytes, sizeof bytes);
     screen.append(bytes, got > 0 ? static_cast<size_t>(got) : 0);
     return got > 0;
-}
-
-TEST_F(ProgramTest, TerminalEditsRemembersAndCompletes) {
-    const struct {
-        std::string awaited, keys;
-    } steps[] = {
-        {"zorv> ", "ec\tone\r"},
-        {"[echo][one]\r\n", ""},
-        {"zorv> ", "\x1b[A\b\b\btwo\r"},
-        {"[echo][two]\r\n", ""},
-        {"zorv> ", "p\t\t"},
-        {"print  probe", "\x03"},
-        {"^C", ""},
-        {"zorv> ", "switch se\ton-\t\r"},
-        {"\r\nold value: 2 (on-silent, the default", ""},
-        {"zorv> ", "\x04"},
-    };
-    int fd = -1;
-    const pid_t child = StartConsole(program, root, &fd);
-    std::string screen;
-    size_t seen = 0;
-    for (const auto& [awaited, keys] : steps) {
-        while (screen.find(awaited, seen) == std::string::npos && ReadMore(fd, screen)) {
-        }
-        ASSERT_THAT(screen.substr(seen), HasSubstr(awaited));
-        seen = screen.find(awaited, seen) + awaited.size();
-        EXPECT_EQ(write(fd, keys.data(), keys.size()), static_cast<ssize_t>(keys.size()));
-    }
-    while (ReadMore(fd, screen)) {
-    }
-    EXPECT_EQ(screen.find("unknown command"), std::string::npos);
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0);
-    close(fd);
 }
 
 TEST_F(ProgramTest, ExplainRunsTheProgramBesideThisOne) {
