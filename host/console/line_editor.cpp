@@ -107,7 +107,6 @@ std::optional<std::string> LineEditor::Read() {
     const int endSignal = keys->EndSignal();
     keys.reset();
     if (endSignal != 0) {
-        el_set(editor.get(), EL_PREP_TERM, 0);
         std::raise(endSignal);
     }
     if (line == nullptr || length <= 0) {

@@ -149,7 +149,7 @@ class OnTerminal(ConsoleTest):
         writer, terminal = self.lock(), Terminal(self.root)
         waiting = "zorv-local: waiting to try again: lumo_diagnose_data.db: database is locked (Ctrl-C stops)\r\n"
         for command in (f"delaydetect {RANGE}", "showvalidtime"):
-            self.assertEqual(terminal.type(command + "\r", "for 2 time:").count(waiting), 1)
+            self.assertEqual(terminal.type(command + "\r", "for 3 time:").count(waiting), 1)
             screen = terminal.type(CTRL_C + CTRL_C, seconds=1.5)  # the next attempt alone is two seconds away
             self.assertIn("zorv-local: interrupted: ", screen)
             self.assertNotIn("[error]", screen)
