@@ -126,16 +126,18 @@ Words SwitchWordsAfter(const Words& words) {
 }
 
 std::string SwitchAndItsOrigin() {
+    const std::string master = "master node " + std::to_string(ZORV_GetMasterNid());
     int32_t number = FAULT_DIAG_SWITCH_UNREADABLE;
+    std::string silence;
     try {
         number = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
     } catch (const std::runtime_error&) {
-        number = FAULT_DIAG_SWITCH_UNREADABLE;  // no answer counts as none stored, as for the plug-in
+        silence = "; " + master + " does not answer";
     }
     if (number != FAULT_DIAG_SWITCH_UNREADABLE) {
-        return Described(number) + ", from master node " + std::to_string(ZORV_GetMasterNid());
+        return Described(number) + ", from " + master;
     }
     const bool isLocal = HealReadZorvModePrivateIni(FAULT_DIAG_SWITCH_FILE, &number, 0) == 0;
-    return isLocal ? Described(number) + ", from the file of this node"
-                   : Described(FAULT_DIAG_SWITCH_UNREADABLE);
+    return isLocal ? Described(number) + ", from the file of this node" + silence
+                   : Described(FAULT_DIAG_SWITCH_UNREADABLE) + silence;
 }
