@@ -17,9 +17,9 @@
 #include "agent/agent_console.h"
 #include "host/services/alarm.h"
 #include "host/services/files.h"
+#include "host/services/local_time.h"
 #include "host/services/settings.h"
 #include "host/services/text.h"
-#include "host/services/time.h"
 
 namespace {
 constexpr size_t USUAL_COUNT = 20;
@@ -101,7 +101,8 @@ void PrintAlarm(const std::string& line) {
     }
     char id[24];
     std::snprintf(id, sizeof id, "0x%" PRIX64, (*alarm)["alarmId"].asUInt64());
-    DBG_Print("%-19s  %-6u  %-6u  %-4u  %-18s  %s\n", LocalTimeText((*alarm)["time"].asInt64()).c_str(),
+    const int64_t time = (*alarm)["time"].asInt64();
+    DBG_Print("%-19s  %-6u  %-6u  %-4u  %-18s  %s\n", LocalTime(time, ZoneOffsetAt(time)).c_str(),
               (*alarm)["node"].asUInt(), (*alarm)["module"].asUInt(), (*alarm)["type"].asUInt(), id,
               Printable((*alarm)["text"].asString(), LONGEST_TEXT).c_str());
 }

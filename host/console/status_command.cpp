@@ -17,10 +17,10 @@
 #include "host/console/route_file.h"
 #include "host/console/switch_command.h"
 #include "host/services/alarm.h"
+#include "host/services/local_time.h"
 #include "host/services/settings.h"
 #include "host/services/startup.h"
 #include "host/services/text.h"
-#include "host/services/time.h"
 
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
@@ -70,7 +70,7 @@ void PrintFile(const char* name, const std::string& path) {
         return;
     }
     const time_t changed = status.st_mtim.tv_sec;
-    PrintRow("", Size(status.st_size) + ", changed " + LocalTimeText(changed) + ", " +
+    PrintRow("", Size(status.st_size) + ", changed " + LocalTime(changed, ZoneOffsetAt(changed)) + ", " +
                      Age(std::time(nullptr) - changed));
 }
 

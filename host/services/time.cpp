@@ -1,7 +1,6 @@
 #include "agent/agent_time.h"
 
 #include <chrono>
-#include <cstdio>
 #include <ctime>
 #include <limits>
 #include <ratio>
@@ -11,7 +10,6 @@
 #include "host/services/local_time.h"
 #include "host/services/statements.h"
 #include "host/services/text.h"
-#include "host/services/time.h"
 
 namespace {
 using Tick = std::chrono::duration<uint64_t, std::ratio<1, 250>>;
@@ -72,13 +70,4 @@ int64_t vopx_time_mktime(const VOPX_TIME_S* in) {
     utc.tm_min = in->minute;
     utc.tm_sec = in->second;
     return timegm(&utc) + cycles * SECONDS_OF_CYCLE;
-}
-
-std::string LocalTimeText(time_t seconds) {
-    VOPX_TIME_S time;
-    vopx_time_gmtime(seconds + ZoneOffset(seconds), &time);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", time.year, time.month, time.day,
-                  time.hour, time.minute, time.second);
-    return text;
 }
