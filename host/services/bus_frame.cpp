@@ -10,7 +10,7 @@ constexpr uint16_t VERSION = 1;
 template <typename T>
 void Put(std::string& bytes, T number) {
     for (size_t left = sizeof number; left > 0; --left) {
-        bytes.push_back(static_cast<char>(number >> (8 * (left - 1)) & 0xFFU));
+        bytes.push_back(static_cast<char>(uint64_t{number} >> (8 * (left - 1)) & 0xFFU));
     }
 }
 
