@@ -78,7 +78,7 @@ protected:
     std::atomic<bool> onlyValue{true};
     std::promise<void> blocked, unblock;
     Bus& own = MakeImmortal<Bus>(OWN, addresses);
-    Bus& other = MakeImmortal<Bus>(OTHER, addresses);
+    Bus other{OTHER, addresses};  // which asks only
 };
 
 TEST_F(BusTest, AnswersWhatIsRightAndInTime) {
