@@ -58,7 +58,7 @@ void JoinCluster(const NodeAddresses& addresses) {
 }
 
 void LeaveCluster() {
-    if (Bus* const bus = g_bus.exchange(nullptr)) {
+    if (Bus* const bus = g_bus) {
         bus->Leave();
     }
 }
