@@ -46,8 +46,8 @@ TEST(FrameTest, IsDecodedWholeOrNotAtAll) {
 class BusTest : public testing::Test {
 protected:
     BusTest() {
-        static Bus* reached = nullptr;  // what its threads use is not lost
-        reached = &own;
+        static const Bus& reached = own;  // what its threads use is not lost
+        EXPECT_EQ(&reached, &own);
         own.Start([this](const auto& info, const void* payload, auto) { return Serve(info, payload); }, 30s);
     }
 
