@@ -145,7 +145,10 @@ bool LineEditor::WaitForKey() {
                 PrintAbove(stderr, keys->TakeLines());
                 break;
             case KeyWait::Event::RESIZED:
+                // The editor would go on at a row that the terminal may no longer have.
                 el_resize(editor.get());
+                ClearTyped();
+                el_set(editor.get(), EL_REFRESH);
                 break;
             case KeyWait::Event::CONTINUED:
                 el_set(editor.get(), EL_PREP_TERM, 1);
@@ -206,11 +209,8 @@ int LineEditor::RowOfCursor() {
     return row + (column >= columns ? 1 : 0);
 }
 
-// Prints `text`, whole lines, in the place of the line that is being typed, which is shown anew below.
-void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
-    if (text.empty()) {
-        return;
-    }
+// Leaves the cursor where the prompt began, with nothing behind it.
+void LineEditor::ClearTyped() {
     const std::string up = Text("up");
     const std::string clear = Text("cd");
     if (up.empty() || clear.empty()) {
@@ -223,6 +223,14 @@ void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
         std::fputs(clear.c_str(), screen);
     }
     std::fflush(screen);
+}
+
+// Prints `text`, whole lines, in the place of the line that is being typed, which is shown anew below.
+void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
+    if (text.empty()) {
+        return;
+    }
+    ClearTyped();
     std::fwrite(text.data(), 1, text.size(), stream);
     std::fflush(stream);
     el_set(editor.get(), EL_REFRESH);

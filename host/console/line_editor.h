@@ -42,6 +42,7 @@ private:
     unsigned char Complete();
     void Insert(const std::string& rest);
     void ShowChoices(const Words& choices);
+    void ClearTyped();
     void PrintAbove(FILE* stream, const std::string& text);
     int Number(const char* capability);
     std::string Text(const char* capability);

@@ -34,13 +34,13 @@ class Terminal:
         if self.pid == 0:
             if closed == "stdout":
                 os.close(1)
+            self.resize(rows, columns, file=0)
             os.execve(BIN / "zorv-local", ["zorv-local", "--root", root], environment)
         self.screen, self.seen = "", 0
-        self.resize(rows, columns)
         self.until("zorv>")
 
-    def resize(self, rows, columns):
-        fcntl.ioctl(self.file, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
+    def resize(self, rows, columns, file=None):
+        fcntl.ioctl(self.file if file is None else file, termios.TIOCSWINSZ, struct.pack("HHHH", rows, columns, 0, 0))
 
     def read(self, seconds):
         if not select.select([self.file], [], [], seconds)[0]:
