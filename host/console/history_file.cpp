@@ -18,7 +18,7 @@ namespace {
 constexpr mode_t DIRECTORY_MODE = 0700;
 constexpr mode_t FILE_MODE = 0600;
 constexpr size_t LONGEST_LINE = 4096;
-constexpr size_t LARGEST_FILE = 2 * HISTORY_LINES * LONGEST_LINE;
+constexpr size_t LARGEST_FILE = LONGEST_LINE * 2 * HISTORY_LINES;
 
 // The absolute path that the variable holds; empty when it does not.
 std::string DirectoryIn(const char* variable) {

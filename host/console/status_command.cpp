@@ -56,7 +56,8 @@ std::string Size(int64_t bytes) {
         return Amount(bytes, "byte");
     }
     const bool isSmall = bytes < KIB * KIB;
-    std::snprintf(text, sizeof text, "%.1f %s", static_cast<double>(bytes) / (isSmall ? KIB : KIB * KIB),
+    std::snprintf(text, sizeof text, "%.1f %s",
+                  static_cast<double>(bytes) / static_cast<double>(isSmall ? KIB : KIB * KIB),
                   isSmall ? "KiB" : "MiB");
     return text;
 }

@@ -8,8 +8,8 @@ namespace {
 std::atomic<bool> g_interrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler");
 
-thread_local bool t_runsCommand = false;
-thread_local bool t_hasWaited = false;
+thread_local bool g_runsCommand = false;
+thread_local bool g_hasWaited = false;
 
 void Interrupt(int /*signal*/) {
     g_interrupted = true;
@@ -25,21 +25,21 @@ void TakeInterrupts() {
 
 CommandRun::CommandRun() {
     g_interrupted = false;
-    t_runsCommand = true;
-    t_hasWaited = false;
+    g_runsCommand = true;
+    g_hasWaited = false;
 }
 
 CommandRun::~CommandRun() {
-    t_runsCommand = false;
+    g_runsCommand = false;
 }
 
 bool Interrupted() {
-    return t_runsCommand && g_interrupted;
+    return g_runsCommand && g_interrupted;
 }
 
 bool IsFirstWaitOfCommand() {
-    const bool isFirst = t_runsCommand && !t_hasWaited && !g_interrupted;
-    t_hasWaited = true;
+    const bool isFirst = g_runsCommand && !g_hasWaited && !g_interrupted;
+    g_hasWaited = true;
     return isFirst;
 }
 
@@ -47,6 +47,6 @@ void SleepUnlessInterrupted(std::chrono::milliseconds duration) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + duration;
     for (auto now = Clock::now(); now < end && !Interrupted(); now = Clock::now()) {
-        std::this_thread::sleep_until(t_runsCommand ? std::min(end, now + INTERRUPT_SLICE) : end);
+        std::this_thread::sleep_until(g_runsCommand ? std::min(end, now + INTERRUPT_SLICE) : end);
     }
 }

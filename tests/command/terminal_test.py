@@ -95,10 +95,12 @@ class OnTerminal(ConsoleTest):
                 ("help delaydetect" + CTRL_A + RIGHT * 8 + "\t\r", "\ndelaydetect [starTime endTime]"),
                 ("help 'ala\t'\r", "unknown command 'ala'"), ("help nonsense\t\r", "unknown command 'nonsense'")):
             terminal.type(keys, shown)
+            terminal.until("zorv> ")
         self.configure(A=graph("NEW_POINT"))
         terminal.type("datashow \t" + CTRL_C, "NEW_POINT ^C")
         (self.root / CONFIG).write_text("[" * 100_000)
         self.assertNotIn("NEW_POINT", terminal.type("datashow N\t'\r", "the quote ' is not closed"))
+        terminal.until("zorv> ")
         self.assertEqual(terminal.leave(), 0)
 
     def test_many_choices_fit_the_terminal(self):
@@ -191,6 +193,7 @@ class OnTerminal(ConsoleTest):
 
         self.assertTrue(eventually(log_line))  # once the folder is watched
         terminal.type("\r", "unknown command '" + "x" * 40 + "'")
+        terminal.until("zorv> ")
         self.assertRegex(terminal.screen, r"\r\x1b\[A\x1b\[J([^\r\n]* sqlite3_open faild:14\r\n)+zorv> help x{29}")
         self.assertEqual(terminal.leave(), 0)
 
