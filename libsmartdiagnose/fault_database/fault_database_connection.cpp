@@ -113,5 +113,10 @@ FaultAttempt FaultConnection::Query(const std::string& sql) {
     FaultAttempt attempt = GetTable(handle.get(), sql);
     attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
     attempt.ok = attempt.ok && !attempt.moved;
+    if (!attempt.ok) {
+        // A page that was read while the file was being written stays, as long as the file says that nothing
+        // has changed since, and would fail every further attempt.
+        sqlite3_db_release_memory(handle.get());
+    }
     return attempt;
 }
