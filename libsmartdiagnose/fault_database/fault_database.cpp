@@ -5,6 +5,7 @@
 #include "agent/agent_memory.h"
 #include "agent/agent_message.h"
 #include "agent/agent_time.h"
+#include "fault_common/fault_boundary.h"
 #include "fault_common/fault_log.h"
 #include "fault_common/fault_number.h"
 #include "fault_common/fault_rate_limiter.h"
@@ -97,7 +98,9 @@ void FaultGetHealEventData(const FaultResultTable& table, std::vector<FaultHealE
 }
 
 uint32_t OpenOrReleaseBoth(FaultConnection& connection) {
-    const int32_t result = connection.Open();
+    // The opening may throw as well, and must not leave one of the two open.
+    int32_t result = SQLITE_NOMEM;
+    FaultRunGuarded(FAULT_IN("FaultDataBaseInit"), [&] { result = connection.Open(); });
     if (result == SQLITE_OK) {
         return 0;
     }
