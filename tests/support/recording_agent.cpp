@@ -6,6 +6,7 @@
 #include <thread>
 
 std::recursive_mutex Agent::mutex;
+thread_local int Agent::inside = 0;
 // Never destroyed: threads of the plug-in outlive main().
 AgentRecord& Agent::record = *std::make_unique<AgentRecord>().release();
 

@@ -70,7 +70,12 @@ struct AgentRecord {
 // The recorder, for the time of one statement: Agent()->jiffies = 7. Other threads wait meanwhile.
 class Agent {
 public:
+    Agent() { ++inside; }
+    ~Agent() { --inside; }
     AgentRecord* operator->() { return &record; }
+
+    // Whether the calling thread is in such a statement: what it allocates there is the recorder's.
+    static bool IsInside() { return inside > 0; }
 
     static void Reset();  // all but the root
     static AgentRecord Record() { return Agent().record; }
@@ -88,6 +93,7 @@ public:
 private:
     static std::recursive_mutex mutex;
     static AgentRecord& record;
+    static thread_local int inside;
     const std::lock_guard<std::recursive_mutex> lock{mutex};
 };
 

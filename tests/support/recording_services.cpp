@@ -87,7 +87,8 @@ void vplog(uint32_t module, uint32_t level, const char* file, uint32_t line, con
 void DBG_Print(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    Agent()->console += FormatText(format, arguments);
+    Agent agent;  // before the text is made: the right side of an assignment comes first
+    agent->console += FormatText(format, arguments);
     va_end(arguments);
 }
 
