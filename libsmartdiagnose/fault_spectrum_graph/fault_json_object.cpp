@@ -9,12 +9,17 @@
 
 namespace {
 
+// A graph nests five deep. The reader's own limit would take more stack than a thread of the agent may have.
+constexpr int DEEPEST_NESTING = 32;
+
 // Null unless the stream holds one JSON object. The reader throws when the nesting is too deep.
 Json::Value ParseObject(std::istream& stream) {
+    Json::CharReaderBuilder reader;
+    reader["stackLimit"] = DEEPEST_NESTING;
     Json::Value parsed;
     std::string error;
     try {
-        if (Json::parseFromStream(Json::CharReaderBuilder(), stream, &parsed, &error) && parsed.isObject()) {
+        if (Json::parseFromStream(reader, stream, &parsed, &error) && parsed.isObject()) {
             return parsed;
         }
     } catch (const Json::Exception&) {
