@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 targets=("${@:2}")
-[ ${#targets[@]} -gt 0 ] || targets=(route console database switch)
+[ ${#targets[@]} -gt 0 ] || targets=(route console database switch bus)
 cmake --preset fuzz
 cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"
 export TMPDIR=/dev/shm ASAN_OPTIONS=quarantine_size_mb=4:allocator_release_to_os_interval_ms=-1
