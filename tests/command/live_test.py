@@ -105,7 +105,7 @@ class Live(ConsoleTest):
                 def is_right():
                     console.stdin.write("delaydetect 60\nswitch get\n")
                     console.stdin.flush()
-                    screen = "".join(iter(console.stdout.readline, "2 (on-silent, the default: no value is stored)\n"))
+                    screen = "".join(iter(console.stdout.readline, "2 (on-silent, the default: no value is stored), from node 1\n"))
                     return re.findall(r"^([A-Z_]+) +(\d\S+ \S+) +(\d+) *$", screen, re.M) == planted
 
                 self.assertTrue(eventually(is_right))
