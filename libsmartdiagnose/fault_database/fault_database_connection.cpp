@@ -75,6 +75,9 @@ int32_t FaultConnection::Open() {
     {
         FaultLock lock(mutex);
         handle.swap(replaced);
+        // Before the new one is queried: both may use one file beside a database in WAL mode, and a process
+        // that closes a file loses all its locks on it.
+        replaced.reset();
         file = identity;
         isCacheBounded = false;
     }
@@ -105,12 +108,19 @@ FaultAttempt FaultConnection::Query(const std::string& sql) {
     if (handle == nullptr) {
         return {};
     }
+    FaultAttempt attempt;
+    attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
+    if (attempt.moved) {
+        // In WAL mode the first reading would open the files beside the path, which are another database's by
+        // now.
+        return attempt;
+    }
     if (!isCacheBounded) {
         // Not in Open(): the statement locks and reads the file, which may just be in the making.
         const std::string bound = "PRAGMA cache_size = -" + std::to_string(cacheKib) + ";";
         isCacheBounded = GetTable(handle.get(), bound).ok;
     }
-    FaultAttempt attempt = GetTable(handle.get(), sql);
+    attempt = GetTable(handle.get(), sql);
     attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
     attempt.ok = attempt.ok && !attempt.moved;
     if (!attempt.ok) {

@@ -83,7 +83,7 @@ private:
         sqlite3_busy_timeout(opened, 20000);
         const std::string whole = "PRAGMA synchronous = OFF; PRAGMA journal_mode = " + journal + ";" + sql;
         if (sqlite3_exec(opened, whole.c_str(), look, &isZero, nullptr) != SQLITE_OK) {
-            throw std::runtime_error(file + ": " + sqlite3_errmsg(opened));
+            throw std::runtime_error(file + ": " + sqlite3_errmsg(opened) + " " + std::to_string(sqlite3_extended_errcode(opened)) + " errno " + std::to_string(sqlite3_system_errno(opened)) + " in " + sql.substr(0, 30));
         }
         return isZero;
     }
