@@ -108,19 +108,12 @@ FaultAttempt FaultConnection::Query(const std::string& sql) {
     if (handle == nullptr) {
         return {};
     }
-    FaultAttempt attempt;
-    attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
-    if (attempt.moved) {
-        // In WAL mode the first reading would open the files beside the path, which are another database's by
-        // now.
-        return attempt;
-    }
     if (!isCacheBounded) {
         // Not in Open(): the statement locks and reads the file, which may just be in the making.
         const std::string bound = "PRAGMA cache_size = -" + std::to_string(cacheKib) + ";";
         isCacheBounded = GetTable(handle.get(), bound).ok;
     }
-    attempt = GetTable(handle.get(), sql);
+    FaultAttempt attempt = GetTable(handle.get(), sql);
     attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
     attempt.ok = attempt.ok && !attempt.moved;
     if (!attempt.ok) {

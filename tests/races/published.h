@@ -6,10 +6,9 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cstdint>
 #include <string>
 
-// Every row of a database carries the number of the state in which it was written; numbers only rise.
+// Every row of a database has the number of the state in which it was written; numbers only rise.
 struct PublishedStates {
     std::atomic<int64_t>
         oldest;  // the answer to a question asked from now on is of this state or a later one
@@ -19,15 +18,15 @@ struct PublishedStates {
 
 struct Published {
     PublishedStates statistics, heal;
-    std::atomic<int64_t> cycles;  // re-creations
-    std::atomic<bool> go;         // the producer waits for it after the first state
+    std::atomic<int64_t> cycles;  // re-creations; the test lets them begin by setting 0
 
-    // Maps `file`, which is created when it is missing, for the life of the process.
     static Published& Map(const std::string& file) {
         const int descriptor = open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-        const int sized = ftruncate(descriptor, sizeof(Published));
-        void* mapped = mmap(nullptr, sizeof(Published), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
+        void* const mapped =
+            ftruncate(descriptor, sizeof(Published)) != 0
+                ? MAP_FAILED
+                : mmap(nullptr, sizeof(Published), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
         close(descriptor);
-        return sized == 0 && mapped != MAP_FAILED ? *static_cast<Published*>(mapped) : throw sized;
+        return mapped != MAP_FAILED ? *static_cast<Published*>(mapped) : throw descriptor;
     }
 };
