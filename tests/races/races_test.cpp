@@ -3,7 +3,6 @@
 #include <fstream>
 #include <future>
 #include <iostream>
-#include <regex>
 #include <thread>
 
 #include "races/published.h"
@@ -99,11 +98,11 @@ protected:
 
     // Lines and sleeps are taken while the run goes on: kept, they would be the memory that grows.
     static void CheckLines() {
-        static const std::regex expected(
-            " is 0x| is \\(nil\\)|nullptr|sqlite3_open faild:14|get table faild|suppressed|The tableName:");
+        static const Lines expected = {"DataBase is ", "faild", "suppressed", "The tableName:"};
         Agent()->sleeps.clear();
         for (const std::string& line : Agent::TakeLines()) {
-            EXPECT_TRUE(std::regex_search(line, expected)) << line;
+            const auto isIn = [&](const std::string& part) { return line.find(part) != std::string::npos; };
+            EXPECT_TRUE(std::any_of(expected.begin(), expected.end(), isIn)) << line;
         }
     }
 
