@@ -11,13 +11,13 @@ RANGE = " 20230105103000 20230105143000"
 COMMANDS = [command + RANGE for command in (
     "delaydetect", "simudetect", "delayanal", "explain", "showallerr", "errcodeshow IOERROR ALL", "errcodeshowall",
     "showgraph mapgraph TGT_LUMO_HOST_READ", "showgraph maplumodata TGT_LUMO_HOST_READ",
-    "showfaultfactor SPACE")] + ["datashow TGT_LUMO_HOST_READ" + RANGE + " 5", "showvalidtime", "help", "switch get"]
+    "showfaultfactor SPACE")] + ["datashow TGT_LUMO_HOST_READ" + RANGE + " 5", "showvalidtime", "help"]
 SWITCH = ["switch set on", "switch set off", "switch set on-silent"]
-END = "\t\t[ERROR]: input err\n"  # the screen of simudetect without times
+END = re.compile(r"[123] \((on|on-silent|off)[,)].*\n|")  # the screen of switch get, or that of nobody
 SLACK = {"descriptors": 0, "threads": 0, "KiB": 8192}  # growth of the peak, the last third beside the second
 USUAL = re.compile(  # beside such a producer, and what the commands say about the world as it is
     r"is 0x|is \(nil\)|is nullptr|sqlite3_open faild:14|get table faild|suppressed|[Gg]raph anlaysis|new root graph|"
-    r"is not exsist|rstNode|not data finded|already exists|[Gg]et ?[Dd]ata failed|CoveredTime index left|ALARM")
+    r"is not exsist|rstNode|not data finded|already exists|[Gg]et ?[Dd]ata failed|CoveredTime index left|alarm")
 
 
 class Console:
@@ -26,11 +26,11 @@ class Console:
                                         stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
 
     def answer(self, command):
-        print(command, "simudetect", sep="\n", file=self.process.stdin, flush=True)
-        lines = []
-        while not lines or lines[-1] not in ("", END):
+        print(command, "switch get", sep="\n", file=self.process.stdin, flush=True)
+        lines = [self.process.stdout.readline()]
+        while not END.fullmatch(lines[-1]):
             lines.append(self.process.stdout.readline())
-        return "".join(lines)
+        return "".join(lines[:-1])
 
     def measure(self):
         proc = Path("/proc", str(self.process.pid))
