@@ -57,7 +57,8 @@ TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
     std::mt19937 random(20230105);
     int32_t last = FIRST;
     ASSERT_EQ(Write(last), 0U);
-    for (int kills = 0; last < FIRST + 1000 || kills < (getenv("SMARTDIAGNOSE_LONG") != nullptr ? 1000 : 100); ++kills) {
+    for (int kills = 0; last < FIRST + 1000 || kills < (getenv("SMARTDIAGNOSE_LONG") != nullptr ? 1000 : 100);
+         ++kills) {
         const pid_t writer = fork();
         if (writer == 0) {
             for (int32_t next = last + 1; Write(next) == 0; ++next) {

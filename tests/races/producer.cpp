@@ -40,7 +40,7 @@ public:
                     ? Replace(statistics, published.statistics, true)
                     : throw;
             }
-            if (OneOf(8)) {
+            if (OneOf(3)) {
                 AwaitAnswer(published.statistics);
                 AwaitAnswer(published.heal);
             }
@@ -114,7 +114,7 @@ private:
             Create(created);
         }
         // What lies beside a file in WAL mode is part of it.
-        if (inPlace || journal == "wal" || OneOf(4)) {
+        if (inPlace || journal == "wal" || OneOf(2)) {
             fs::remove(file);
             states.oldest = state;
             fs::remove(file + "-wal");
