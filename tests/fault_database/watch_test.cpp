@@ -1,7 +1,3 @@
-#include <atomic>
-#include <future>
-#include <thread>
-
 #include "support/database_test.h"
 
 class Watch : public DatabaseTest {
@@ -53,54 +49,4 @@ TEST_F(Watch, ComesBackWithTheFolder) {
         EXPECT_TRUE(Eventually([&] { return FaultGetDataTimeRange(earliest) == 0 && earliest == number; }));
         number == "1" ? world.Remove(folder) : world.Rename(folder, "/VRA/data/old" + number);
     }
-}
-
-// Each answer is of one generation, and of none that was replaced before the question.
-TEST_F(Watch, NoAnswerIsStaleOrMixedAndNothingLeaksBesideAProducer) {
-    constexpr size_t ROWS = 40;
-    const auto generation = [](int64_t number) {
-        return std::vector<StatisticsTable>{{"T", std::vector<StatisticsRow>(ROWS, {"P", 1, number})}};
-    };
-    const auto descriptors = [] {
-        const std::filesystem::directory_iterator files("/proc/self/fd");
-        return std::distance(begin(files), end(files));
-    };
-    Start(generation(0));
-    const auto before = descriptors();
-    // Whoever has no answer leaves the processor to the producer; nothing depends on how long that is.
-    Agent()->onSleep = [](size_t) { std::this_thread::yield(); };
-
-    std::atomic<int64_t> published{0};
-    std::atomic<int> answers{0};
-    std::atomic<int> wrong{0};
-    const auto ask = [&] {
-        const int64_t oldest = published;
-        std::vector<int64_t> unused;
-        Lines delays;
-        const char* const sql = "select avgdelay from T;";
-        if (FaultDataBaseExcuteSql(sql, FaultGetQueryTableCallBack, unused, unused, delays) != 0) {
-            std::this_thread::yield();
-            return false;
-        }
-        const bool isWhole = delays.size() == ROWS && delays == Lines(ROWS, delays[0]);
-        (isWhole && std::stoll(delays[0]) >= oldest ? answers : wrong)++;
-        return true;
-    };
-    std::vector<std::future<void>> threads(4);
-    for (std::future<void>& thread : threads) {
-        thread = std::async(std::launch::async, [&] {
-            while (published < 1000) {
-                ask();
-            }
-        });
-    }
-    for (int64_t number = 1; number <= 1000; ++number) {
-        number % 2 == 0 ? world.Statistics(generation(number)) : world.StatisticsByRename(generation(number));
-        published = number;
-    }
-    threads.clear();
-    EXPECT_TRUE(Eventually(ask));
-    EXPECT_EQ(wrong, 0);
-    EXPECT_GT(answers, 50);
-    EXPECT_TRUE(Eventually([&] { return descriptors() == before; }));
 }

@@ -99,7 +99,7 @@ private:
         if (OneOf(8)) {
             Replace(heal, published.heal, false);
         }
-        if (OneOf(50)) {
+        if (OneOf(20)) {
             OneOf(2) ? Retarget() : ReplaceFolder();
         } else {
             Replace(statistics, published.statistics, OneOf(2));
