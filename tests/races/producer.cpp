@@ -91,7 +91,8 @@ private:
     // A state is published as possible before anything changes, the former ones as impossible once they are
     // gone.
     void Change() {
-        for (auto updates = random() % 4; updates > 1; --updates) {
+        // In WAL mode a reader may miss changes of a file that was re-created under it, whoever reads.
+        for (auto updates = journal == "wal" ? 0 : random() % 4; updates > 1; --updates) {
             published.statistics.newest = ++state;
             Exec(statistics, "UPDATE T SET state = " + std::to_string(state) + ";");
             published.statistics.oldest = state;
