@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <new>
 #include <string>
 
 // Every row of a database has the number of the state in which it was written; numbers only rise.
@@ -27,6 +28,6 @@ struct Published {
                 ? MAP_FAILED
                 : mmap(nullptr, sizeof(Published), PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
         close(descriptor);
-        return mapped != MAP_FAILED ? *static_cast<Published*>(mapped) : throw descriptor;
+        return mapped != MAP_FAILED ? *static_cast<Published*>(mapped) : throw std::bad_alloc();
     }
 };

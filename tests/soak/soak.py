@@ -14,10 +14,10 @@ COMMANDS = [command + RANGE for command in (
     "showfaultfactor SPACE")] + ["datashow TGT_LUMO_HOST_READ" + RANGE + " 5", "showvalidtime", "help"]
 SWITCH = ["switch set on", "switch set off", "switch set on-silent"]
 END = re.compile(r"[123] \((on|on-silent|off)[,)].*\n|")  # the screen of switch get, or that of nobody
-SLACK = {"descriptors": 0, "threads": 0, "KiB": 8192}  # growth of the peak, the last third beside the second
+SLACK = {"descriptors": 0, "threads": 2, "KiB": 8192}  # a handler of the switch may just be ending; growth of the peak, the last third beside the second
 USUAL = re.compile(  # beside such a producer, and what the commands say about the world as it is
     r"is 0x|is \(nil\)|is nullptr|sqlite3_open faild:14|get table faild|suppressed|[Gg]raph anlaysis|new root graph|"
-    r"is not exsist|rstNode|not data finded|already exists|[Gg]et ?[Dd]ata failed|CoveredTime index left|alarm")
+    r"is not exsist|rstNode|not data finded|already exists|[Gg]et ?[Dd]ata failed|get lumodata from|CoveredTime index left|alarm")
 
 
 class Console:
