@@ -1,3 +1,9 @@
+#include <signal.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+
 #include "support/database_test.h"
 
 class Watch : public DatabaseTest {
@@ -49,4 +55,35 @@ TEST_F(Watch, ComesBackWithTheFolder) {
         EXPECT_TRUE(Eventually([&] { return FaultGetDataTimeRange(earliest) == 0 && earliest == number; }));
         number == "1" ? world.Remove(folder) : world.Rename(folder, "/VRA/data/old" + number);
     }
+}
+
+std::atomic<bool> g_isHeld{false};
+std::atomic<bool> g_mayGoOn{false};
+
+// The kernel drops the events that are too many.
+TEST_F(Watch, OpensAnewWhenEventsWereLost) {
+    Start({});
+    world.Remove(LUMO_DATABASE_FILE);
+    ExpectOpenings(1, 1);
+    signal(SIGUSR1, [](int) {
+        for (g_isHeld = true; !g_mayGoOn;) {
+            usleep(1000);
+        }
+    });
+    sigset_t held;
+    sigemptyset(&held);
+    sigaddset(&held, SIGUSR1);
+    pthread_sigmask(SIG_BLOCK, &held, nullptr);
+    kill(getpid(), SIGUSR1);  // for the watcher, the only other thread
+    ASSERT_TRUE(Eventually([] { return g_isHeld.load(); }));
+    int most = 0;
+    std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> most;
+    ASSERT_GT(most, 0);
+    for (int events = 0; events <= most; events += 2) {
+        world.Write(LUMO_DATA_DIRECTORY "other", "");
+        world.Remove(LUMO_DATA_DIRECTORY "other");
+    }
+    world.Statistics({});
+    g_mayGoOn = true;
+    ExpectOpenings(2, 1);
 }

@@ -280,10 +280,13 @@ TEST_F(ErrorCodes, AFailingDatabaseIsNoAnswer) {
 TEST_F(ErrorCodes, ShowsAtMost101Rows) {
     const auto rowsOf = [](size_t count) {
         std::vector<NodeResult> results(count);
+        for (size_t i = 0; i < count; ++i) {
+            results[i].locName = "P" + std::to_string(i);  // of equal points, the first ones are shown
+        }
         ShowErrTypeResult("IORETRY", results);
         const std::string screen = Agent::TakeConsole();
         const bool cut =
-            screen.find("\n101  ") != std::string::npos &&
+            screen.find("\n101  P100 ") != std::string::npos &&
             screen.find("\n(There are too many records to show all information.)\n") != std::string::npos;
         return std::pair(std::count(screen.begin(), screen.end(), '\n'), cut);
     };
