@@ -6,6 +6,7 @@
 #include <random>
 #include <sstream>
 
+#include "fault_common/fault_boundary.h"
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
 #include "fault_common/fault_rate_limiter.h"
@@ -109,6 +110,11 @@ TEST(Time, ABrokenZoneCommandIsAFailureAndNotRemembered) {
 }
 
 constexpr FaultLogSite SITE{"unit.cpp", 77, "Operation"};
+
+TEST(Boundary, EndsWhateverIsThrown) {
+    EXPECT_FALSE(FaultRunGuarded(SITE, [] { throw 7; }));
+    EXPECT_LOGGED("3 unit.cpp Operation: Unexpected error.");
+}
 
 void LogTimes(FaultUsualLimiter& limiter, int times) {
     for (int i = 0; i < times; ++i) {

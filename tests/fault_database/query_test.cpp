@@ -51,6 +51,8 @@ protected:
 TEST_F(Query, HandsTheRowsToTheCallBack) {
     EXPECT_EQ(Run("select 7, 'a' union all select 'b', '';"), 0U);
     EXPECT_EQ(texts, (Lines{"7", "a", "b", ""}));
+    EXPECT_EQ(FaultGetQueryTableCallBack(nullptr, 1, 1, numbers, numbers, texts), 1U);
+    EXPECT_LOGGED("3" + LOG + "FaultGetQueryTableCallBack: DB pointer pResult is null.");
     const auto keepSize = [](char** result, int32_t rowCount, int32_t columnCount, auto& given) -> uint32_t {
         given[result[columnCount + 1]].resize(10 * static_cast<size_t>(rowCount) +
                                               static_cast<size_t>(columnCount));
@@ -78,6 +80,11 @@ TEST_F(Query, GivesUpAfterThirtyFiveAttempts) {
         const std::string line = std::to_string(Agent()->logs.at(1).line);
         const std::string report = "print: 29 messages suppressed." + name + ",line=" + line + ".";
         EXPECT_EQ(Agent::TakeLines(), Lines{"3" + LOG + name + ": " + report} + lines);
+        Agent()->onSleep = [](size_t) { Agent()->jiffies = 2000000; };  // the clock stands
+        for (int query = 0; query < 5; ++query) {
+            Run("select * from missing;", name == FULL_SQL);
+        }
+        EXPECT_EQ(Agent()->Count("donot retry again"), 3U);
     }
 }
 
@@ -198,13 +205,9 @@ TEST_F(Catalogue, CoverIsTheSameForBothCallers) {
         EXPECT_EQ(detector.tables, tables) << begin << ".." << end;
         EXPECT_EQ(Agent::TakeLines(), logged) << begin << ".." << end;
     };
-    const std::tuple<int64_t, int64_t, int, int> covered[] = {{150, 250, 0, 2},
-                                                              {50, 250, 0, 2},
-                                                              {350, 400, 2, 3},
-                                                              {100, 300, 0, 3},
-                                                              {50, 100, 0, 1},
-                                                              {250, 210, 1, 2},
-                                                              {INT64_MIN, INT64_MAX, 0, 3}};
+    const std::tuple<int64_t, int64_t, int, int> covered[] = {
+        {150, 250, 0, 2}, {50, 250, 0, 2},  {350, 400, 2, 3}, {100, 300, 0, 3},
+        {50, 100, 0, 1},  {200, 250, 1, 2}, {250, 210, 1, 2}, {INT64_MIN, INT64_MAX, 0, 3}};
     for (const auto& [begin, end, first, last] : covered) {
         expect(begin, end, Lines(names.begin() + first, names.begin() + last), {});
     }

@@ -105,6 +105,13 @@ TEST_F(Analysis, HealEventsComeFirst) {
                   "time             ioabnType       modulename      infercause\n"
                   "20210803000000   IOHANG          BDM                             \n"
                   "20210803010000   IOERR           POOL            DISK            \n");
+    world.Exec(ZORV_HEAL_DATABASE_FILE, "DROP TABLE fault_heal_event");
+    EXPECT_THAT(Type({"delayanal", DAY_START, DAY_END}), testing::StartsWith(ANALYSIS));
+    Agent::Fail("snprintf_s", -1);
+    EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), "");
+    EXPECT_THAT(Agent::TakeLines(),
+                testing::IsSupersetOf({"4 fault_database.cpp FaultQueryHealEvent: make sql failed.",
+                                       "3 fault_common.cpp TransUtcTimeToLocalTime: snprintf_s failed."}));
 }
 
 TEST_F(Analysis, SaysWhyThereIsNoResult) {
@@ -151,7 +158,9 @@ TEST_F(Analysis, ShowsAGraph) {
     EXPECT_EQ(Type({"showgraph", "mapgraph", DAY_START, DAY_END}), title + Error("type err"));
     world.Config("{}");
     ZorvSmartDiagnoseJsonObjectInit();
-    EXPECT_EQ(Type({"showgraph", "vecob", "-", DAY_START, DAY_END}), title + "\ninner error\n");
+    for (const std::string word : {"mapgraph", "mapnodeinfo", "veclumo", "vecob", "maplumodata"}) {
+        EXPECT_EQ(Type({"showgraph", word, "-", DAY_START, DAY_END}), title + "\ninner error\n");
+    }
 }
 
 std::string Graph(const std::string& nodes, const std::string& edges) {

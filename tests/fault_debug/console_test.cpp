@@ -32,6 +32,11 @@ TEST_F(Console, OffersTenCommands) {
 }
 
 TEST_F(Console, AnswersEveryMistakeAndLives) {
+    const std::string path = getenv("PATH");
+    setenv("PATH", "/nonexistent", 1);  // no command tells the zone
+    EXPECT_EQ(Type({"delaydetect", FROM, TO}), "");
+    EXPECT_EQ(Type({"simudetect", FROM, TO}), Error("input datetime err"));
+    setenv("PATH", path.c_str(), 1);
     const std::pair<Lines, std::string> cases[] = {
         {{"delaydetect", "0"}, Error("date input err")},
         {{"delaydetect", FROM, "2021080316000"}, Error("date input err")},
@@ -42,6 +47,7 @@ TEST_F(Console, AnswersEveryMistakeAndLives) {
         {{"simudetect", "abcdefghijklmn", TO}, INNER},
         {{"simudetect", TO, FROM}, TITLE + "timeStamp               nomalyVal\n"},
         {{"datashow", "\x01\xff\n%s%n", FROM, "2021", "5"}, "\nSmartDiagnose DetectData Show\n"},
+        {{"datashow", "NAS_TRANS_ALL", FROM, TO, "5"}, "\nSmartDiagnose DetectData Show\n"},
         {{"showvalidtime"}, "\t\tThe earliest timestamp that can be diagnosed is " + FROM + ".\n"}};
     Open({{"lumo_data_" + FROM}});
     for (const auto& [words, printed] : cases) {
@@ -94,5 +100,8 @@ TEST(Alarm, IsRaisedThreeTimesInADay) {
         EXPECT_EQ(Agent::TakeLines(), Lines{sent ? sending : refusing}) << seconds;
     }
     EXPECT_EQ(Agent()->alarms.size(), 7U);
+    Agent::Fail("ALM_SendAlarm", 7);
+    FaultDiagRecordAndSendAlarm();
+    EXPECT_LOGGED(sending, "3 fault_debug.cpp FaultDiagRecordAndSendAlarm: Send alarm fail, ret=7.");
     EXPECT_EQ(Agent()->alarms[0], std::tuple(422U, 64437682512U, 1U, "faultDiagnose"));
 }

@@ -245,6 +245,8 @@ TEST_F(ErrorCodes, AnswersEveryMistakeAndLives) {
     }
     Configure({{"ERRCODE_SMB", R"({"nodes": [{}], "edges": [{"source": "x", "target": "1"}]})"}});
     EXPECT_EQ(Type(searches[2]), Error("inner err"));
+    Configure({{"FACTOR_BDM", R"({"nodes": []})"}});
+    EXPECT_EQ(Type({"showfaultfactor", "BDM", FROM, TO}), SEARCH_FAILED);
     Agent()->reply = Bytes(3);
     for (const Lines& words : searches) {
         EXPECT_EQ(Type(words), Error("fault diagnose switch is off"));

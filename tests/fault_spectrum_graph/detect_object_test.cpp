@@ -97,6 +97,7 @@ TEST_F(DetectObject, SaysWhyThereIsNoData) {
     Lines texts;
     char cell[] = "1";
     char* oneColumn[] = {cell, cell};
+    EXPECT_EQ(FaultDetectObject::FaultDetectQueryCallBack(nullptr, 1, 2, unused, unused, texts), 1U);
     EXPECT_THROW(FaultDetectObject::FaultDetectQueryCallBack(oneColumn, 1, 1, unused, unused, texts),
                  std::invalid_argument);
 }

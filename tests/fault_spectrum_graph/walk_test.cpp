@@ -6,7 +6,7 @@
 #include <random>
 
 #include "fault_algorithm/fault_correlation.h"
-#include "fault_spectrum_graph/fault_causality_graph.h"
+#include "fault_spectrum_graph/fault_causality_errcode_graph.h"
 #include "support/recording_agent.h"
 
 namespace {
@@ -212,6 +212,7 @@ TEST(Walk, CoefficientsOfKnownSeries) {
     };
     for (const auto& one : cases) {
         EXPECT_NEAR(WeightCompute(one.a, one.b), one.expected, 1e-12) << one.what;
+        EXPECT_NEAR(WeightCompute(one.b, one.a), one.expected, 1e-12) << one.what;
     }
     EXPECT_EQ(WeightCompute({{1, 1000000}, {2, 1000000}, {3, 1000000}}, {{1, 5}, {2, 9}, {3, 7}}), -1.0);
     // Any other order of the additions and divisions ends in another last bit.
@@ -227,6 +228,21 @@ TEST(Walk, Reductions) {
     EXPECT_EQ(FaultCausalityGraph::AvgSeriesArray({}), 0);
     EXPECT_EQ(FaultCausalityGraph::MaxTimeSeriesArray(series), 8);
     EXPECT_EQ(FaultCausalityGraph::MaxTimeSeriesArray({{1, -5}, {2, -2}}), 0);
+}
+
+TEST(Walk, RefusesWhatTheGraphLacks) {
+    FaultCausalityGraph graph;
+    graph.mapNodeInfo[1].locName = "P";
+    graph.mapLumoData["P"]["avgdelay"] = {{1, 7}};
+    FaultSeries series;
+    EXPECT_EQ(graph.GetSeriesDataArray(1, "avgdelay", series), 0U);
+    EXPECT_EQ(graph.GetSeriesDataArray(1, "maxdelay", series), 1U);
+    EXPECT_EQ(graph.GetSeriesDataArray(2, "avgdelay", series), 1U);
+    EXPECT_EQ(series, (FaultSeries{{1, 7}}));
+    EXPECT_EQ(graph.AddEdge(1, 2, 1.5), 1U);
+    AnomalyPathInfo info;
+    EXPECT_EQ(graph.GetAnomalyResult({}, info), 1U);
+    EXPECT_EQ(FaultCausalityErrCodeGraph().GetOtherErrCodeAvgNum({}, -1), 0);
 }
 
 }  // namespace
