@@ -16,22 +16,16 @@
 #include "host/services/settings.h"
 #include "tests/host/temp_root.h"
 
-// What the host asks the system to put on the disk, in order; null unless a test wants to know.
-static thread_local std::vector<std::string>* g_steps = nullptr;
+// What the calling thread had put on the disk, and renamed, in order.
+static thread_local std::vector<std::string> g_steps;
 
 int fsync(int fd) {
-    if (g_steps != nullptr) {
-        const std::filesystem::path file =
-            std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd));
-        g_steps->push_back(file.filename());
-    }
+    g_steps.push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)).filename());
     return static_cast<int>(syscall(SYS_fsync, fd));
 }
 
 int rename(const char* from, const char* to) noexcept {
-    if (g_steps != nullptr) {
-        g_steps->push_back("rename");
-    }
+    g_steps.emplace_back("rename");
     return renameat(AT_FDCWD, from, AT_FDCWD, to);
 }
 
@@ -78,17 +72,14 @@ TEST_F(HealTest, KeepsOneNumberAndTakesNothingElse) {
 
 // A power failure must find the old content or the new one: contents come first, then names.
 TEST_F(HealTest, WhatCountsIsOnTheDisk) {
-    std::vector<std::string> steps;
-    g_steps = &steps;
-    EXPECT_EQ(Write(1), 0U);
-    EXPECT_EQ(Write(2), 0U);
+    for (const int32_t value : {1, 2}) {
+        EXPECT_EQ(Write(value), 0U);
+    }
     EXPECT_EQ(ALM_SendAlarm(422, 1, 1, "text"), 0U);
-    g_steps = nullptr;
     const std::string top = std::filesystem::path(root.Path()).filename();
-    EXPECT_EQ(steps, (std::vector<std::string>{top, "VRA", "coffer_log", "log", "heal",  // new folders
-                                               "test.ini.tmp", "rename", "data",         //
-                                               "test.ini.tmp", "rename", "data",         //
-                                               "log", "alarms.jsonl"}));
+    EXPECT_EQ(g_steps,
+              (std::vector<std::string>{top, "VRA", "coffer_log", "log", "heal", "test.ini.tmp", "rename",
+                                        "data", "test.ini.tmp", "rename", "data", "log", "alarms.jsonl"}));
 }
 
 TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
