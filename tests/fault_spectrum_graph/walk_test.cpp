@@ -240,6 +240,12 @@ TEST(Walk, RefusesWhatTheGraphLacks) {
     EXPECT_EQ(graph.GetSeriesDataArray(2, "avgdelay", series), 1U);
     EXPECT_EQ(series, (FaultSeries{{1, 7}}));
     EXPECT_EQ(graph.AddEdge(1, 2, 1.5), 1U);
+    EXPECT_EQ(graph.AddEdge(0, 0, -1.0), 0U);
+    NodeBase observation;
+    observation.locName = "P_OB_1";
+    NodeResult result;
+    graph.GetNodeResult(observation, {}, result);
+    EXPECT_EQ(result.endFlag, 1);
     AnomalyPathInfo info;
     EXPECT_EQ(graph.GetAnomalyResult({}, info), 1U);
     EXPECT_EQ(FaultCausalityErrCodeGraph().GetOtherErrCodeAvgNum({}, -1), 0);
