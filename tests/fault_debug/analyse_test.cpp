@@ -149,6 +149,7 @@ TEST_F(Analysis, ShowsAGraph) {
          "\nCausalityGraph mapLumoData\n\nlumoLocName            timestamp   avg\n"
          "\nB                             1627920000  5           \n"
          "\nB                             1627921800  6           \n"},
+        {{"maplumodata", "A"}, "\nCausalityGraph mapLumoData\n\nlumoLocName            timestamp   avg\n"},
         {{"maplumodata", "X"}, "\nCausalityGraph mapLumoData\n\n LUMO Loc(X) not exist !\n"},
         {{"mapgraphs", "-"}, Error("type err")},
     };

@@ -248,6 +248,12 @@ TEST(Walk, RefusesWhatTheGraphLacks) {
     EXPECT_EQ(result.endFlag, 1);
     AnomalyPathInfo info;
     EXPECT_EQ(graph.GetAnomalyResult({}, info), 1U);
+    std::vector<NodeResult> path(2);
+    path[0].coff = 0.0;  // as nodes without errors have it
+    path[1].coff = 0.4;
+    path[1].ioPointid = 7;
+    EXPECT_EQ(graph.GetAnomalyResult(path, info), 0U);
+    EXPECT_EQ(info.anomalyNodeId, 7);
     EXPECT_EQ(FaultCausalityErrCodeGraph().GetOtherErrCodeAvgNum({}, -1), 0);
 }
 
