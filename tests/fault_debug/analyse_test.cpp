@@ -85,6 +85,18 @@ TEST_F(Analysis, FollowsThePlantedDelayOverTwoGraphs) {
     }
 }
 
+TEST_F(Analysis, OnlyTheSwitchOnRaisesTheAlarm) {
+    OpenPlanted("TGT_LUMO_HOST_READ");
+    for (const int32_t value : {2, 3, 1}) {
+        Agent()->reply = Bytes(value);
+        EXPECT_EQ(Type({"delaydetect", DAY_START, DAY_END}),
+                  "\nSmartDiagnose Anomaly Point\n"
+                  "lumoLocName                        anomalyTime               anomalyValue\n"
+                  "TGT_LUMO_HOST_READ                 2021/8/3 0:30:0         9000                \n");
+        EXPECT_EQ(Agent()->alarms.size(), value == 1 ? 1U : 0U);
+    }
+}
+
 TEST_F(Analysis, EveryGraphOfAPointIsAnalysed) {
     OpenPlanted("NAS_TRANS_ALL");
     EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), NO_RESULT + NO_RESULT + NO_RESULT);

@@ -20,7 +20,7 @@ const std::string IDLE = R"({"nodes": [{"id": 0, "label": "IDLE"}], "edges": []}
 // The hosts' errors come from SPACE_B by way of a point that is counted as TGT_READ, and there from the pool.
 const std::string SAN_GRAPH = R"({"nodes": [
     {"id": 1, "label": "TGT_IO_ERRCODE_COMMON", "name": "n1", "info": {"suggestion": "ask the hosts"}},
-    {"id": 2, "label": "TGT_ATOMIC", "name": "n2", "info": {"attr": "automic", "qname": "TGT_READ", "erridx": "-1"}},
+    {"id": 2, "label": "TGT_SPACE_", "name": "n2", "info": {"attr": "automic", "qname": "TGT_READ", "erridx": "-1"}},
     {"id": 3, "label": "SPACE_A", "name": "n3", "info": {"attr": "whole"}},
     {"id": 4, "label": "SPACE_B", "name": "n4", "info": {"attr": "follow,whole,automic", "qname": "TGT_READ",
      "subGraph": "POOL_ERRCODE_READ"}},
@@ -89,14 +89,14 @@ TEST_F(ErrorCodes, ListsThePointsOfAllGraphs) {
         Type({"showallerr", FROM, TO}),
         type("IOERROR", "6") + "No.  " + COLUMNS +
             "1    TGT_IO_ERRCODE_COMMON                               40                  ask the hosts\n"
-            "2    TGT_ATOMIC                                          30                  ---\n"
+            "2    TGT_SPACE_                                          30                  ---\n"
             "3    SPACE_A                                             24                  ---\n"
             "4    POOL_ROOT                                           10                  ---\n"
             "5    SPACE_B                                             10                  ---\n"
             "6    POOL_DEEP                                           8                   look at the "
             "pool\n" +
             SEPARATOR + type("IORETRY", "1") + "No.  " + COLUMNS +
-            "1    TGT_ATOMIC                                          2                   ---\n" + SEPARATOR +
+            "1    TGT_SPACE_                                          2                   ---\n" + SEPARATOR +
             type("IOACCESSDENY", "1") + "No.  " + COLUMNS +
             "1    SPACE_A                                             6                   ---\n" + SEPARATOR);
     EXPECT_THAT(Agent::TakeLines(),
@@ -104,7 +104,7 @@ TEST_F(ErrorCodes, ListsThePointsOfAllGraphs) {
                     {"3 fault_rootcause.cpp SearchErrCodeUpdDataIntoMap: Node already exists, err(IOERROR) "
                      "errNum(24) node(SPACE_A).",
                      "5 fault_rootcause.cpp SearchErrCodeUpdDataIntoMap: Insert data into map, err(IORETRY) "
-                     "errNum(2) node(TGT_ATOMIC).",
+                     "errNum(2) node(TGT_SPACE_).",
                      "4 fault_rootcause.cpp SearchErrCodeDataByLumo: There's not data finded about "
                      "MODULE_SPACE."}));
     std::string nothing;
@@ -156,7 +156,7 @@ TEST_F(ErrorCodes, NamesTheRootCauseOverTwoGraphs) {
         none + none + first +
             "1           TGT_IO_ERRCODE_COMMON                               40                  ask the "
             "hosts\n"
-            "2           TGT_ATOMIC                                          30                  ---\n" +
+            "2           TGT_SPACE_                                          30                  ---\n" +
             space + head("p3", "POOL_ERRCODE_READ") +
             "9           POOL_ROOT                                           10                  ---\n"
             "3           POOL_DEEP                                           8                   look at the "
