@@ -194,6 +194,11 @@ TEST(Walk, AgreesWithAReferenceOnRandomGraphs) {
 
 TEST(Walk, CoefficientsOfKnownSeries) {
     constexpr int64_t BIG = std::numeric_limits<int64_t>::max();
+    FaultSeries ones, squares;
+    for (int64_t time = 0; time < 10; ++time) {
+        ones.push_back({time, 1});
+        squares.push_back({time, time * time});
+    }
     const struct {
         const char* what;
         FaultSeries a, b;
@@ -203,6 +208,7 @@ TEST(Walk, CoefficientsOfKnownSeries) {
         {"negated", {{1, 5}, {2, 9}, {3, 7}}, {{1, -5}, {2, -9}, {3, -7}}, -1.0},
         {"empty", {}, {{1, 5}, {2, 9}}, -1.0},
         {"constant", {{1, 1000000}, {2, 1000000}, {3, 1000000}}, {{1, 5}, {2, 9}, {3, 7}}, -1.0},
+        {"constant, and ten tenths of it are less", ones, squares, -1.0},
         {"one sample", {{1, 5}}, {{1, 9}}, -1.0},
         {"filled by the half-sum", {{10, 100}, {30, 300}}, {{10, 1}, {20, 2}, {30, 3}}, 1.0},
         {"half-sum towards zero", {{1, 0}, {3, -3}}, {{1, 0}, {2, -1}, {3, -3}}, 1.0},
