@@ -81,7 +81,7 @@ class Copy:
         if built:
             run = self.test(fault.preset, fault.tests)
         path.write_text(text)
-        failed = re.findall(r"^\s*\d+ - (\S+ \(\w+\))", run.stdout, re.M)  # with the reason: Failed, Timeout
+        failed = re.findall(r"^\s*\d+ - (\S+ \([\w ]+\))", run.stdout, re.M)  # with the reason: Failed, Timeout
         if built and run.returncode == TESTS_FAILED and failed:
             return True, f"{len(failed)}: {failed[0]}"
         return False, "does not compile" if not built else "SURVIVES" if run.returncode == 0 else run.stdout
