@@ -47,6 +47,9 @@ TEST_F(Console, AnswersEveryMistakeAndLives) {
         {{"simudetect", "abcdefghijklmn", TO}, INNER},
         {{"simudetect", TO, FROM}, TITLE + "timeStamp               nomalyVal\n"},
         {{"datashow", "\x01\xff\n%s%n", FROM, "2021", "5"}, "\nSmartDiagnose DetectData Show\n"},
+        {{"simudetect", FROM}, Error("input err")},
+        {{"datashow", FROM, TO}, Error("input err")},
+        {{"showvalidtime", FROM}, Error("input err")},
         {{"datashow", "NAS_TRANS_ALL", FROM, TO, "5"}, "\nSmartDiagnose DetectData Show\n"},
         {{"showvalidtime"}, "\t\tThe earliest timestamp that can be diagnosed is " + FROM + ".\n"}};
     Open({{"lumo_data_" + FROM}});
@@ -57,6 +60,8 @@ TEST_F(Console, AnswersEveryMistakeAndLives) {
     }
     world.Remove(LUMO_DATABASE_FILE);
     EXPECT_EQ(Type({"showvalidtime"}), INNER);
+    Agent()->reply = Bytes(3);
+    EXPECT_EQ(Type({"simudetect", FROM, TO}), Error("fault diagnose switch is off"));
 }
 
 // The clock stands at 2021-08-04 00:00:00 local time.
