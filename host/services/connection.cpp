@@ -9,6 +9,8 @@
 #include <thread>
 #include <utility>
 
+#include "host/services/interrupt.h"
+
 // Of the library only its byte streams are used. Its messages could be sent once more without our knowledge;
 // and its ipc listener for them, in version 1.5.2, hears nothing more after a connection that is closed at
 // once, such as every second process makes that tries to listen there. Nor does it close a descriptor at
@@ -86,15 +88,28 @@ void Listen(const std::string& address, nng_stream_listener** listener) {
 }  // namespace
 
 Operation::Operation() {
-    Check(nng_aio_alloc(&aio, nullptr, nullptr));
+    Check(nng_aio_alloc(&aio, &Operation::Ended, this));
 }
 
 Operation::~Operation() {
     nng_aio_free(aio);
 }
 
+void Operation::Ended(void* operation) {
+    auto& ended = *static_cast<Operation*>(operation);
+    const std::lock_guard<std::mutex> lock(ended.mutex);
+    ended.hasEnded = true;
+    ended.changed.notify_one();
+}
+
 int Operation::Wait() {
+    std::unique_lock<std::mutex> lock(mutex);
+    if (!WaitUnlessInterrupted(changed, lock, Moment::max(), [this] { return hasEnded; })) {
+        nng_aio_cancel(aio);
+    }
+    lock.unlock();
     nng_aio_wait(aio);
+    hasEnded = false;  // nobody else looks until the next operation begins
     return nng_aio_result(aio);
 }
 

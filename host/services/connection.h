@@ -2,7 +2,9 @@
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <string>
 
@@ -30,10 +32,16 @@ public:
 
     nng_aio* Get() const { return aio; }
 
-    // Blocks until the operation that was begun ends. Returns the library's error, or 0.
+    // Blocks until the operation that was begun ends; when the command that the calling thread runs is
+    // interrupted, the operation ends soon. Returns the library's error, or 0.
     int Wait();
 
 private:
+    static void Ended(void* operation);
+
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool hasEnded = false;
     nng_aio* aio = nullptr;
 };
 

@@ -1,10 +1,15 @@
 #include "host/services/interrupt.h"
 
+#include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <thread>
 
 namespace {
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds SLICE{20};
+
 std::atomic<bool> g_interrupted{false};
 static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler");
 
@@ -43,10 +48,13 @@ bool IsFirstWaitOfCommand() {
     return isFirst;
 }
 
+Clock::time_point NextLook(Clock::time_point end) {
+    return g_runsCommand ? std::min(end, Clock::now() + SLICE) : end;
+}
+
 void SleepUnlessInterrupted(std::chrono::milliseconds duration) {
-    using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + duration;
-    for (auto now = Clock::now(); now < end && !Interrupted(); now = Clock::now()) {
-        std::this_thread::sleep_until(g_runsCommand ? std::min(end, now + INTERRUPT_SLICE) : end);
+    while (Clock::now() < end && !Interrupted()) {
+        std::this_thread::sleep_until(NextLook(end));
     }
 }

@@ -1,7 +1,6 @@
 // Ending the work of a command early, when its operator types Ctrl-C.
 #pragma once
 
-#include <algorithm>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -30,8 +29,9 @@ bool IsFirstWaitOfCommand();
 // Blocks for `duration`, or until the command that the calling thread runs is interrupted.
 void SleepUnlessInterrupted(std::chrono::milliseconds duration);
 
-// How late a wait hears of an interrupt: a signal's handler can wake no condition variable.
-constexpr std::chrono::milliseconds INTERRUPT_SLICE{20};
+// When a wait until `end`, which begins now, has to look whether it is interrupted: a signal's handler can
+// wake no condition variable. At `end`, where the calling thread runs no command.
+std::chrono::steady_clock::time_point NextLook(std::chrono::steady_clock::time_point end);
 
 // Waits like changed.wait_until(lock, end, condition), and ends early when the command that the calling
 // thread runs is interrupted. Returns the condition's last value.
@@ -39,9 +39,8 @@ template <typename Condition>
 bool WaitUnlessInterrupted(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
                            std::chrono::steady_clock::time_point end, Condition condition) {
     bool holds = condition();
-    for (auto now = std::chrono::steady_clock::now(); !holds && now < end && !Interrupted();
-         now = std::chrono::steady_clock::now()) {
-        holds = changed.wait_until(lock, std::min(end, now + INTERRUPT_SLICE), condition);
+    while (!holds && std::chrono::steady_clock::now() < end && !Interrupted()) {
+        holds = changed.wait_until(lock, NextLook(end), condition);
     }
     return holds;
 }

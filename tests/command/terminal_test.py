@@ -5,6 +5,7 @@ import os
 import pty
 import select
 import signal
+import socket
 import sqlite3
 import struct
 import termios
@@ -27,7 +28,7 @@ def graph(*points, edges=()):
 
 
 class Terminal:
-    def __init__(self, root, rows=24, columns=80, closed=None, **variables):
+    def __init__(self, root, *arguments, rows=24, columns=80, closed=None, **variables):
         usual = {**os.environ, "TERM": "xterm", "NO_COLOR": "1", "ZORV_LOCAL_HISTFILE": ""}
         environment = {name: value for name, value in {**usual, **variables}.items() if value is not None}
         self.pid, self.file = pty.fork()
@@ -35,7 +36,7 @@ class Terminal:
             if closed == "stdout":
                 os.close(1)
             self.resize(rows, columns, file=0)
-            os.execve(BIN / "zorv-local", ["zorv-local", "--root", root], environment)
+            os.execve(BIN / "zorv-local", ["zorv-local", "--root", root, *arguments], environment)
         self.screen, self.seen = "", 0
         self.until("zorv>")
 
@@ -167,6 +168,21 @@ class OnTerminal(ConsoleTest):
         self.assertFalse(terminal.read(1), terminal.screen[terminal.seen:])
         self.assertIn("zorv-local: interrupted: ", terminal.type(CTRL_C, seconds=1.5))
         self.assertEqual(terminal.leave("quit\r"), 0)
+
+    def test_interrupt_ends_the_wait_for_a_silent_master(self):
+        silent, nodes = socket.socket(socket.AF_UNIX), self.root / "nodes"
+        silent.bind(str(self.root / "silent"))
+        silent.listen()
+        self.addCleanup(silent.close)
+        nodes.write_text(f"1 ipc://{self.root}/own\n2 ipc://{self.root}/silent\n")
+        terminal = Terminal(self.root, "--master", "2", "--cluster", str(nodes))
+        for command in ("switch get", "status"):
+            terminal.type(command + "\r", "\r\n")
+            connection, _ = silent.accept()
+            self.assertIn("zorv-local: interrupted: ", terminal.type(CTRL_C, seconds=1.5))  # of three
+            connection.close()
+        self.assertIn("node 2, which keeps the switch, did not answer", terminal.type("switch get\r"))
+        self.assertEqual(terminal.leave(), 0)
 
     def test_interrupt_ends_a_single_command(self):
         self.statistics(SOUND)
