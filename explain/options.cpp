@@ -16,7 +16,8 @@ START and END are local times, at most two days apart: 20230105103000, now, -30m
 yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time up to now. Without --point,
 every point that the detector flags in the range is explained.
 
-Exit status: 0 answered, 1 nothing anomalous, 2 wrong usage, 3 no data or no configuration, 4 cannot tell.
+Exit status: 0 answered, 1 nothing anomalous, 2 wrong usage, 3 no data or no configuration, 4 cannot tell,
+130 (in a shell) ended with Ctrl-C.
 
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
@@ -40,7 +41,7 @@ void Declare(CLI::App& app, Options& options) {
     app.add_flag("--json", options.json, "Print JSON");
     app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
     app.add_option("--log", options.log, "Append the log to this file; default: no log")->type_name("FILE");
-    app.add_option("TIMES", options.times, "START END, or MINUTES")->required()->expected(1, 4);
+    app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
 
 }  // namespace
@@ -50,6 +51,9 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     Declare(app, options);
     try {
         app.parse(argc, argv);
+        if (options.times.empty()) {
+            throw CLI::RequiredError("START END, or MINUTES,");
+        }
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::Error& error) {

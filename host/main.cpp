@@ -45,13 +45,17 @@ std::string CheckedRoot(const std::string& root) {
     return std::filesystem::absolute(root).lexically_normal();
 }
 
-// The root of a capture, which is then to be kept.
-std::string CapturedRoot(const Options& options, std::optional<Capture>& capture) {
+// The capture is then to be kept.
+void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSettings& settings) {
     capture.emplace(*options.capture, options.emptyHeal);
+    settings.root = capture->Root();
+    settings.capture = capture->Directory();
     for (const std::string& note : capture->Notes()) {
         std::fprintf(stderr, "zorv-local: %s\n", Printable(note).c_str());
     }
-    return capture->Root();
+    std::fprintf(stderr,
+                 "zorv-local: nothing changes in %s: switch and alarms are kept until this program ends\n",
+                 Printable(settings.capture).c_str());
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
@@ -60,7 +64,7 @@ void SetUpServices(const Options& options, std::optional<Capture>& capture) {
     }
     HostSettings settings;
     if (options.capture.has_value()) {
-        settings.root = CapturedRoot(options, capture);
+        OpenCapture(options, capture, settings);
     } else if (options.root.has_value()) {
         settings.root = CheckedRoot(*options.root);
     }

@@ -14,12 +14,12 @@ constexpr const char* DESCRIPTION =
 
 constexpr const char* EXAMPLES = R"(
 COMMAND is run with its ARGS, which may begin with '-'. Without a command there is a console on a terminal;
-otherwise command lines are read from standard input. Where a command takes START and END these are local times:
-20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
+otherwise command lines are read from standard input. Where a command takes START and END these are local
+times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
-Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage,
-3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or the capture
-cannot be used, 130 (in a shell) ended with Ctrl-C.
+Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage, 3 the plug-in
+could not be loaded, the root or the log is not there, the cluster cannot be joined, or the capture cannot be
+used, 130 (in a shell) ended with Ctrl-C.
 "explain" as COMMAND hands the exit status of zorv-explain on.
 
 On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.

@@ -63,7 +63,8 @@ std::string Size(int64_t bytes) {
 }
 
 // Only stat(): to open and close a database file would drop SQLite's locks on it.
-void PrintFile(const char* name, const std::string& path) {
+void PrintFile(const char* name, const char* fixedPath) {
+    const std::string path = GivenPath(fixedPath);
     PrintRow(name, Printable(path));
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
@@ -106,7 +107,7 @@ std::string EarliestTime() {
 }
 
 void PrintConfiguration() {
-    PrintFile("configuration", RootedPath(ZORV_ROUTE_CONFIG_FILE));
+    PrintFile("configuration", ZORV_ROUTE_CONFIG_FILE);
     const RouteFile& file = CurrentRouteFile();
     if (!file.problem.empty()) {
         PrintRow("", "not read: " + file.problem);
@@ -145,9 +146,9 @@ void RunStatusCommand(const Words& words) {
         throw UsageError("usage: status");
     }
     PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
-    PrintFile("statistics", RootedPath(LUMO_DATABASE_FILE));
+    PrintFile("statistics", LUMO_DATABASE_FILE);
     PrintRow("earliest time", Printable(EarliestTime()));
-    PrintFile("heal events", RootedPath(ZORV_HEAL_DATABASE_FILE));
+    PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
     PrintConfiguration();
     PrintRow("switch", SwitchAndItsOrigin());
     PrintRow("alarms", Alarms());

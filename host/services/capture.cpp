@@ -8,6 +8,7 @@
 
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
+#include "host/services/alarm.h"
 
 namespace {
 namespace fs = std::filesystem;
@@ -51,6 +52,7 @@ public:
             TakeIn(database);
         }
         LinkIfThere(FAULT_DIAG_SWITCH_FILE);
+        CopyIfThere(ALARM_FILE);
         if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
             notes.push_back(
                 directory + ZORV_ROUTE_CONFIG_FILE +
@@ -110,6 +112,14 @@ private:
             fs::create_symlink(directory + path, PlaceFor(path));
         }
         return isThere;
+    }
+
+    // Of a file that is appended to.
+    void CopyIfThere(const char* path) const {
+        std::error_code ignored;
+        if (fs::is_regular_file(directory + path, ignored)) {
+            CopyFile(directory + path, PlaceFor(path));
+        }
     }
 
     // Where a file of the capture belongs in the root; its directory is there.

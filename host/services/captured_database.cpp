@@ -119,6 +119,8 @@ void CheckSpace(const CapturedDatabase& database, const std::string& directory) 
     }
 }
 
+}  // namespace
+
 void CopyFile(const std::string& from, const std::string& to) {
     std::error_code error;
     fs::copy_file(from, to, error);
@@ -130,7 +132,6 @@ void CopyFile(const std::string& from, const std::string& to) {
                            ". Name another place with TMPDIR.");
     }
 }
-}  // namespace
 
 CapturedDatabase LookAtDatabase(const std::string& path) {
     CapturedDatabase database;

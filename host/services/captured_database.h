@@ -32,6 +32,9 @@ struct CapturedDatabase {
 // which would drop the locks of SQLite in this process: call it before the first connection is opened.
 CapturedDatabase LookAtDatabase(const std::string& path);
 
+// Copies the file `from` to `to`, which is then for its owner to read and write. Throws CaptureError.
+void CopyFile(const std::string& from, const std::string& to);
+
 // Copies the database and the files beside it to `path`. Returns the number of bytes. Throws CaptureError,
 // when there is no space among others.
 uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path);

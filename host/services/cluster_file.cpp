@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <charconv>
+#include <cstring>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -92,8 +94,10 @@ void TakeLine(const std::string& line, NodeAddresses& nodes) {
 
 NodeAddresses ReadClusterFile(const std::string& file, const std::vector<uint32_t>& required) {
     std::string content;
+    errno = 0;
     if (!ReadSmallFile(file, LARGEST_FILE, content)) {
-        throw std::runtime_error("the cluster file '" + file + "' cannot be read");
+        throw std::runtime_error("the cluster file '" + file + "' cannot be read: " +
+                                 (errno == 0 ? "it is no file of 1 MiB at most" : std::strerror(errno)));
     }
     NodeAddresses nodes;
     std::istringstream lines(content);

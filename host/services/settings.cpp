@@ -20,3 +20,8 @@ const HostSettings& GetHostSettings() {
 std::string RootedPath(const std::string& path) {
     return GetHostSettings().root + path;
 }
+
+std::string GivenPath(const std::string& path) {
+    const HostSettings& settings = GetHostSettings();
+    return (settings.capture.empty() ? settings.root : settings.capture) + path;
+}

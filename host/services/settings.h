@@ -7,6 +7,7 @@
 
 struct HostSettings {
     std::string root;     // a directory that stands before every fixed path; empty: none
+    std::string capture;  // the directory that `root` stands for, in which nothing may change; empty: none
     uint32_t node = 1;    // this node's id
     uint32_t master = 1;  // the id of the cluster's master node
     std::chrono::milliseconds messageDeadline{3000};  // how long a request waits for its answer
@@ -20,3 +21,6 @@ const HostSettings& GetHostSettings();
 
 // `path` as it is found under the root.
 std::string RootedPath(const std::string& path);
+
+// The same as the operator knows it: in a capture's own directory. To look at, never to write.
+std::string GivenPath(const std::string& path);

@@ -110,6 +110,18 @@ class Capture(ConsoleTest):
                 explained, _, explanation = self.run_program("zorv-explain", *arguments, *RANGE.split())
                 self.assertEqual((explained, said in err, said in explanation), (3 if damage == config.unlink else expected, True, True), err)
 
+    def test_status_and_alarms(self):
+        self.seize(WAL)
+        os.utime(self.database, (0, 0))
+        alarms = self.capture / "VRA/coffer_log/log/alarm/alarms.jsonl"
+        alarms.parent.mkdir(parents=True)
+        alarms.write_text('{"alarmId": 64437682512, "module": 1, "node": 1, "text": "x", "time": 1, "type": 1}\n')
+        alarms.chmod(0o400)
+        _, out, err = self.run_program("zorv-local", "--capture", self.capture,
+                                       lines=f"switch set on\ndelaydetect {RANGE}\nalarms\nstatus\n")
+        self.assertEqual(out.count("0xF00C90150"), 2, err)
+        self.assertRegex(out, f"statistics     {self.database}\n.*, changed 1970-01-01 08:00:00, ")
+
     def test_the_temporary_root_goes_with_the_process(self):
         self.seize(WAL)
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGKILL):
