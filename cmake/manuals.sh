@@ -35,11 +35,14 @@ for program in "${programs[@]}"; do
         printf '.BR %s (1),\n' "${programs[@]}" | grep -v " $program "
         printf '.BR route_config (5)\n'
     } >"$scratch/more"
-    help2man --no-info --include "$scratch/more" --output "$output/$program.1" "$bin/$program"
+    # The first line: those of the libraries are the ones of the machine that builds.
+    version=$("$bin/$program" --version | head -n 1)
+    help2man --no-info --version-string "$version" --include "$scratch/more" --output "$output/$program.1" "$bin/$program"
 done
 
 {
-    printf '# Route configuration\n\nThe causality graphs that the diagnosis walks: /VRA/zorv/conf/route_config.json.\n'
+    printf '# NAME\n\nroute_config - the causality graphs that the diagnosis walks\n\n# DESCRIPTION\n\n'
+    printf 'The file is /VRA/zorv/conf/route_config.json.\n'
     sed -n '/^## Route configuration/,/^## /p' "$source/docs/file-formats.md" | sed -e '/^## /d'
 } | lowdown -s -tman -M title=ROUTE_CONFIG -M section=5 -M date= -o "$output/route_config.5"
 
@@ -48,7 +51,7 @@ done
     printf '# Made by cmake/manuals.sh from the programs'"'"' own help.\ndeclare -gA _zorv_options=(\n'
     for program in "${programs[@]}"; do
         printf '  [%s]="%s"\n' "$program" \
-            "$("$bin/$program" --help | sed -nE 's/^  (-.,)?(--[a-z-]+) ?([A-Z]*).*/\2:\3/p' | paste -sd ' ')"
+            "$("$bin/$program" --help | sed -nE 's/^ +(-.,)?(--[a-z-]+)( ([A-Z]+)(hhmmss)?([ =].*|$)|.*)$/\2:\4/p' | paste -sd ' ')"
     done
     printf ')\n_zorv_commands="%s"\n' "$(paste -sd ' ' <<<"$names")"
     printf '_zorv_scenarios="%s"\n\n' "$("$bin/lumo-sim" --list | cut -d ' ' -f 1 | paste -sd ' ')"

@@ -24,7 +24,7 @@ Examples:
   zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
-  zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at 20230105113000 START END
+  zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at -20m 60  one point, slow 20 minutes ago
 )";
 
 void Declare(CLI::App& app, Options& options) {

@@ -27,17 +27,17 @@ Environment: ZORV_LOCAL_HISTFILE names the file of the history (empty: none; def
 XDG_STATE_HOME or ~/.local/state), NO_COLOR turns colours off.
 
 Examples:
-  zorv-local --root /tmp/world                     a console over the files below /tmp/world
-  zorv-local --root /tmp/world help                lists the commands
-  zorv-local --root /tmp/world delaydetect 60      looks for delay faults in the last hour
-  zorv-local --root /tmp/world delaydetect -2h now looks for them in the last two hours
-  zorv-local --root /tmp/world explain 60          tells where the extra delay of slow points went
-  zorv-local --capture /tmp/node1 --zone +0800     a console over a copy of a node's files, none is changed
-  zorv-local --root /tmp/world switch set off      turns fault diagnosis off
-  zorv-local --root /tmp/world < commands.txt      runs the command lines of a file
-  zorv-local --node 2 --master 1 --cluster nodes   a node of a cluster; the file "nodes" may be
-      1 ipc:///run/zorv/one.socket
-      2 tcp://127.0.0.1:7002
+  zorv-local --root /tmp/world                      a console over the files below /tmp/world
+  zorv-local --root /tmp/world help                 lists the commands
+  zorv-local --root /tmp/world delaydetect 60       looks for delay faults in the last hour
+  zorv-local --root /tmp/world delaydetect -2h now  looks for them in the last two hours
+  zorv-local --root /tmp/world explain 60           tells where the extra delay of slow points went
+  zorv-local --capture /tmp/node1 --zone +0800      a console over a copy of a node's files, none is changed
+  zorv-local --root /tmp/world switch set off       turns fault diagnosis off
+  zorv-local --root /tmp/world < commands.txt       runs the command lines of a file
+  zorv-local --node 2 --master 1 --cluster nodes    a node of a cluster, for a file "nodes" with the lines
+                                                    1 ipc:///run/zorv/one.socket
+                                                    2 tcp://127.0.0.1:7002
 )";
 
 const std::map<std::string, uint32_t> LEVELS = {

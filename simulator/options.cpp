@@ -18,12 +18,13 @@ constexpr char DESCRIPTION[] =
 
 constexpr char EXAMPLES[] =
     "Examples:\n"
-    "  lumo-sim --root /tmp/world\n"
-    "  lumo-sim --root /tmp/world --scenario nas-slow --seed 7\n"
-    "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY\n"
-    "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000\n"
-    "  lumo-sim --root /tmp/world --live --step 1\n"
-    "  lumo-sim --root /tmp/world --live --speed 120 --for 1800 --fault-after 600 --recreate 900\n"
+    "  lumo-sim --root /tmp/world  the last four hours, with a slow disk\n"
+    "  lumo-sim --root /tmp/world --scenario nas-slow --seed 7  another fault, other noise\n"
+    "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY  errors of another type\n"
+    "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000  two days of 2023\n"
+    "  lumo-sim --root /tmp/world --live --step 1  goes on, with samples every second\n"
+    "  lumo-sim --root /tmp/world --live --speed 120 --for 1800 --fault-after 600  half an hour in 15 "
+    "seconds\n"
     "\n";
 
 constexpr char EXIT_STATUS[] = "Exit status: 0 written, or stopped; 1 a file cannot be written; 2 bad usage.";
