@@ -23,9 +23,11 @@
 #include "fault_spectrum_graph/fault_json_object.h"
 #include "host/services/capture.h"
 #include "host/services/files.h"
+#include "host/services/interrupt.h"
 #include "host/services/local_time.h"
 #include "host/services/log.h"
 #include "host/services/settings.h"
+#include "host/services/statements.h"
 #include "host/services/text.h"
 #include "host/services/time_words.h"
 
@@ -220,6 +222,8 @@ ExitStatus Run(const Options& options, const std::vector<std::string>& arguments
     }
     const Request request = RequestOf(options);  // before a large capture is copied for nothing
     const std::unique_ptr<Capture> capture = SetUpServices(options);
+    WatchStatements();
+    const CommandRun run;  // so a wait for a locked database is told
     const Report report = MakeReport(options, request, arguments);
     const std::string text = options.json ? JsonReport(report) : TextReport(report);
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {

@@ -1,5 +1,6 @@
 #include "agent/agent_time.h"
 
+#include <cerrno>
 #include <chrono>
 #include <ctime>
 #include <limits>
@@ -20,8 +21,8 @@ constexpr int64_t SECONDS_OF_CYCLE = int64_t{146097} * 86400;
 // A command that waits in silence looks as if it hung.
 void TellWhyItWaits() {
     const std::string reason = FailedStatements();
-    PrintErrorLines("zorv-local: waiting to try again" + (reason.empty() ? "" : ": " + Printable(reason)) +
-                    " (Ctrl-C stops)\n");
+    PrintErrorLines(std::string(program_invocation_short_name) + ": waiting to try again" +
+                    (reason.empty() ? "" : ": " + Printable(reason)) + " (Ctrl-C stops)\n");
 }
 }  // namespace
 

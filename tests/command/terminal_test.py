@@ -149,6 +149,7 @@ class OnTerminal(ConsoleTest):
 
     def test_interrupt_ends_a_wait_and_not_the_session(self):
         self.statistics(SOUND)
+        self.configure(A=graph("X"))
         writer, terminal = self.lock(), Terminal(self.root)
         waiting = "zorv-local: waiting to try again: lumo_diagnose_data.db: database is locked (Ctrl-C stops)\r\n"
         for command in (f"delaydetect {RANGE}", "showvalidtime"):
@@ -156,6 +157,8 @@ class OnTerminal(ConsoleTest):
             screen = terminal.type(CTRL_C + CTRL_C, seconds=1.5)  # the next attempt alone is two seconds away
             self.assertIn("zorv-local: interrupted: ", screen)
             self.assertNotIn("[error]", screen)
+        terminal.type(f"explain {RANGE}\r", "zorv-explain: waiting to try again: lumo_diagnose_data.db: database is locked")
+        self.assertIn("zorv-local: interrupted: ", terminal.type(CTRL_C, seconds=1.5))
         writer.execute("rollback")
         self.assertIn(FOUND, terminal.type(f"delaydetect {RANGE}\r"))
 
