@@ -55,7 +55,7 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
     }
     std::fprintf(stderr,
                  "zorv-local: nothing changes in %s: switch and alarms are kept until this program ends\n",
-                 Printable(settings.capture).c_str());
+                 Printable(capture->Directory()).c_str());
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {

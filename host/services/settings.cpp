@@ -23,5 +23,5 @@ std::string RootedPath(const std::string& path) {
 
 std::string GivenPath(const std::string& path) {
     const HostSettings& settings = GetHostSettings();
-    return (settings.capture.empty() ? settings.root : settings.capture) + path;
+    return settings.capture.value_or(settings.root) + path;
 }

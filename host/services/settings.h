@@ -3,14 +3,16 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 struct HostSettings {
     std::string root;     // a directory that stands before every fixed path; empty: none
-    std::string capture;  // the directory that `root` stands for, in which nothing may change; empty: none
     uint32_t node = 1;    // this node's id
     uint32_t master = 1;  // the id of the cluster's master node
     std::chrono::milliseconds messageDeadline{3000};  // how long a request waits for its answer
+    // The capture that `root` stands for, a directory in which nothing may change.
+    std::optional<std::string> capture = std::nullopt;
 };
 
 // Replaces the settings (at first the defaults). Not thread-safe: call it before other threads use a service.
