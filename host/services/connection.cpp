@@ -87,8 +87,9 @@ void Listen(const std::string& address, nng_stream_listener** listener) {
 }
 }  // namespace
 
-Operation::Operation() {
-    Check(nng_aio_alloc(&aio, &Operation::Ended, this));
+// The library calls back on a thread of its own, which takes its time: only where somebody has to hear of it.
+Operation::Operation() : isInterruptible(RunsCommand()) {
+    Check(nng_aio_alloc(&aio, isInterruptible ? &Operation::Ended : nullptr, this));
 }
 
 Operation::~Operation() {
@@ -103,11 +104,12 @@ void Operation::Ended(void* operation) {
 }
 
 int Operation::Wait() {
-    std::unique_lock<std::mutex> lock(mutex);
-    if (!WaitUnlessInterrupted(changed, lock, Moment::max(), [this] { return hasEnded; })) {
-        nng_aio_cancel(aio);
+    if (isInterruptible) {
+        std::unique_lock<std::mutex> lock(mutex);
+        if (!WaitUnlessInterrupted(changed, lock, Moment::max(), [this] { return hasEnded; })) {
+            nng_aio_cancel(aio);
+        }
     }
-    lock.unlock();
     nng_aio_wait(aio);
     hasEnded = false;  // nobody else looks until the next operation begins
     return nng_aio_result(aio);

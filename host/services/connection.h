@@ -22,7 +22,7 @@ public:
     NoFrame() : std::runtime_error("what it sent is no message of a node") {}
 };
 
-// One operation of the library at a time, and what came of it.
+// One operation of the library at a time, and what came of it. For the thread that makes it.
 class Operation {
 public:
     Operation();
@@ -39,6 +39,7 @@ public:
 private:
     static void Ended(void* operation);
 
+    const bool isInterruptible;
     std::mutex mutex;
     std::condition_variable changed;
     bool hasEnded = false;

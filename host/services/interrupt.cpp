@@ -38,6 +38,10 @@ CommandRun::~CommandRun() {
     g_runsCommand = false;
 }
 
+bool RunsCommand() {
+    return g_runsCommand;
+}
+
 bool Interrupted() {
     return g_runsCommand && g_interrupted;
 }

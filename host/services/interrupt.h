@@ -19,6 +19,9 @@ public:
     CommandRun& operator=(const CommandRun&) = delete;
 };
 
+// Whether the calling thread runs a command, which may be interrupted.
+bool RunsCommand();
+
 // Whether the calling thread runs a command that was interrupted: it is to end soon, in any way that it has.
 // False on every other thread, whose work goes on. Does not block.
 bool Interrupted();
