@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include <clocale>
@@ -144,6 +145,7 @@ int main(int argc, char** argv) {
     OccupyStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);
     std::setlocale(LC_CTYPE, "");
+    sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);  // nobody asks, and each allocation would take a lock for it
     Options options;
     if (const std::optional<int> status = ParseOptions(argc, argv, options)) {
         return *status;
