@@ -1,105 +1,130 @@
 #!/usr/bin/env python3
-"""soak.py [SECONDS [SEED]]: one console runs on while its world is written again and again, the statistics are deleted,
-and consoles beside it turn the switch and are killed. Answers are right or, beside a deletion, those of missing data."""
-import os, random, re, subprocess, sys, tempfile, threading, time
+"""soak.py [SECONDS [SEED]]: the consoles of nodes 1 and 2 run on while their live worlds grow, are re-created, end and begin
+anew, and others are killed: consoles beside them, and node 3, which keeps the switch. Answers are right, always on node 2,
+whose database is replaced by renaming; beside a deletion node 1 may answer as if data were missing."""
+import json, math, os, random, re, signal, subprocess, sys, tempfile, threading, time
 from pathlib import Path
 
-BIN = Path(os.environ["SMARTDIAGNOSE_BIN"])
+BIN = Path(os.environ.get("SMARTDIAGNOSE_BIN", Path(__file__).resolve().parents[2] / "build/dev/bin"))
+os.environ["TZ"] = "CST-8"
 SECONDS = int((sys.argv[1:] or ["600"])[0])
 SEED = int((sys.argv[2:] or [time.time_ns() % 10**6])[0])
-RANGE = " 20230105103000 20230105143000"
-COMMANDS = [command + RANGE for command in (
-    "delaydetect", "simudetect", "delayanal", "explain", "showallerr", "errcodeshow IOERROR ALL", "errcodeshowall",
-    "showgraph mapgraph TGT_LUMO_HOST_READ", "showgraph maplumodata TGT_LUMO_HOST_READ",
-    "showfaultfactor SPACE")] + ["datashow TGT_LUMO_HOST_READ" + RANGE + " 5", "showvalidtime", "help"]
-SWITCH = ["switch set on", "switch set off", "switch set on-silent"]
-END = re.compile(r"[123] \((on|on-silent|off)[,)].*\n|")  # the screen of switch get, or that of nobody
-SLACK = {"descriptors": 0, "threads": 2, "KiB": 8192}  # a handler of the switch may just be ending; growth of the peak, the last third beside the second
-USUAL = re.compile(  # beside such a producer, and what the commands say about the world as it is
+EPOCH, SPEED = 40, 180  # seconds that a world is asked about, and how fast it goes: three of its seven hours
+RANGE, POINT = " 20230105143000 20230105144500", " TGT_LUMO_HOST_READ"  # of the planted fault
+GROWING = f"showgraph maplumodata{POINT} 20230105133000 20230106143000"
+GUARDED = [command + RANGE for command in (
+    "simudetect", "delayanal", "showallerr", "errcodeshow IORETRY ALL", "errcodeshowall", "showfaultfactor BDM")]
+COMMANDS = GUARDED + [command + RANGE for command in (
+    "delaydetect", "explain", "showgraph mapgraph" + POINT, "showgraph maplumodata" + POINT)]
+SWITCH = {"on": "1 (on)", "on-silent": "2 (on-silent)", "off": "3 (off)"}
+OFF, SILENCE, MARK = "\t\t[ERROR]: fault diagnose switch is off\n", "did not answer", "quit: leave; so does Ctrl-D.\n"
+SLACK = {"descriptors": 16, "threads": 2, "KiB": 8192}  # what may just be ending; growth of the last third's peak
+USUAL = re.compile(  # beside such producers and nodes, and what the commands say about the world as it is
     r"is 0x|is \(nil\)|is nullptr|sqlite3_open faild:14|get table faild|suppressed|[Gg]raph anlaysis|new root graph|"
-    r"is not exsist|rstNode|not data finded|already exists|[Gg]et ?[Dd]ata failed|get lumodata from|CoveredTime index left|alarm")
+    r"not exsist|rstNode|not data finded|[Gg]et ?[Dd]ata failed|get lumodata from|CoveredTime index left|alarm|"
+    r"node 3 did not answer|master node fail")
+PIPE = {"text": True, "stdout": subprocess.PIPE}
+chance, faults, measures, begin = random.Random(SEED), [], {1: [], 2: []}, time.monotonic()
+counts = dict.fromkeys(("re-creations", "right", "excused", "masters killed", "consoles killed"), 0)
 
+class Node(subprocess.Popen):
+    def __init__(self, root, number):
+        options = "--root", root / str(number), "--log", root / f"log{number}", "--cluster", root / "nodes", "--master", "3"
+        super().__init__([BIN / "zorv-local", *options, "--node", str(number)], stdin=subprocess.PIPE,
+                         stderr=subprocess.STDOUT, **PIPE)
+        self.say("")  # until it has started
 
-class Console:
-    def __init__(self, root):
-        self.process = subprocess.Popen([BIN / "zorv-local", "--root", root, "--log", root / "log"], text=True,
-                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
-
-    def answer(self, command):
-        print(command, "switch get", sep="\n", file=self.process.stdin, flush=True)
-        lines = [self.process.stdout.readline()]
-        while not END.fullmatch(lines[-1]):
-            lines.append(self.process.stdout.readline())
-        return "".join(lines[:-1])
-
+    def say(self, command):
+        print(command, "help quit", sep="\n", file=self.stdin, flush=True)
+        lines = list(iter(lambda: self.stdout.readline() or MARK, MARK))
+        return "".join(line for line in lines if not line.startswith(("zorv-local: waiting to try again", "alarm 0x")))
     def measure(self):
-        proc = Path("/proc", str(self.process.pid))
-        return dict(zip(SLACK, (len(os.listdir(proc / "fd")), len(os.listdir(proc / "task")),
-                                int(re.search(r"VmRSS:\s*(\d+)", (proc / "status").read_text())[1]))))
+        fd, task, memory = (Path(f"/proc/{self.pid}", name) for name in ("fd", "task", "statm"))
+        return len(os.listdir(fd)), len(os.listdir(task)), int(memory.read_text().split()[1]) * 4
 
+class World(subprocess.Popen):
+    """What node 1 or 2 diagnoses; `recreated` is when its database was there again, endless while it is not."""
+    def __init__(self, root, *options):
+        options += "--end", "20230105143000", "--fault-after", "300", "--period", "600", "--for", "86400", "--hours", "7"
+        super().__init__([BIN / "lumo-sim", "--root", root, "--live", "--speed", str(SPEED), *options], **PIPE)
+        expect(any("new table lumo_data_20230105145" in line for line in self.stdout), "lumo-sim", "ended")
+        self.recreated = 0.0
+        threading.Thread(target=self.listen, daemon=True).start()
+    def listen(self):
+        for _ in filter(re.compile("re-created").search, self.stdout):
+            self.recreated = time.monotonic()
+            counts["re-creations"] += 1
+
+def expect(is_right, what, screen):
+    faults.extend([] if is_right else [f"{time.monotonic() - begin:.1f} s, {what}:\n{screen[:2000]}"])
+
+def once(root, command):
+    return subprocess.Popen([BIN / "zorv-local", "--root", root, *command.split()], stderr=subprocess.DEVNULL, **PIPE)
+
+def turn_switch(root, nodes, value):
+    """Turns it on one node and asks another; the master may be killed meanwhile. Returns what it is now."""
+    wanted, (setter, reader), is_killed = chance.choice(list(SWITCH)), chance.sample((1, 2), 2), chance.random() < 0.5
+    threading.Timer(chance.random() / 100, nodes[3].kill).start() if is_killed else None
+    screen = nodes[setter].say(f"switch set {wanted}")
+    is_set = f"new value: {SWITCH[wanted]}, confirmed by node 3\n" in screen
+    expect(is_set or is_killed and SILENCE in screen, f"switch set {wanted}", screen)
+    if is_killed:
+        counts["masters killed"] += nodes[3].wait() == -9
+        screen = nodes[reader].say("switch get")
+        expect(SILENCE in screen, "switch get of nobody", screen)
+        nodes[3] = Node(root, 3)
+    screen = nodes[reader].say("switch get")
+    now = next((word for word, text in SWITCH.items() if screen == f"{text}, from node 3\n"), None)
+    expect(now == wanted or not is_set and now == value, f"{value}, switch set {wanted}, switch get", screen)
+    return now
+
+def live(root, nodes, value, seconds):
+    """The time of a world on each node; returns what the switch is then."""
+    worlds, grown = {1: World(root / "1"), 2: World(root / "2", "--wal", "--recreate-by", "rename")}, {1: "", 2: ""}
+    right = {command: once(root / "1", command).communicate()[0] for command in COMMANDS}
+    fault = json.loads((root / "1/truth.json").read_text())["fault"]
+    expect(fault["peak_local"] in right["delaydetect" + RANGE] and fault["point"] in right["delayanal" + RANGE], "truth", str(right))
+    end, is_over = time.monotonic() + seconds, False
+    while not is_over:
+        value, is_over = turn_switch(root, nodes, value), time.monotonic() > end
+        if is_over:  # the last round: a producer ends, one is killed
+            worlds[1].terminate(), worlds[2].kill()
+            expect((worlds[1].wait(), worlds[2].wait()) == (0, -9), "lumo-sim", "ended by itself")
+            time.sleep(3)
+        for number, command in [(number, command) for number in worlds for command in [*COMMANDS, GROWING]]:
+            if not is_over and worlds[number].recreated < math.inf and chance.random() < 0.05:
+                worlds[number].recreated = math.inf
+                worlds[number].send_signal(signal.SIGHUP)
+                time.sleep(chance.random() / 2)
+            with once(root / str(number), chance.choice(COMMANDS)) as beside:
+                asked, screen = time.monotonic(), nodes[number].say(command)
+                beside.kill()
+            counts["consoles killed"] += beside.returncode == -9
+            is_right = screen == (OFF if command in GUARDED and value == "off" else right.get(command))
+            if command == GROWING:  # goes on where it ended, and ends where the world did
+                is_right = screen.startswith(grown[number]) and (
+                    not is_over or screen == once(root / str(number), command).communicate()[0])
+                grown[number] = screen if is_right else grown[number]
+            counts["right" if is_right else "excused"] += 1
+            expect(is_right or number == 1 and not is_over and asked < worlds[1].recreated + 3, f"{number}: {command}", screen)
+            measures[number].append(nodes[number].measure())
+    return value
 
 def soak(root):
-    chance, over, deleted, kills, writes = random.Random(SEED), threading.Event(), [0.0], 0, 0
-
-    def write():
-        subprocess.run([BIN / "lumo-sim", "--root", root, "--end", "20230105143000"], check=True, stdout=subprocess.DEVNULL)
-
-    def keep_writing():
-        nonlocal writes
-        while not over.wait(chance.random()):
-            if chance.random() < 0.1:
-                (root / "VRA/data/lumo/lumo_diagnose_data.db").unlink()
-                time.sleep(chance.random())
-                write()
-                deleted[0] = time.monotonic()
-            write()
-            writes += 1
-
-    def keep_killing():
-        nonlocal kills
-        while not over.wait(chance.random()):
-            other = subprocess.Popen([BIN / "zorv-local", "--root", root, *chance.choice(COMMANDS + 5 * SWITCH).split()],
-                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            time.sleep(chance.random() / 4)
-            other.kill()
-            kills += other.wait() == -9
-
-    write()
-    console = Console(root)
-    right = {command: set() for command in COMMANDS}
-    for command in SWITCH + COMMANDS + SWITCH[1:2] + COMMANDS + SWITCH[:1] + COMMANDS:
-        right.setdefault(command, set()).add(console.answer(command))
-    helpers = [threading.Thread(target=work) for work in (keep_writing, keep_killing)]
-    begin, measures, faults, counts = time.monotonic(), [], [], {"right": 0, "excused": 0}
-    for helper in helpers:
-        helper.start()
-    while time.monotonic() < begin + SECONDS or helpers:
-        if time.monotonic() > begin + SECONDS:  # the last round is quiet
-            over.set()
-            while helpers:
-                helpers.pop().join()
-            time.sleep(3)
-        for command in COMMANDS:
-            asked = time.monotonic()
-            screen = console.answer(command)
-            is_missing = helpers and (deleted[0] > asked - 3 or not (root / "VRA/data/lumo/lumo_diagnose_data.db").exists())
-            counts["right" if screen in right[command] else "excused"] += 1
-            if screen not in right[command] and not is_missing:
-                faults.append(f"{command}:\n{screen[:2000]}")
-        measures.append(console.measure())
-    faults += [line for line in (root / "log").read_text().splitlines() if not USUAL.search(line)]
-    for what, slack in SLACK.items():
-        values = [measure[what] for measure in measures]
-        third = len(values) // 3
-        peaks = [max(values[third:2 * third] or values), max(values[2 * third:])]
-        print(f"{what:12} first {values[0]}, peaks of the second and last third {peaks[0]}, {peaks[1]}, last {values[-1]}")
-        if peaks[1] - peaks[0] > slack:
-            faults.append(f"{what} grow")
-    print(f"seconds {SECONDS}, seed {SEED}, rounds {len(measures)}, answers {counts}, worlds {writes}, kills {kills}, "
-          f"faults {len(faults)}", *faults[:20], sep="\n")
-    console.process.stdin.close()
-    return 1 if faults or console.process.wait() > 1 or counts["right"] < counts["excused"] else 0
-
-
+    (root / "nodes").write_text("\n".join(f"{number} ipc://{root}/socket{number}" for number in (1, 2, 3)))
+    for number in (1, 2, 3):  # they read the configuration when they start
+        subprocess.run([BIN / "lumo-sim", "--root", root / str(number)], check=True, stdout=subprocess.DEVNULL)
+    nodes, value = {number: Node(root, number) for number in (3, 1, 2)}, None
+    while (left := begin + SECONDS - time.monotonic()) > 0:
+        value = live(root, nodes, value, min(EPOCH, left))
+    faults.extend(line for log in root.glob("log*") for line in log.read_text().splitlines() if not USUAL.search(line))
+    for number, (what, column) in [(number, pair) for number in measures for pair in zip(SLACK, zip(*measures[number]))]:
+        third = len(column) // 3
+        peaks = max(column[third:2 * third] or column), max(column[2 * third:])
+        print(f"node {number} {what:12} first {column[0]}, peaks of the second and last third {peaks}, last {column[-1]}")
+        expect(peaks[1] - peaks[0] <= SLACK[what], f"node {number}", f"{what} grow")
+    expect(all(node.communicate() and node.returncode in (0, 1) for node in nodes.values()), "a node", "ends badly")
+    print(*faults[:20], f"{SECONDS} s, seed {SEED}, {len(faults)} faults, {counts}", sep="\n")
+    return 1 if faults or counts["right"] < counts["excused"] else 0
 with tempfile.TemporaryDirectory() as folder:
     sys.exit(soak(Path(folder)))
