@@ -8,10 +8,12 @@ targets=("${@:2}")
 cmake --preset fuzz
 cmake --build --preset fuzz --target "${targets[@]/#/fuzz_}"
 export TMPDIR=/dev/shm ASAN_OPTIONS=quarantine_size_mb=4:allocator_release_to_os_interval_ms=-1
+fixed=()  # the sanitizers want their memory where address randomisation may have put something else
+! setarch -R true 2>/dev/null || fixed=(setarch -R)
 for target in "${targets[@]}"; do
     mkdir -p "build/fuzz/corpus/$target"
     dictionary=$(find tests/fuzz -name "$target.dict")
-    setarch -R "build/fuzz/bin/fuzz_$target" -runs="$1" -max_len="$([ "$target" = route ] && echo 4096 || echo 256)" \
+    "${fixed[@]}" "build/fuzz/bin/fuzz_$target" -runs="$1" -max_len="$([ "$target" = route ] && echo 4096 || echo 256)" \
         -timeout=5 -rss_limit_mb=512 -malloc_limit_mb=256 -print_final_stats=1 ${dictionary:+-dict="$dictionary"} \
         -artifact_prefix="build/fuzz/$target-" "build/fuzz/corpus/$target" "tests/fuzz/corpus/$target"
 done
