@@ -203,7 +203,7 @@ class OnTerminal(ConsoleTest):
     def test_log_lines_leave_the_typed_line_whole(self):
         self.statistics(SOUND)
         terminal = Terminal(self.root, columns=40)
-        terminal.type("help " + "x" * 40, "x" * 5)
+        terminal.type("help " + "x" * 40, "x" * 29 + " \b" + "x" * 11)  # on two rows
 
         def log_line():
             (self.root / DATABASE).unlink()
