@@ -115,8 +115,8 @@ int Operation::Wait() {
     return nng_aio_result(aio);
 }
 
-void Connection::Free::operator()(nng_stream* stream) const {
-    nng_stream_free(stream);
+void Connection::Free::operator()(nng_stream* freed) const {
+    nng_stream_free(freed);
 }
 
 Connection::Connection(Stream connected, Moment lastMoment) : stream(std::move(connected)), end(lastMoment) {}
