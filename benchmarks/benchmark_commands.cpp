@@ -94,6 +94,7 @@ void Command(benchmark::State& state, const std::string& name, const std::string
     FaultDiagnoseDebugInit();
     std::vector<std::string> words = {"diagnose", "smartdiagnose", name, START_TEXT, END_TEXT};
     std::vector<char*> argv;
+    argv.reserve(words.size());
     for (std::string& word : words) {
         argv.push_back(word.data());
     }

@@ -32,7 +32,8 @@ TEST_F(Console, OffersTenCommands) {
 }
 
 TEST_F(Console, AnswersEveryMistakeAndLives) {
-    const std::string path = getenv("PATH");
+    const char* const found = getenv("PATH");
+    const std::string path = found != nullptr ? found : "";
     setenv("PATH", "/nonexistent", 1);  // no command tells the zone
     EXPECT_EQ(Type({"delaydetect", FROM, TO}), "");
     EXPECT_EQ(Type({"simudetect", FROM, TO}), Error("input datetime err"));

@@ -46,7 +46,7 @@ int main(int argc, char** argv) {
         LLVMFuzzerTestOneInput(corpus.back().data(), corpus.back().size());
     }
     std::sort(corpus.begin(), corpus.end());  // folders have no order of their own
-    const auto runs = static_cast<unsigned>(std::atol(argv[2]));
+    const auto runs = static_cast<unsigned>(std::strtoul(argv[2], nullptr, 10));
     for (unsigned seed = 1; seed <= 2 * runs; seed += 2) {
         Input input = corpus.at(seed / 2 % corpus.size());
         const size_t size = input.size();
