@@ -6,8 +6,8 @@ namespace lumosim {
 namespace {
 
 constexpr int64_t MAXIMUM_SPEED = 86400;
-constexpr int64_t MAXIMUM_SECONDS = 366 * 86400;
-constexpr int64_t MAXIMUM_KEPT_HOURS = 366 * 24;
+constexpr int64_t MAXIMUM_SECONDS = int64_t{366} * 86400;
+constexpr int64_t MAXIMUM_KEPT_HOURS = int64_t{366} * 24;
 
 }  // namespace
 
