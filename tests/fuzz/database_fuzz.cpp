@@ -1,8 +1,6 @@
 // A damaged statistics database. The first byte chooses a command; then come patches: an offset in two bytes,
 // a length, and as many bytes for there; a patch of none cuts the file off at its offset.
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include "fault_database/fault_database.h"
 #include "fuzz/fuzz.h"
@@ -21,8 +19,7 @@ static std::string Damaged(std::string file, const uint8_t* patch, const uint8_t
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const FuzzNode node;
-    static std::ifstream written(node.world.Path(LUMO_DATABASE_FILE), std::ios::binary);
-    static const std::string whole{std::istreambuf_iterator<char>(written), {}};
+    static const std::string whole = BytesOf(node.world.Path(LUMO_DATABASE_FILE));
     static const std::string commands[] = {"showvalidtime",           "datashow A " + RANGE + " 9",
                                            "delaydetect " + RANGE,    "delayanal " + RANGE,
                                            "showallerr " + RANGE,     "errcodeshow IOERROR ALL " + RANGE,

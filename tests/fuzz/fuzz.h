@@ -4,6 +4,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
 
 #include "support/temp_world.h"
 
@@ -19,6 +22,12 @@ inline void Demand(bool kept, const char* promise) {
         std::fprintf(stderr, "Broken promise: %s\n", promise);
         std::abort();
     }
+}
+
+inline std::string BytesOf(const std::string& file) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
 }
 
 const std::string RANGE = "20210803000000 20210803001200";  // of the node's statistics

@@ -1,8 +1,6 @@
 #include "fuzz/fuzz.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 
 #include "fault_common/fault_vocabulary.h"
 #include "fault_database/fault_database.h"
@@ -27,8 +25,7 @@ static std::vector<StatisticsRow> Rows() {
 
 FuzzNode::FuzzNode() {
     setenv("TZ", "CST-8", 1);
-    std::ifstream config(FUZZ_FOLDER "/corpus/route/node.json");
-    world.Config({std::istreambuf_iterator<char>(config), {}});
+    world.Config(BytesOf(FUZZ_FOLDER "/corpus/route/node.json"));
     world.Heal();
     world.Statistics({{"lumo_data_20210803000000", Rows()}});
     Demand(ZorvSmartDiagnoseJsonObjectInit() == 0 && FaultDataBaseInit() == 0, "the node opens");

@@ -1,8 +1,6 @@
 // Stands in for libFuzzer where there is none: PROGRAM FOLDER RUNS runs each file of the folder, and RUNS
 // mutations of them, which are the same each time.
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "fuzz/fuzz.h"
@@ -41,8 +39,8 @@ int main(int argc, char** argv) {
     Demand(argc == 3, "arguments: FOLDER RUNS");
     std::vector<Input> corpus;
     for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
-        std::ifstream file(entry.path(), std::ios::binary);
-        corpus.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+        const std::string bytes = BytesOf(entry.path());
+        corpus.emplace_back(bytes.begin(), bytes.end());
         LLVMFuzzerTestOneInput(corpus.back().data(), corpus.back().size());
     }
     std::sort(corpus.begin(), corpus.end());  // folders have no order of their own
