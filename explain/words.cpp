@@ -33,10 +33,6 @@ std::string Percent(double share) {
     return Fixed(share * 100.0, 1) + " %";
 }
 
-std::string Counted(size_t count, const std::string& thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}
-
 const char* WordOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::POINT:

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/services/local_time.h"  // LocalTime(), ZoneText(): whoever writes times writes these
+#include "host/services/text.h"        // and Counted()
 
 namespace explain {
 
@@ -23,9 +24,6 @@ std::string Fixed(double value, int decimals);
 
 // A share of 0 to 1 as "84.3 %".
 std::string Percent(double share);
-
-// "1 sample", "2 samples".
-std::string Counted(size_t count, const std::string& thing);
 
 // "point", "load", "nothing", "cannot tell"; "device", "load", "usual", "unknown".
 const char* WordOf(Verdict verdict);

@@ -104,11 +104,11 @@ ExitStatus RunCommands(const Options& options, const std::optional<Capture>& cap
 }
 
 void Start(const Options& options, std::optional<Capture>& capture) {
-    SetUpServices(options, capture);
-    NodeAddresses nodes;
+    NodeAddresses nodes;  // read before a large capture is copied for nothing
     if (!options.cluster.empty()) {
         nodes = ReadClusterFile(options.cluster, {options.node, options.master});
     }
+    SetUpServices(options, capture);
     WatchStatements();
     StartPlugin(options.plugin);
     if (!nodes.empty()) {  // now that there are handlers

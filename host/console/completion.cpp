@@ -56,7 +56,7 @@ Words AllWordsAfter(const Words& words) {
     if (words.back() == "--graph") {
         return GraphNames();
     }
-    if (command == "switch") {
+    if (command == "switch" && words.size() > 1) {
         return SwitchWordsAfter(words);
     }
     for (const HostCommand& row : HOST_COMMANDS) {

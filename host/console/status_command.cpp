@@ -29,10 +29,6 @@ void PrintRow(const char* name, const std::string& text) {
     DBG_Print("%-14s %s\n", name, text.c_str());
 }
 
-std::string Amount(int64_t number, const char* unit) {
-    return std::to_string(number) + " " + unit + (number == 1 ? "" : "s");
-}
-
 std::string Age(int64_t seconds) {
     if (seconds < 0) {
         return "in the future";
@@ -43,17 +39,17 @@ std::string Age(int64_t seconds) {
     } units[] = {{86400, "day"}, {3600, "hour"}, {60, "minute"}};
     for (const auto& [length, unit] : units) {
         if (seconds >= length) {
-            return Amount(seconds / length, unit) + " ago";
+            return Counted(static_cast<size_t>(seconds / length), unit) + " ago";
         }
     }
-    return Amount(seconds, "second") + " ago";
+    return Counted(static_cast<size_t>(seconds), "second") + " ago";
 }
 
 std::string Size(int64_t bytes) {
     constexpr int64_t KIB = 1024;
     char text[40];
     if (bytes < KIB) {
-        return Amount(bytes, "byte");
+        return Counted(static_cast<size_t>(bytes), "byte");
     }
     const bool isSmall = bytes < KIB * KIB;
     std::snprintf(text, sizeof text, "%.1f %s",
@@ -118,7 +114,7 @@ void PrintConfiguration() {
                          std::to_string(graph.edges));
     }
     if (!graphs.empty()) {
-        PrintRow("", Amount(static_cast<int64_t>(graphs.size()), "graph") + ", nodes/edges of each:");
+        PrintRow("", Counted(graphs.size(), "graph") + ", nodes/edges of each:");
     }
     std::istringstream lines(InColumns(graphs, GRAPHS_WIDTH, graphs.size()));
     for (std::string line; std::getline(lines, line);) {

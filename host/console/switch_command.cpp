@@ -113,9 +113,6 @@ void RunSwitchCommand(const Words& words) {
 }
 
 Words SwitchWordsAfter(const Words& words) {
-    if (words.size() == 1) {
-        return {"get", "set"};
-    }
     Words next;
     if (words.size() == 2 && words[1] == "set") {
         for (const SwitchValue& value : VALUES) {

@@ -8,7 +8,7 @@
 // std::runtime_error when that node did not answer or could not store the value.
 void RunSwitchCommand(const Words& words);
 
-// The words that can follow `words`, a command line that begins with "switch".
+// The words that can follow `words`, a command line that begins with "switch get" or "switch set".
 Words SwitchWordsAfter(const Words& words);
 
 // The value that the plug-in obeys, what it means, and where it comes from. Blocks as above; never throws for

@@ -52,3 +52,7 @@ std::string Printable(std::string_view text, size_t most) {
     }
     return shown < text.size() ? out + "..." : out;
 }
+
+std::string Counted(size_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}

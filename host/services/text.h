@@ -14,3 +14,6 @@ std::string FormatText(const char* format, va_list args) __attribute__((format(p
 // of writing are shown as escapes too. Of a text longer than `most` bytes about the first `most` are shown
 // (no character is cut), then "...".
 std::string Printable(std::string_view text, size_t most = std::string_view::npos);
+
+// "1 sample", "2 samples".
+std::string Counted(size_t count, const std::string& thing);
