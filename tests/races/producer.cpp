@@ -128,23 +128,24 @@ private:
 
     // The folder's link leads to the other one now; the former file stays where it is.
     void Retarget() {
+        const std::string other = link + (folder == link + ".1" ? ".2" : ".1");
         published.statistics.newest = ++state;
-        folder.back() = folder.back() == '1' ? '2' : '1';
-        fs::remove_all(folder);
-        fs::create_directory(folder);
-        Create(folder + "/" LUMO_DATABASE_NAME);
-        fs::create_symlink(folder, link + ".new");
+        fs::remove_all(other);
+        fs::create_directory(other);
+        Create(other + "/" LUMO_DATABASE_NAME);
+        fs::create_symlink(other, link + ".new");
         fs::rename(link + ".new", link);
         published.statistics.oldest = state;
+        folder = other;
     }
 
     void ReplaceFolder() {
         published.statistics.newest = ++state;
+        fs::remove_all(link + ".gone");
         fs::rename(folder, link + ".gone");
         published.statistics.oldest = state;
         fs::create_directory(folder);
         Create(statistics);
-        fs::remove_all(link + ".gone");
     }
 
     const std::string root, journal, link = root + "/VRA/data/lumo";

@@ -14,8 +14,7 @@ struct PublishedStates {
     std::atomic<int64_t>
         oldest;  // the answer to a question asked from now on is of this state or a later one
     std::atomic<int64_t> newest;   // no answer until now is of a later one
-    std::atomic<int64_t> answers;  // right ones; the test counts them,
-    std::atomic<int64_t> late;     // and those of an earlier state than the oldest
+    std::atomic<int64_t> answers;  // the test counts them
 };
 
 struct Published {

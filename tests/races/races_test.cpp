@@ -62,11 +62,12 @@ bool Ask(const Question& question) {
         return false;
     }
     const auto [state, count] = rows[0];
-    const bool isWhole = state <= newest && rows == FaultSeries(static_cast<size_t>(count), rows[0]);
-    EXPECT_TRUE(isWhole) << rows.size() << " rows of " << count << ", of states " << state << " to "
+    const bool isRight =
+        state >= oldest && state <= newest && rows == FaultSeries(static_cast<size_t>(count), rows[0]);
+    EXPECT_TRUE(isRight) << rows.size() << " rows of " << count << ", of states " << state << " to "
                          << rows.back()[0] << "; possible: " << oldest << " to " << newest;
-    (state < oldest ? question.states.late : question.states.answers) += 1;
-    return isWhole && state >= oldest;
+    question.states.answers += 1;
+    return isRight;
 }
 
 class Races : public DatabaseTest {
@@ -85,8 +86,7 @@ protected:
         }
     }
 
-    // Of a thousand answers at most `late` may be late.
-    void Run(const std::string& journal, int64_t late) const {
+    void Run(const std::string& journal) const {
         const int64_t cycles = getenv("SMARTDIAGNOSE_LONG") != nullptr ? LONG_CYCLES : CYCLES;
         const char* const seed = getenv("SMARTDIAGNOSE_SEED");
         const std::string producer = PRODUCER " " + world.Path(" ") + journal + " " + std::to_string(cycles) +
@@ -116,12 +116,10 @@ protected:
         EXPECT_EQ(published.cycles, cycles) << producer;
         EXPECT_TRUE(AllAnswer());
         const int64_t answers = published.statistics.answers + published.heal.answers;
-        EXPECT_LE((published.statistics.late + published.heal.late) * 1000, answers * late);
         EXPECT_TRUE(Eventually([&] { return Entries("/proc/self/fd") <= descriptors; }));
         // Without the one that waited for the producer; a thread that was joined may still be listed.
         EXPECT_TRUE(Eventually([&] { return Entries("/proc/self/task") == tasks - 1; }));
-        std::cout << producer << ": " << answers << " answers, " << published.statistics.late << " late, "
-                  << descriptors << " descriptors\n";
+        std::cout << producer << ": " << answers << " answers, " << descriptors << " descriptors\n";
     }
 
     Published& published = Published::Map(world.Path("/published"));
@@ -131,13 +129,11 @@ protected:
 };
 
 TEST_F(Races, RollbackJournal) {
-    Run("delete", 0);
+    Run("delete");
 }
 
-// The files beside a database may be those of its predecessor for a moment: to whoever opens it then SQLite
-// shows the predecessor's rows, until the file is opened anew.
 TEST_F(Races, WriteAheadLog) {
-    Run("wal", 1);
+    Run("wal");
 }
 
 }  // namespace
