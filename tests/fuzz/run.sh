@@ -14,6 +14,6 @@ for target in "${targets[@]}"; do
     mkdir -p "build/fuzz/corpus/$target"
     dictionary=$(find tests/fuzz -name "$target.dict")
     "${fixed[@]}" "build/fuzz/bin/fuzz_$target" -runs="$1" -max_len="$([ "$target" = route ] && echo 4096 || echo 256)" \
-        -timeout=5 -rss_limit_mb=512 -malloc_limit_mb=256 -print_final_stats=1 ${dictionary:+-dict="$dictionary"} \
+        -timeout=5 -rss_limit_mb=1024 -malloc_limit_mb=256 -print_final_stats=1 ${dictionary:+-dict="$dictionary"} \
         -artifact_prefix="build/fuzz/$target-" "build/fuzz/corpus/$target" "tests/fuzz/corpus/$target"
 done
