@@ -48,8 +48,7 @@ const std::map<std::string, uint32_t> LEVELS = {
 uint32_t LevelOf(const std::string& word) {
     const auto level = LEVELS.find(word);
     if (level == LEVELS.end()) {
-        throw CLI::ValidationError("--log-level",
-                                   "'" + Printable(word) + "' is none of error, warning, info, debug");
+        throw CLI::ValidationError("--log-level", "'" + word + "' is none of error, warning, info, debug");
     }
     return level->second;
 }
@@ -100,12 +99,12 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
         if (!options.command.empty() && options.command.front() == "--") {
             options.command.erase(options.command.begin());
         } else if (!options.command.empty() && options.command.front().substr(0, 1) == "-") {
-            throw CLI::ExtrasError({Printable(options.command.front())});
+            throw CLI::ExtrasError({options.command.front()});
         }
     } catch (const CLI::Success& answer) {
         return app.exit(answer);
     } catch (const CLI::Error& error) {
-        std::cerr << "zorv-local: " << error.what() << "\nRun with --help for more information.\n";
+        std::cerr << "zorv-local: " << Printable(error.what()) << "\nRun with --help for more information.\n";
         return STATUS_USAGE;
     }
     return std::nullopt;
