@@ -37,7 +37,8 @@ class Node(subprocess.Popen):
     def say(self, command):
         print(command, "help quit", sep="\n", file=self.stdin, flush=True)
         lines = list(iter(lambda: self.stdout.readline() or MARK, MARK))
-        return "".join(line for line in lines if not line.startswith(("zorv-local: waiting to try again", "alarm 0x")))
+        return "".join(line for line in lines if not re.match("zorv-[a-z]+: waiting to try again|alarm 0x", line))
+
     def measure(self):
         fd, task, memory = (Path(f"/proc/{self.pid}", name) for name in ("fd", "task", "statm"))
         return len(os.listdir(fd)), len(os.listdir(task)), int(memory.read_text().split()[1]) * 4
