@@ -1,7 +1,8 @@
 #!/usr/bin/python3
 """The reports of three commands as a script of sqlite3, pandas and scipy makes them, for the simulator's worlds:
-python_report.py ROOT COMMAND START END, times as UTC seconds, zone UTC. It prints what the command prints; with the
-environment variable BARE set, it only loads its libraries."""
+python_report.py ROOT COMMAND START END, times as UTC seconds, zone UTC. It prints what the command prints, by the same
+statements. In the environment, LEAN leaves out of them the columns that the report does not need, and BARE all but the
+loading of its libraries."""
 import json
 import os
 import sqlite3
@@ -18,6 +19,8 @@ SEARCHED = ["ERRCODE_NAS_PROTO", "POOL_ERRCODE_READ", "MKV_IO_READ", "POOL_ERRCO
             "ERRCODE_SAN_PROTO"]
 TYPES = ["IOERROR", "IORETRY", "IOACCESSDENY"]
 COUNTS = ["errCode0", "errCode1", "errCode2"]
+ALL = ["acceptnum", "successnum", "failednum", "retrynum", "avgdelay", "maxdelay", "mindelay", *COUNTS, "errCode3", "errCode4"]
+LEAN = "LEAN" in os.environ
 
 
 class Report:
@@ -63,8 +66,8 @@ class Report:
         children = {}
         for edge in self.graphs[graph]["edges"]:
             children.setdefault(int(edge["source"]), []).append(int(edge["target"]))
-        data = {label: self.rows(label, ["acceptnum", "successnum", "failednum", "retrynum", "avgdelay", "maxdelay"],
-                                 peak - 480, peak + 480) for label in {node["label"] for node in nodes.values()}}
+        columns = ["avgdelay"] if LEAN else ALL
+        data = {label: self.rows(label, columns, peak - 480, peak + 480) for label in {node["label"] for node in nodes.values()}}
         below = {child for several in children.values() for child in several}
         here = next(i for i in nodes if nodes[i]["label"] == point or point is None and i not in below)
         path = [(here, 1.0)]
@@ -96,7 +99,8 @@ class Report:
                 if "MODULE" in node["description"] or label in listed:
                     continue
                 atomic = "automic" in info.get("attr", "") and "whole" not in info.get("attr", "")
-                sums = self.rows(info.get("qname", "") if atomic else label, COUNTS, self.start, self.end)[COUNTS].sum()
+                rows = self.rows(info.get("qname", "") if atomic else label, COUNTS if LEAN else ALL, self.start, self.end)
+                sums = rows[COUNTS].sum()
                 listed[label] = [*sums, info.get("suggestion") or "---"]
         frame = pandas.DataFrame.from_dict(listed, orient="index", columns=[*TYPES, "advice"])
         for name in TYPES:
