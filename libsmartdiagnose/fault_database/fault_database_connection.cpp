@@ -10,8 +10,8 @@
 namespace {
 
 // A graph is read point by point, and a point's rows lie wide apart, as each sample has the rows of all
-// points side by side. Two days of samples every 30 seconds are 5760 times two or three pages of 4 KiB for some
-// hundred points; the next point's rows are on the same ones.
+// points side by side. Two days of samples every 30 seconds are 5760 times two or three pages of 4 KiB for
+// some hundred points; the next point's rows are on the same ones.
 constexpr int32_t STATISTICS_CACHE_KIB = 64 * 1024;
 constexpr int32_t HEAL_CACHE_KIB = 2000;  // SQLite's own bound
 
