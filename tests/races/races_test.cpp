@@ -9,7 +9,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_THREAD__) || defined(__SANITIZE_ADDRESS__)
+#ifdef __SANITIZE_THREAD__
 constexpr int64_t CYCLES = 50, LONG_CYCLES = 1000;
 #else
 constexpr int64_t CYCLES = 200, LONG_CYCLES = 10000;
