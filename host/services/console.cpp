@@ -1,5 +1,7 @@
 #include "host/services/console.h"
 
+#include <unistd.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
@@ -34,8 +36,11 @@ void Print(std::string_view text) {
     if (text.substr(0, ERROR_START.size()) == ERROR_START || text == INNER_ERROR) {
         g_errorLine = true;
     }
+    // What a database or a configuration holds must not act on a terminal; a file or a pipe gets every byte.
+    static const bool isTerminal = isatty(STDOUT_FILENO) == 1;
+    const std::string shown = isTerminal ? Printable(text, text.npos, "\n\t") : std::string(text);
     const bool printed =
-        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+        std::fwrite(shown.data(), 1, shown.size(), stdout) == shown.size() && std::fflush(stdout) == 0;
     int none = 0;
     if (!printed) {
         g_outputError.compare_exchange_strong(none, errno == 0 ? EIO : errno);

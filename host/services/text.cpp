@@ -40,14 +40,14 @@ std::string FormatText(const char* format, va_list args) {
     return text;
 }
 
-std::string Printable(std::string_view text, size_t most) {
+std::string Printable(std::string_view text, size_t most, std::string_view kept) {
     std::string out;
     size_t shown = 0;
     while (shown < text.size() && shown < most) {
         const Utf8Character character = FirstCharacter(text.substr(shown));
-        out += !character.isValid || IsUnseen(character.code)
-                   ? Escape(character, text[shown])
-                   : std::string(text.substr(shown, character.length));
+        const std::string_view piece = text.substr(shown, character.length);
+        const bool stays = (character.isValid && !IsUnseen(character.code)) || kept.find(piece) != kept.npos;
+        out += stays ? std::string(piece) : Escape(character, piece.front());
         shown += character.length;
     }
     return shown < text.size() ? out + "..." : out;

@@ -11,9 +11,10 @@ std::string FormatText(const char* format, va_list args) __attribute__((format(p
 
 // `text` with each control character shown as an escape ("\n", "\x1b"), so that it stays on one line and
 // does nothing to a terminal; bytes that are no UTF-8 and characters that are not seen or turn the direction
-// of writing are shown as escapes too. Of a text longer than `most` bytes about the first `most` are shown
-// (no character is cut), then "...".
-std::string Printable(std::string_view text, size_t most = std::string_view::npos);
+// of writing are shown as escapes too, but those of `kept` stay. Of a text longer than `most` bytes about the
+// first `most` are shown (no character is cut), then "...".
+std::string Printable(std::string_view text, size_t most = std::string_view::npos,
+                      std::string_view kept = {});
 
 // "1 sample", "2 samples".
 std::string Counted(size_t count, const std::string& thing);

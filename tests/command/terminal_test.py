@@ -56,7 +56,7 @@ class Terminal:
         """What came to stand on the screen up to `text`, which must come."""
         deadline = time.monotonic() + seconds
         while text not in self.screen[self.seen:]:
-            if not self.read(deadline - time.monotonic()):
+            if not self.read(max(0, deadline - time.monotonic())):
                 raise AssertionError(f"{text!r} is missing in {self.screen[self.seen:]!r}")
         start, self.seen = self.seen, self.screen.index(text, self.seen) + len(text)
         return self.screen[start:self.seen]
@@ -225,6 +225,17 @@ class OnTerminal(ConsoleTest):
         self.assertTrue(termios.tcgetattr(terminal.file)[3] & termios.ICANON, "the terminal is as it was")
         self.assertEqual(terminal.leave(""), -signal.SIGTERM)
         self.assertEqual(Terminal(self.root, closed="stdout").leave("help\r"), 1)
+
+    def test_names_do_nothing_to_the_screen(self):
+        name, command = "\x1b[2J\u202e\r\u00fc", f"showgraph mapnodeinfo ONE {RANGE}"
+        self.configure(SAN_IO_READ=graph(name, "ONE"))
+        self.statistics({})
+        terminal = Terminal(self.root)
+        screen = terminal.type(command + "\r", until="ONE   ")
+        terminal.leave()
+        self.assertIn("\\x1b[2J\\u202e\\x0d\u00fc", screen)
+        self.assertIn("key  ioPointid", screen.split("\r\n")[-3])
+        self.assertIn(name, self.run_lines(command)[1])
 
     def test_colours(self):
         for variables, coloured in (({"NO_COLOR": ""}, True), ({}, False), ({"TERM": "dumb", "NO_COLOR": ""}, False)):
