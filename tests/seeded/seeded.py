@@ -2,7 +2,7 @@
 """Plants the faults of faults.txt one at a time: of the tests that each of them names at least one must fail.
 
 Works on a copy in a temporary directory; the tree itself is only read. Exit status 0 when all faults were caught; 1 when
-one survived, no longer applies or does not compile, or when a named test fails without a fault.
+one survived or does not compile, or, before any is planted, when one no longer applies or a named test fails without it.
 """
 import argparse
 import json
@@ -33,10 +33,13 @@ class Fault:
         self.preset = values.get("preset", ["dev"])[0]
         self.target, self.tests = values["test"][0].split(" ", 1)
 
+    def applies(self):
+        """Whether each old text is there exactly once."""
+        text = (ROOT / self.file).read_text()
+        return all(text.count(old) == 1 for old in self.changes)
+
     def broken(self, text):
-        """The file with the fault; None when an old text is not there exactly once."""
-        if any(text.count(old) != 1 for old in self.changes):
-            return None
+        """The file with the fault."""
         return re.sub("|".join(map(re.escape, self.changes)), lambda found: self.changes[found[0]], text)
 
 
@@ -92,13 +95,18 @@ def main():
     options = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     options.add_argument("--only", metavar="NAME", action="append", help="this fault; may be repeated")
     options.add_argument("--jobs", metavar="N", default=os.cpu_count(), help="compilers and tests at a time")
-    options.add_argument("--list", action="store_true", help="only tell the faults")
+    options.add_argument("--list", action="store_true", help="only tell the faults, and whether all apply")
     arguments = options.parse_args()
     blocks = (HERE / "faults.txt").read_text().split("\n\n")[1:]
     faults = [fault for fault in map(Fault, blocks) if not arguments.only or fault.name in arguments.only]
-    if arguments.list or not faults:
-        print("\n".join(f"{fault.name:34}{fault.file}" for fault in faults) or "no such fault")
-        return 0 if faults else 1
+    if not faults:
+        print("no such fault")
+        return 1
+    stale = [fault for fault in faults if not fault.applies()]
+    if arguments.list or stale:
+        for fault in faults if arguments.list else stale:
+            print(f"{fault.name:34}{fault.file}" + ("  NO LONGER APPLIES" if fault in stale else ""))
+        return 1 if stale else 0
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))  # the copy must go
     began = time.monotonic()
     caught = 0
@@ -111,8 +119,7 @@ def main():
                 return 1
             for fault in planted:
                 start = time.monotonic()
-                applies = fault.broken((copy.path / fault.file).read_text()) is not None
-                is_caught, outcome = copy.plant(fault) if applies else (False, f"NO LONGER APPLIES to {fault.file}")
+                is_caught, outcome = copy.plant(fault)
                 caught += is_caught
                 print(f"{fault.name:34}{outcome} ({time.monotonic() - start:.0f} s)", flush=True)
     print(f"{caught} of {len(faults)} faults were caught ({time.monotonic() - began:.0f} s).")
