@@ -56,7 +56,8 @@ class Terminal:
         """What came to stand on the screen up to `text`, which must come."""
         deadline = time.monotonic() + seconds
         while text not in self.screen[self.seen:]:
-            if not self.read(max(0, deadline - time.monotonic())):
+            left = deadline - time.monotonic()
+            if left < 0 or not self.read(left):
                 raise AssertionError(f"{text!r} is missing in {self.screen[self.seen:]!r}")
         start, self.seen = self.seen, self.screen.index(text, self.seen) + len(text)
         return self.screen[start:self.seen]
