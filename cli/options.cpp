@@ -1,6 +1,7 @@
 #include "cli/options.h"
 
 #include <CLI/CLI.hpp>
+#include <iostream>
 #include <memory>
 #include <utility>
 
@@ -42,6 +43,11 @@ void DeclareInputOptions(CLI::App& app, InputOptions& options) {
         ->type_name("Z")
         ->check(FaultOfZone)
         ->take_last();
+}
+
+int PrintAnswer(CLI::App& app, const CLI::Success& answer) {
+    const int status = app.exit(answer);
+    return std::cout.flush() ? status : 1;
 }
 
 void SetUsage(CLI::App& app, const std::string& usage) {

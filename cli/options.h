@@ -6,7 +6,8 @@
 
 namespace CLI {
 class App;
-}
+class Success;
+}  // namespace CLI
 
 // Where a program's input is, and in which zone its times are.
 struct InputOptions {
@@ -19,6 +20,9 @@ struct InputOptions {
 
 // Adds the options to `app`, which sets `options` when it parses. The last --zone counts.
 void DeclareInputOptions(CLI::App& app, InputOptions& options);
+
+// Prints the help or the version, which was asked for. Returns the exit status: 1 when it cannot be printed.
+int PrintAnswer(CLI::App& app, const CLI::Success& answer);
 
 // Lets the help of `app` begin with the line `usage`.
 void SetUsage(CLI::App& app, const std::string& usage);

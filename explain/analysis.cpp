@@ -223,6 +223,10 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
     } else if (!analysis.events.empty()) {
         analysis.event = analysis.events.back();
     }
+    if (!analysis.event && samples.size() < FEWEST_FOR_SIGMA) {
+        analysis.reason = TooFewForSigma(samples.size());
+        return analysis;
+    }
     if (!analysis.event) {
         analysis.verdict = Verdict::NOTHING;
         analysis.reason = "no sample lies high above the others";

@@ -28,8 +28,9 @@ struct Event {
     bool Holds(int64_t time) const { return time >= start && time <= end; }
 };
 
-// The fewest samples that make a baseline.
+// The fewest samples that make a baseline, and of which one can lie beyond three deviations of all.
 constexpr size_t FEWEST_BASELINE = 5;
+constexpr size_t FEWEST_FOR_SIGMA = 11;
 
 // How many scales above the usual a sample must lie to be high.
 constexpr double HIGH = 5.0;

@@ -11,8 +11,7 @@
 namespace explain {
 namespace {
 
-constexpr size_t FEWEST_FOR_SIGMA = 11;  // of fewer samples, none can lie beyond three deviations
-constexpr double EQUAL_LOAD = 0.1;       // requests that differ by less than this share are the same load
+constexpr double EQUAL_LOAD = 0.1;  // requests that differ by less than this share are the same load
 constexpr size_t FEWEST_EQUAL_LOAD = 3;
 constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
 constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
@@ -56,7 +55,7 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
         reasons.emplace_back("an observation point: without request counts it takes no part");
     }
     if (samples.size() < FEWEST_FOR_SIGMA) {
-        reasons.push_back("only " + Counted(samples.size(), "sample") + ": three-sigma needs 11 to fire");
+        reasons.push_back(TooFewForSigma(samples.size()));
     }
     if (evidence.baselineCount < FEWEST_BASELINE) {
         reasons.push_back("only " + Counted(evidence.baselineCount, "sample") + " before the event");

@@ -1,8 +1,13 @@
+#include <json/value.h>
+
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <exception>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <set>
@@ -13,6 +18,7 @@
 #include "explain/options.h"
 #include "explain/report.h"
 #include "explain/stamp.h"
+#include "explain/words.h"
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
 #include "fault_common/fault_path.h"
@@ -26,6 +32,7 @@
 #include "host/services/interrupt.h"
 #include "host/services/local_time.h"
 #include "host/services/log.h"
+#include "host/services/process.h"
 #include "host/services/settings.h"
 #include "host/services/statements.h"
 #include "host/services/text.h"
@@ -123,10 +130,16 @@ std::vector<std::string> FlaggedPoints(const Range& range) {
     FaultDetectObject detector;
     detector.InitObject();
     detector.GetData(range.startDate, range.endDate);
-    const bool hasRows = std::any_of(detector.data.begin(), detector.data.end(),
-                                     [](auto& point) { return !point.second["avgdelay"].empty(); });
-    if (!hasRows) {
+    size_t most = 0;
+    for (auto& [point, series] : detector.data) {
+        most = std::max(most, series["avgdelay"].size());
+    }
+    if (most == 0) {
         throw NoData("there are no rows of the detector's points in the range");
+    }
+    if (most < FEWEST_FOR_SIGMA) {
+        throw NoData("there are too few rows of the detector's points in the range: " + TooFewForSigma(most) +
+                     ". Name a longer range");
     }
     std::vector<std::string> points;
     for (const AnomalyDetectResult& result : detector.DoDetect(range.startDate, range.endDate)) {
@@ -216,6 +229,23 @@ ExitStatus StatusOf(const Report& report) {
                                                                               : STATUS_NOTHING;
 }
 
+// Replaces a file, also one that a link stands for; a device or a pipe takes the page as it is written.
+// Returns false with errno.
+bool WritePage(const std::string& path, const std::string& page) {
+    std::error_code ignored;
+    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+    if (std::filesystem::is_regular_file(status)) {
+        return ReplaceFile(std::filesystem::canonical(path), page);
+    }
+    if (!std::filesystem::exists(status)) {
+        return ReplaceFile(path, page);
+    }
+    std::ofstream stream(path, std::ios::binary);
+    stream << page;
+    stream.close();
+    return stream.good();
+}
+
 ExitStatus Run(const Options& options, const std::vector<std::string>& arguments) {
     if (options.zone) {
         SetZone(*options.zone);
@@ -229,8 +259,9 @@ ExitStatus Run(const Options& options, const std::vector<std::string>& arguments
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
         throw std::runtime_error("the answer cannot be printed");
     }
-    if (options.html && !ReplaceFile(*options.html, HtmlReport(report))) {
-        throw std::runtime_error("the page '" + *options.html + "' cannot be written");
+    if (options.html && !WritePage(*options.html, HtmlReport(report))) {
+        throw std::runtime_error("the page '" + *options.html +
+                                 "' cannot be written: " + std::strerror(errno));
     }
     return StatusOf(report);
 }
@@ -248,6 +279,10 @@ int RunProgram(int argc, char** argv) {
     } catch (const TimeError& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", error.what());
         return STATUS_USAGE;
+    } catch (const Json::Exception& error) {
+        std::fprintf(stderr, "zorv-explain: the configuration is not what it should be: %s\n",
+                     Printable(error.what()).c_str());
+        return STATUS_NO_DATA;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
         return STATUS_NO_DATA;
@@ -258,5 +293,6 @@ int RunProgram(int argc, char** argv) {
 }  // namespace explain
 
 int main(int argc, char** argv) {
+    BeginProcess();
     return explain::RunProgram(argc, argv);
 }

@@ -55,7 +55,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
             throw CLI::RequiredError("START END, or MINUTES,");
         }
     } catch (const CLI::Success& answer) {
-        return app.exit(answer);
+        return PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {
         std::cerr << "zorv-explain: " << Printable(error.what())
                   << "\nRun with --help for more information.\n";

@@ -5,6 +5,7 @@
 #include <sqlite3.h>
 
 #include <array>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -26,6 +27,10 @@ std::string Hexadecimal(const unsigned char* bytes, size_t count) {
 }
 
 std::string HashOf(const std::string& path) {
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {  // to open a pipe would wait for a writer
+        return {};
+    }
     std::ifstream file(path, std::ios::binary);
     const std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
     if (!file || context == nullptr || EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr) != 1) {

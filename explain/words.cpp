@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "explain/analysis.h"
+#include "explain/event.h"
 
 namespace explain {
 
@@ -31,6 +32,11 @@ std::string Fixed(double value, int decimals) {
 
 std::string Percent(double share) {
     return Fixed(share * 100.0, 1) + " %";
+}
+
+std::string TooFewForSigma(size_t count) {
+    return "only " + Counted(count, "sample") + ": three-sigma needs " + std::to_string(FEWEST_FOR_SIGMA) +
+           " to fire";
 }
 
 const char* WordOf(Verdict verdict) {

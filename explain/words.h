@@ -25,6 +25,9 @@ std::string Fixed(double value, int decimals);
 // A share of 0 to 1 as "84.3 %".
 std::string Percent(double share);
 
+// "only 10 samples: three-sigma needs 11 to fire".
+std::string TooFewForSigma(size_t count);
+
 // "point", "load", "nothing", "cannot tell"; "device", "load", "usual", "unknown".
 const char* WordOf(Verdict verdict);
 const char* WordOf(Nature nature);

@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <sqlite3.h>
 #include <unistd.h>
 
@@ -19,6 +18,7 @@
 #include "host/services/local_time.h"
 #include "host/services/log.h"
 #include "host/services/message.h"
+#include "host/services/process.h"
 #include "host/services/settings.h"
 #include "host/services/statements.h"
 #include "host/services/text.h"
@@ -26,18 +26,6 @@
 #include "host/status.h"
 
 namespace {
-// A database opened on the number of a closed stream would be printed into. What takes the number here can
-// only be read, so that printing to a closed stdout still fails.
-void OccupyStandardStreams() {
-    int number = 0;
-    do {
-        number = open("/dev/null", O_RDONLY);
-    } while (number >= 0 && number <= STDERR_FILENO);
-    if (number > STDERR_FILENO) {
-        close(number);
-    }
-}
-
 std::string CheckedRoot(const std::string& root) {
     std::error_code ignored;
     if (!std::filesystem::is_directory(root, ignored)) {
@@ -120,13 +108,13 @@ ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
     try {
         Start(options, capture);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "zorv-local: %s\n", error.what());
+        std::fprintf(stderr, "zorv-local: %s\n", Printable(error.what(), std::string::npos, "\n").c_str());
         return STATUS_NOT_STARTED;
     }
     try {
         return RunCommands(options, capture);
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "zorv-local: %s\n", error.what());
+        std::fprintf(stderr, "zorv-local: %s\n", Printable(error.what(), std::string::npos, "\n").c_str());
         return STATUS_FAILED;
     }
 }
@@ -142,7 +130,7 @@ ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    OccupyStandardStreams();
+    BeginProcess();
     std::signal(SIGPIPE, SIG_IGN);
     std::setlocale(LC_CTYPE, "");
     sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);  // nobody asks, and each allocation would take a lock for it

@@ -102,7 +102,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
             throw CLI::ExtrasError({options.command.front()});
         }
     } catch (const CLI::Success& answer) {
-        return app.exit(answer);
+        return PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {
         std::cerr << "zorv-local: " << Printable(error.what()) << "\nRun with --help for more information.\n";
         return STATUS_USAGE;

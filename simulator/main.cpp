@@ -1,5 +1,7 @@
+#include <csignal>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 
 #include "simulator/live_world.h"
 #include "simulator/local_time.h"
@@ -26,25 +28,33 @@ void PlayWithEvents(const lumosim::Request& request) {
     lumosim::PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
 }
 
+ExitStatus CheckTold() {
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        throw std::runtime_error("what there is to tell cannot be printed");
+    }
+    return EXIT_WRITTEN;
+}
+
 int Run(int argc, char** argv) {
     const lumosim::Request request = lumosim::ParseCommandLine(argc, argv);
     if (request.text) {
         std::fputs(request.text->c_str(), stdout);
-        return EXIT_WRITTEN;
+        return CheckTold();
     }
     if (request.live) {
         PlayWithEvents(request);
-        return EXIT_WRITTEN;
+        return CheckTold();
     }
     const lumosim::WorldSummary summary = WriteWithProgress(request.world);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
                 summary.pointCount, summary.rowCount, summary.truthFile.c_str());
-    return EXIT_WRITTEN;
+    return CheckTold();
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too long is an error as others are
     try {
         return Run(argc, argv);
     } catch (const lumosim::BadInput& error) {

@@ -60,6 +60,7 @@ int OpenLocked(const std::string& path) {
 }
 
 bool WriteWhole(int fd, const std::string& text) {
+    errno = ENOSPC;  // what a short write means
     return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
@@ -70,7 +71,14 @@ bool Replace(const std::string& path, const std::vector<std::string>& lines) {
     }
     const std::string fresh = path + ".tmp";
     const OwnedFd file(open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE));
-    return file && WriteWhole(file.Get(), text) && std::rename(fresh.c_str(), path.c_str()) == 0;
+    const bool isReplaced =
+        file && WriteWhole(file.Get(), text) && std::rename(fresh.c_str(), path.c_str()) == 0;
+    if (!isReplaced) {
+        const int reason = errno;
+        unlink(fresh.c_str());
+        errno = reason;
+    }
+    return isReplaced;
 }
 
 std::vector<std::string> LinesOf(const std::string& text) {

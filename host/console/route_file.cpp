@@ -15,6 +15,7 @@
 
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
+constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
 
 // What changes when the file does.
 using Stamp = std::tuple<bool, dev_t, ino_t, off_t, time_t, long>;
@@ -41,7 +42,9 @@ bool IsGraph(const Json::Value& value) {
 }
 
 void Parse(const std::string& text, RouteFile& file) {
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
+    Json::CharReaderBuilder builder;
+    builder["stackLimit"] = DEEPEST_NESTING;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value top;
     std::string errors;
     if (!reader->parse(text.data(), text.data() + text.size(), &top, &errors) || !top.isObject()) {
@@ -67,7 +70,7 @@ RouteFile Read(const std::string& path) {
     try {
         Parse(text, file);
     } catch (const std::exception&) {  // nested too deep
-        file.problem = "cannot be parsed";
+        file.problem = "cannot be parsed: nested more than " + std::to_string(DEEPEST_NESTING) + " deep";
     }
     return file;
 }

@@ -70,9 +70,13 @@ private:
     void TakeIn(const Database& database) {
         const std::string path = directory + database.path;
         const std::string taken = PlaceFor(database.path);
-        std::error_code ignored;
-        const bool isMissing = !fs::exists(fs::symlink_status(path, ignored));
-        if (isMissing || (fs::is_regular_file(path, ignored) && fs::file_size(path) == 0)) {
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(path, error);
+        if (!fs::status_known(status)) {
+            throw CaptureError(path + " cannot be looked at: " + error.message() + ".");
+        }
+        const bool isMissing = !fs::exists(status);
+        if (isMissing || (fs::is_regular_file(path, error) && fs::file_size(path) == 0)) {
             return MakeStandIn(database, path + (isMissing ? " is missing: " : " is empty: "), taken);
         }
         const CapturedDatabase files = LookAtDatabase(path);

@@ -45,6 +45,14 @@ bool Lock(int fd) {
     return result == 0;
 }
 
+// As a full disk leaves it.
+bool EndsWithinLine(int fd) {
+    struct stat status {};
+    char last = '\n';
+    return fstat(fd, &status) == 0 && status.st_size > 0 && pread(fd, &last, 1, status.st_size - 1) == 1 &&
+           last != '\n';
+}
+
 bool WriteNewFile(const std::string& path, std::string_view content) {
     const OwnedFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE));
     return file && WriteAll(file.Get(), content) && fsync(file.Get()) == 0;
@@ -89,8 +97,9 @@ bool ReplaceFile(const std::string& path, std::string_view content) {
 }
 
 bool AppendLine(const std::string& path, const std::string& line) {
-    const OwnedFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, FILE_MODE));
-    return file && WriteAll(file.Get(), line + '\n') && fsync(file.Get()) == 0;
+    const OwnedFd file(open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, FILE_MODE));
+    const std::string end(file && EndsWithinLine(file.Get()) ? 1 : 0, '\n');  // of the line before
+    return file && WriteAll(file.Get(), end + line + '\n') && fsync(file.Get()) == 0;
 }
 
 bool ReadSmallFile(const std::string& path, size_t most, std::string& content) {

@@ -31,8 +31,8 @@ bool MakeDirectoryOf(const std::string& path, mode_t mode = 0755);
 // when the new content is on disk.
 bool ReplaceFile(const std::string& path, std::string_view content);
 
-// Appends `line` and a line end to the file `path` in one piece, and makes a missing file. Returns true when
-// the line is on disk.
+// Appends `line` and a line end to the file `path` in one piece, and makes a missing file. The rest of a line
+// that could not be written whole stays a line of its own. Returns true when the line is on disk.
 bool AppendLine(const std::string& path, const std::string& line);
 
 // Reads the whole of the regular file `path`. Returns false, with `content` unchanged, when that is not

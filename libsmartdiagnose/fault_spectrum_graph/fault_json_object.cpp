@@ -2,6 +2,7 @@
 
 #include <json/reader.h>
 
+#include <filesystem>
 #include <fstream>
 #include <memory>
 
@@ -40,7 +41,11 @@ FaultJsonObject& FaultJsonObject::GetInstance() {
 }
 
 uint32_t FaultJsonObject::ParseJsonConfig(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file;
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored)) {  // to open a pipe would wait for its writer
+        file.open(path, std::ios::binary);
+    }
     if (!file.is_open()) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Failed to open the configuration file.");
         return 1;

@@ -1,5 +1,6 @@
 """The page of zorv-explain: harmless, the same again; and what its drawings show."""
 import json
+import os
 import re
 import sqlite3
 import subprocess
@@ -54,6 +55,19 @@ class Page(ConsoleTest):
             self.assertIn(SHOWN, [cell.text for cell in page.iter("th")])
             heights = re.findall(r",([\d.]+)", page.find(".//*[@class='series']").get("d"))
             self.assertTrue(len(heights) <= 600 and "20.0" in heights, "a lone peak goes up to the end of the axis")
+
+
+    def test_what_the_page_is_written_to(self):
+        self.simulate("--scenario", "healthy", "--end", "20230105143000")
+        file, link, pipe = self.root / "p", self.root / "link", self.root / "pipe"
+        file.touch(), link.symlink_to(file), os.mkfifo(pipe)
+        for path in link, pipe:
+            run = [BIN / "zorv-explain", "--root", self.root, "--html", path, "20230105063000", "20230105143000"]
+            explain = subprocess.Popen(run, stdout=subprocess.DEVNULL)
+            page = pipe.read_text() if path == pipe else None
+            self.assertEqual(explain.wait(), 1)
+            self.assertTrue((page or file.read_text()).endswith("</html>\n"))
+        self.assertTrue(link.is_symlink() and pipe.is_fifo())
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """How zorv-explain ends, by itself and as a command of zorv-local."""
 import json
+import os
 import subprocess
 import unittest
 
@@ -13,11 +14,13 @@ class ExplainStatus(ConsoleTest):
         times = [truth["start"], truth["end"]]
         point = ["--point", "TGT_LUMO_HOST_READ"]
         quiet, first = compact(truth["start_epoch"] + 3600), compact(truth["start_epoch"] + 60)
+        ten = [quiet, compact(truth["start_epoch"] + 3600 + 270)]  # samples, of which none can be flagged
         for arguments, status in ((times, 0), ([*point, "--at", quiet, *times], 1), ([truth["start"], quiet], 1),
                                   (times[::-1], 2), (["20230105096000", times[1]], 2), (["0"], 2),
                                   (["20221231000000", times[1]], 2), (["--zone", "+2500", *times], 2),
                                   ([*point, "--at", "20230105000000", *times], 2),
-                                  (["20230101000000", "20230102000000"], 3), ([*point, "--at", first, *times], 4)):
+                                  (["20230101000000", "20230102000000"], 3), (ten, 3), ([*point, *ten], 4),
+                                  ([*point, "--at", first, *times], 4)):
             with self.subTest(arguments=arguments):
                 alone = subprocess.run([BIN / "zorv-explain", "--root", self.root, *arguments], capture_output=True)
                 self.assertEqual(alone.returncode, status, alone.stderr)
@@ -27,6 +30,9 @@ class ExplainStatus(ConsoleTest):
                 self.assertEqual(console.returncode, status)
                 piped = self.run_lines(" ".join(["explain", *arguments]))
                 self.assertEqual(piped, (int(status > 0), alone.stdout.decode(), alone.stderr.decode()))
+        self.assertEqual(os.system(f"{BIN}/zorv-explain --root {self.root} {' '.join(times)} 2>&- >&-") >> 8, 3)
+        for program in "zorv-explain", "zorv-local", "lumo-sim":
+            self.assertEqual(os.system(f"{BIN}/{program} --help 2>&- >/dev/full") >> 8, 1, program)
 
 
 unittest.main()

@@ -8,6 +8,7 @@ import signal
 import socket
 import sqlite3
 import struct
+import subprocess
 import termios
 import time
 import unittest
@@ -276,6 +277,16 @@ class AboutTheHost(ConsoleTest):
         self.assertEqual(out.count("               No such file or directory\n"), 3)
         self.assertIn("earliest time  unknown: unable to open database file\n", out)
 
+    @unittest.skipIf(b"san_init" in (BIN / "zorv-local").read_bytes(), "a sanitizer's allocator ends the process")
+    def test_memory_that_ends_leaves_the_commands(self):
+        self.statistics(SOUND)
+        (self.root / CONFIG).write_text('{"A": [' + "0," * 3_000_000 + "0]}")
+        for megabytes, is_too_little in (4000, False), (200, True):
+            run = f"ulimit -v {megabytes}000 && exec {BIN}/zorv-local --root {self.root} delaydetect {RANGE}"
+            console = subprocess.run(["sh", "-c", run], capture_output=True, text=True)
+            self.assertEqual((console.returncode, console.stdout.replace("\n", "\r\n")), (0, FOUND), console.stderr)
+            self.assertEqual("Json spectrum pasrse failed." in console.stderr, is_too_little, console.stderr)
+
     def test_alarms(self):
         self.expect("alarms\n", 0, "There are no alarms.\n")
         (self.root / ALARMS).parent.mkdir(parents=True)
@@ -288,6 +299,13 @@ class AboutTheHost(ConsoleTest):
         self.expect("alarms 4\n", 0, f"{header}{row.format(29)}no alarm: {{\nno alarm: {bad}\n{row.format(0)}")
         self.assertEqual(self.run_lines("alarms\n")[1].count("\n"), 1 + 20)
         self.assertIn("usage: alarms [N]", self.expect("alarms 0\n", 2, ""))
+
+        self.statistics(SOUND)
+        (self.root / ALARMS).write_text('{"alarmId": 6443')  # the disk was full
+        self.run_lines(f"switch set on\ndelaydetect {RANGE}\n")
+        unfinished, raised = self.run_lines("alarms\n")[1].splitlines()[1:]
+        self.assertEqual(unfinished, 'no alarm: {"alarmId": 6443')
+        self.assertRegex(raised, r"^\d{4}-\S+ \S+  1 +\d+ +\d+ +0xF00C90150 ")
 
 
 if __name__ == "__main__":

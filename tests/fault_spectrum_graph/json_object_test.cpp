@@ -10,14 +10,18 @@ TEST(JsonObject, AnswersByGraphAndKeyFromWhatWasParsedLast) {
     FaultJsonObject object;
     const std::string log = "3 fault_json_object.cpp ";
     const std::string deep = R"({"A": )" + std::string(2000, '[') + "}";
+    const std::string pipe = world.Path("/pipe");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     Json::Value value;
     for (const std::string text : {"{", "", "[]", "null", "\"x\"", "\xff\xfe\x01", deep.c_str()}) {
         EXPECT_EQ(object.GetGraphValueByKeyTag("G", "nodes", value), 1U);
         EXPECT_LOGGED(log + "GetGraphValueByKeyTag: FlowGraph is null.");
         world.Config(R"({"G": {"nodes": "N", "edges": "E", "other": 4}})");
         EXPECT_EQ(object.ParseJsonConfig(world.Path(ZORV_ROUTE_CONFIG_FILE)), 0U);
-        EXPECT_EQ(object.ParseJsonConfig("/missing"), 1U);  // changes nothing
-        EXPECT_LOGGED(log + "ParseJsonConfig: Failed to open the configuration file.");
+        for (const std::string& noFile : {std::string("/missing"), pipe}) {
+            EXPECT_EQ(object.ParseJsonConfig(noFile), 1U);  // changes nothing
+            EXPECT_LOGGED(log + "ParseJsonConfig: Failed to open the configuration file.");
+        }
         EXPECT_EQ(object.GetGraphValueByKeyTag("G", "nodes", value), 0U);
         EXPECT_EQ(value, "N");
         EXPECT_EQ(object.GetGraphValueByKeyTag("G", "other", value), 1U);
