@@ -234,6 +234,7 @@ class OnTerminal(ConsoleTest):
         self.statistics({})
         terminal = Terminal(self.root)
         screen = terminal.type(command + "\r", until="ONE   ")
+        terminal.until("zorv> ")  # a Ctrl-D before it would be lost
         terminal.leave()
         self.assertIn("\\x1b[2J\\u202e\\x0d\u00fc", screen)
         self.assertIn("key  ioPointid", screen.split("\r\n")[-3])
