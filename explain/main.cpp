@@ -229,16 +229,13 @@ ExitStatus StatusOf(const Report& report) {
                                                                               : STATUS_NOTHING;
 }
 
-// Replaces a file, also one that a link stands for; a device or a pipe takes the page as it is written.
-// Returns false with errno.
+// Replaces a file, also one that a link stands for; a device, a pipe or the new file that a link leads to
+// takes the page as it is written. Returns false with errno.
 bool WritePage(const std::string& path, const std::string& page) {
     std::error_code ignored;
-    const std::filesystem::file_status status = std::filesystem::status(path, ignored);
-    if (std::filesystem::is_regular_file(status)) {
-        return ReplaceFile(std::filesystem::canonical(path), page);
-    }
-    if (!std::filesystem::exists(status)) {
-        return ReplaceFile(path, page);
+    if (std::filesystem::is_regular_file(path, ignored) ||
+        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+        return ReplaceFile(std::filesystem::weakly_canonical(path), page);
     }
     std::ofstream stream(path, std::ios::binary);
     stream << page;

@@ -28,27 +28,25 @@ void PlayWithEvents(const lumosim::Request& request) {
     lumosim::PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
 }
 
-ExitStatus CheckTold() {
+void CheckTold() {
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         throw std::runtime_error("what there is to tell cannot be printed");
     }
-    return EXIT_WRITTEN;
 }
 
-int Run(int argc, char** argv) {
+void Run(int argc, char** argv) {
     const lumosim::Request request = lumosim::ParseCommandLine(argc, argv);
     if (request.text) {
         std::fputs(request.text->c_str(), stdout);
-        return CheckTold();
+        return;
     }
     if (request.live) {
         PlayWithEvents(request);
-        return CheckTold();
+        return;
     }
     const lumosim::WorldSummary summary = WriteWithProgress(request.world);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
                 summary.pointCount, summary.rowCount, summary.truthFile.c_str());
-    return CheckTold();
 }
 
 }  // namespace
@@ -56,7 +54,9 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too long is an error as others are
     try {
-        return Run(argc, argv);
+        Run(argc, argv);
+        CheckTold();
+        return EXIT_WRITTEN;
     } catch (const lumosim::BadInput& error) {
         std::fprintf(stderr, "lumo-sim: %s\n", error.what());
         return EXIT_USAGE;

@@ -56,18 +56,17 @@ class Page(ConsoleTest):
             heights = re.findall(r",([\d.]+)", page.find(".//*[@class='series']").get("d"))
             self.assertTrue(len(heights) <= 600 and "20.0" in heights, "a lone peak goes up to the end of the axis")
 
-
     def test_what_the_page_is_written_to(self):
         self.simulate("--scenario", "healthy", "--end", "20230105143000")
-        file, link, pipe = self.root / "p", self.root / "link", self.root / "pipe"
-        file.touch(), link.symlink_to(file), os.mkfifo(pipe)
-        for path in link, pipe:
+        file, new, pipe, link, ahead = (self.root / name for name in ("p", "new", "pipe", "link", "ahead"))
+        file.touch(), link.symlink_to(file), ahead.symlink_to(new), os.mkfifo(pipe)
+        for path in link, ahead, pipe:
             run = [BIN / "zorv-explain", "--root", self.root, "--html", path, "20230105063000", "20230105143000"]
             explain = subprocess.Popen(run, stdout=subprocess.DEVNULL)
             page = pipe.read_text() if path == pipe else None
             self.assertEqual(explain.wait(), 1)
-            self.assertTrue((page or file.read_text()).endswith("</html>\n"))
-        self.assertTrue(link.is_symlink() and pipe.is_fifo())
+            self.assertTrue((page or path.read_text()).endswith("</html>\n"))
+        self.assertTrue(link.is_symlink() and file.exists() and new.exists() and pipe.is_fifo())
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 #include "fault_spectrum_graph/fault_json_object.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "support/recording_agent.h"
 #include "support/temp_world.h"
