@@ -49,6 +49,9 @@ class Running(ConsoleTest):
     def descriptors(self):
         return len(os.listdir(f"/proc/{self.console.pid}/fd"))
 
+    def is_watching(self):
+        return any("inotify" in os.path.realpath(link.path) for link in os.scandir(f"/proc/{self.console.pid}/fd"))
+
     def failed_openings(self):
         return self.log.read_text().count("sqlite3_open faild:14")
 
@@ -73,6 +76,7 @@ class Running(ConsoleTest):
         self.assertEqual(self.answer(), DELAY_HEADER)
 
     def test_a_thousand_new_files_under_queries_leak_nothing(self):
+        self.assertTrue(eventually(self.is_watching))  # the watcher begins beside the first answers
         before = self.descriptors()
         asked = 0
         for number in range(1, CYCLES + 1):
