@@ -13,7 +13,7 @@
 #include "fault_database/fault_database.h"
 #include "fault_debug/fault_debug.h"
 #include "fault_spectrum_graph/fault_json_object.h"
-#include "simulator/world.h"
+#include "simulator/files/world.h"
 #include "tests/support/recording_agent.h"
 #include "tests/support/temp_world.h"
 

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "explain/words.h"
+#include "explain/wording.h"
 
 namespace explain {
 namespace {

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace explain {
 namespace {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis.h"
+#include "explain/analysis/analysis.h"
 
 namespace explain {
 

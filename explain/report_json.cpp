@@ -3,8 +3,8 @@
 #include <cmath>
 
 #include "explain/report.h"
-#include "explain/words.h"
-#include "host/services/utf8.h"
+#include "explain/wording.h"
+#include "text/utf8.h"
 
 namespace explain {
 namespace {

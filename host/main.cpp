@@ -9,21 +9,21 @@
 #include <optional>
 #include <stdexcept>
 
+#include "host/capture/capture.h"
+#include "host/cluster/cluster_file.h"
+#include "host/cluster/message.h"
 #include "host/console/session.h"
 #include "host/leak_check.h"
 #include "host/options.h"
 #include "host/plugin.h"
-#include "host/services/capture.h"
-#include "host/services/cluster_file.h"
-#include "host/services/local_time.h"
+#include "host/process/process.h"
+#include "host/process/settings.h"
+#include "host/process/statements.h"
 #include "host/services/log.h"
-#include "host/services/message.h"
-#include "host/services/process.h"
-#include "host/services/settings.h"
-#include "host/services/statements.h"
-#include "host/services/text.h"
 #include "host/services/timer.h"
 #include "host/status.h"
+#include "text/local_time.h"
+#include "text/printable.h"
 
 namespace {
 std::string CheckedRoot(const std::string& root) {

@@ -4,9 +4,9 @@
 #include <iostream>
 #include <map>
 
-#include "host/services/text.h"
 #include "host/status.h"
 #include "host/version.h"
+#include "text/printable.h"
 
 namespace {
 constexpr const char* DESCRIPTION =

@@ -3,11 +3,11 @@
 #include <exception>
 #include <stdexcept>
 
-#include "simulator/live_world.h"
-#include "simulator/local_time.h"
+#include "simulator/files/local_time.h"
+#include "simulator/files/world.h"
+#include "simulator/live/live_world.h"
 #include "simulator/options.h"
 #include "simulator/progress.h"
-#include "simulator/world.h"
 
 namespace {
 

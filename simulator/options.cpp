@@ -5,9 +5,9 @@
 #include <charconv>
 #include <ctime>
 
-#include "simulator/live_arguments.h"
-#include "simulator/local_time.h"
-#include "simulator/scenario.h"
+#include "simulator/files/local_time.h"
+#include "simulator/live/live_arguments.h"
+#include "simulator/plan/scenario.h"
 
 namespace lumosim {
 namespace {

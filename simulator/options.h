@@ -4,8 +4,8 @@
 #include <optional>
 #include <string>
 
-#include "simulator/live_options.h"
-#include "simulator/world_options.h"
+#include "simulator/live/live_options.h"
+#include "simulator/plan/world_options.h"
 
 namespace lumosim {
 

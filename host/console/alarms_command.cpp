@@ -15,11 +15,11 @@
 #include <sstream>
 
 #include "agent/agent_console.h"
+#include "host/process/files.h"
+#include "host/process/settings.h"
 #include "host/services/alarm.h"
-#include "host/services/files.h"
-#include "host/services/local_time.h"
-#include "host/services/settings.h"
-#include "host/services/text.h"
+#include "text/local_time.h"
+#include "text/printable.h"
 
 namespace {
 constexpr size_t USUAL_COUNT = 20;

@@ -9,7 +9,7 @@
 #include "host/console/route_file.h"
 #include "host/console/switch_command.h"
 #include "host/services/console.h"
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace {
 Words GraphNames() {

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <cstring>
 
-#include "cli/nearest_name.h"
 #include "host/console/alarms_command.h"
 #include "host/console/command_table.h"
 #include "host/console/completion.h"
@@ -11,10 +10,11 @@
 #include "host/console/status_command.h"
 #include "host/console/switch_command.h"
 #include "host/console/time_arguments.h"
+#include "host/process/interrupt.h"
 #include "host/services/console.h"
-#include "host/services/interrupt.h"
 #include "host/services/log.h"
-#include "host/services/text.h"
+#include "text/nearest_name.h"
+#include "text/printable.h"
 
 namespace {
 constexpr const char* EXPLAIN = "explain";

@@ -12,7 +12,7 @@
 #include <sstream>
 #include <utility>
 
-#include "host/services/files.h"
+#include "host/process/files.h"
 
 namespace {
 constexpr mode_t DIRECTORY_MODE = 0700;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "host/services/error_lines.h"
+#include "host/process/error_lines.h"
 
 // While it lives, signals that would change the screen or leave it in disorder are heard here. Belongs to one
 // thread; there is one at a time.

@@ -11,7 +11,7 @@
 
 #include "host/console/columns.h"
 #include "host/leak_check.h"
-#include "host/services/colour.h"
+#include "host/process/colour.h"
 #include "host/services/log.h"
 
 namespace {

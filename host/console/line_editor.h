@@ -14,7 +14,7 @@
 #include "host/console/key_wait.h"
 
 // Belongs to one thread. Sets the terminal up for each line and back after it. Lines that other threads print
-// to stderr meanwhile, see host/services/error_lines.h, come to stand above the line that is being typed.
+// to stderr meanwhile, see host/process/error_lines.h, come to stand above the line that is being typed.
 class LineEditor {
 public:
     // Tells the words that can follow the given ones.

@@ -10,8 +10,8 @@
 #include <tuple>
 
 #include "agent/agent_storage.h"
-#include "host/services/files.h"
-#include "host/services/settings.h"
+#include "host/process/files.h"
+#include "host/process/settings.h"
 
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;

@@ -11,8 +11,8 @@
 #include "host/console/completion.h"
 #include "host/console/history_file.h"
 #include "host/console/line_editor.h"
+#include "host/process/interrupt.h"
 #include "host/services/console.h"
-#include "host/services/interrupt.h"
 
 namespace {
 constexpr size_t LONGEST_LINE = size_t{16} << 20;  // enough for any command; an endless line must end

@@ -16,11 +16,11 @@
 #include "host/console/columns.h"
 #include "host/console/route_file.h"
 #include "host/console/switch_command.h"
+#include "host/process/settings.h"
 #include "host/services/alarm.h"
-#include "host/services/local_time.h"
-#include "host/services/settings.h"
 #include "host/services/startup.h"
-#include "host/services/text.h"
+#include "text/local_time.h"
+#include "text/printable.h"
 
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns

@@ -9,7 +9,7 @@
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
 #include "host/services/log.h"
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace {
 struct SwitchValue {

@@ -4,7 +4,7 @@
 #include <ctime>
 #include <map>
 
-#include "host/services/time_words.h"
+#include "text/time_words.h"
 
 namespace {
 // At which word of its line a command's START stands; END stands behind it.

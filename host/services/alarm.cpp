@@ -11,11 +11,11 @@
 #include <string>
 
 #include "agent/agent_alarm.h"
-#include "host/services/error_lines.h"
-#include "host/services/files.h"
+#include "host/process/error_lines.h"
+#include "host/process/files.h"
+#include "host/process/settings.h"
 #include "host/services/log.h"
-#include "host/services/settings.h"
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace {
 constexpr const char* SUPPRESSED = "alarm too much, zorv will not send alarm";

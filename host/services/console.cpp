@@ -10,9 +10,9 @@
 #include <string>
 #include <string_view>
 
-#include "host/services/immortal.h"
+#include "host/process/immortal.h"
 #include "host/services/log.h"
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace {
 constexpr std::string_view ERROR_START = "\t\t[ERROR]: ";

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "host/services/files.h"
+#include "host/process/files.h"
+#include "host/process/settings.h"
 #include "host/services/log.h"
-#include "host/services/settings.h"
 
 namespace {
 constexpr std::string_view SECTION = "heal";

@@ -9,12 +9,12 @@
 #include <memory>
 #include <mutex>
 
+#include "host/process/colour.h"
+#include "host/process/error_lines.h"
+#include "host/process/immortal.h"
+#include "host/process/interrupt.h"
 #include "host/services/alarm.h"
-#include "host/services/colour.h"
-#include "host/services/error_lines.h"
-#include "host/services/immortal.h"
-#include "host/services/interrupt.h"
-#include "host/services/text.h"
+#include "text/printable.h"
 
 namespace {
 using LoggerPointer = std::shared_ptr<spdlog::logger>;

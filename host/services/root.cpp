@@ -1,5 +1,5 @@
 #include "agent/agent_storage.h"
-#include "host/services/settings.h"
+#include "host/process/settings.h"
 
 const char* vopx_root_directory() {
     const std::string& root = GetHostSettings().root;

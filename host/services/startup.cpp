@@ -4,7 +4,7 @@
 #include <mutex>
 
 #include "agent/agent_startup.h"
-#include "host/services/immortal.h"
+#include "host/process/immortal.h"
 #include "host/services/log.h"
 
 namespace {

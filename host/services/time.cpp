@@ -6,11 +6,11 @@
 #include <limits>
 #include <ratio>
 
-#include "host/services/error_lines.h"
-#include "host/services/interrupt.h"
-#include "host/services/local_time.h"
-#include "host/services/statements.h"
-#include "host/services/text.h"
+#include "host/process/error_lines.h"
+#include "host/process/interrupt.h"
+#include "host/process/statements.h"
+#include "text/local_time.h"
+#include "text/printable.h"
 
 namespace {
 using Tick = std::chrono::duration<uint64_t, std::ratio<1, 250>>;

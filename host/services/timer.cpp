@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "agent/agent_timer.h"
-#include "host/services/immortal.h"
+#include "host/process/immortal.h"
 #include "host/services/log.h"
 #include "host/services/thread.h"
 

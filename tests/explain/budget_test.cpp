@@ -1,4 +1,4 @@
-#include "explain/budget.h"
+#include "explain/analysis/budget.h"
 
 #include <gtest/gtest.h>
 

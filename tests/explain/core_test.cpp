@@ -6,8 +6,8 @@
 #include <map>
 #include <random>
 
-#include "explain/evidence.h"
-#include "explain/statistics.h"
+#include "explain/analysis/evidence.h"
+#include "explain/analysis/statistics.h"
 
 namespace explain {
 namespace {

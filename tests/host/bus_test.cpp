@@ -1,4 +1,4 @@
-#include "host/services/bus.h"
+#include "host/cluster/bus.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "host/services/immortal.h"
+#include "host/process/immortal.h"
 #include "tests/host/temp_root.h"
 
 namespace {

@@ -13,7 +13,7 @@
 
 #include "agent/agent_alarm.h"
 #include "agent/agent_heal.h"
-#include "host/services/settings.h"
+#include "host/process/settings.h"
 #include "tests/host/temp_root.h"
 
 // What the calling thread had put on the disk, and renamed, in order.

@@ -18,9 +18,9 @@
 #include "agent/agent_startup.h"
 #include "agent/agent_time.h"
 #include "agent/agent_timer.h"
-#include "cli/nearest_name.h"
-#include "host/services/settings.h"
+#include "host/process/settings.h"
 #include "host/services/timer.h"
+#include "text/nearest_name.h"
 
 namespace {
 using std::chrono::steady_clock;

@@ -1,4 +1,4 @@
-#include "host/services/time_words.h"
+#include "text/time_words.h"
 
 #include <gtest/gtest.h>
 

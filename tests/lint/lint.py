@@ -29,12 +29,17 @@ ARROWS = {
     "fault_debug": GRAPHS | {"fault_rootcause", "fault_anomalydetect", "fault_detect_object", "fault_database",
                              "fault_switch"},
     "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
-    "cli": set(),
-    "host/services": set(),
-    "host": {"cli", "host/services"},
-    "simulator": {"cli"},
+    "text": set(),
+    "cli": {"text"},
+    "host/process": {"text"},
+    "host/services": {"host/process", "text"},
+    "host/cluster": {"host/services", "host/process", "text"},
+    "host/capture": {"host/services", "host/process", "text"},
+    "simulator": {"cli", "text"},
 }
-ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {"cli", "host/services"}
+ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
+ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {
+    "cli", "text", "host/process", "host/services", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 
@@ -50,7 +55,7 @@ def sources(*suffixes):
 def unit_of(path):
     parts = path.relative_to(root).parts
     if parts[0] != "libsmartdiagnose":
-        return "host/services" if parts[:2] == ("host", "services") else parts[0]
+        return "/".join(parts[:2]) if "/".join(parts[:2]) in ARROWS else parts[0]
     named = [unit for unit in SHARED_FOLDERS.get(parts[1], []) if path.stem.startswith(unit)]
     return named[0] if named else parts[1]
 

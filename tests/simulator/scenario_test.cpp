@@ -1,5 +1,5 @@
 // What is planted is what an independent look at the database finds, and nothing else.
-#include "simulator/scenario.h"
+#include "simulator/plan/scenario.h"
 
 #include <gmock/gmock.h>
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "agent/agent_storage.h"
-#include "simulator/world.h"
+#include "simulator/files/world.h"
 
 struct TemporaryFolder {
     TemporaryFolder() {

@@ -1,0 +1,189 @@
+#include "explain/analysis/evidence.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+
+#include "explain/analysis/statistics.h"
+#include "explain/wording.h"
+
+namespace explain {
+namespace {
+
+constexpr double EQUAL_LOAD = 0.1;  // requests that differ by less than this share are the same load
+constexpr size_t FEWEST_EQUAL_LOAD = 3;
+constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
+constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
+constexpr std::ptrdiff_t SAMPLES_AROUND = 10;
+
+// How many intervals between the first and the last sample have none, as far as the usual distance of two
+// samples tells.
+size_t MissingIntervals(const Samples& samples) {
+    std::vector<double> distances;
+    for (size_t i = 1; i < samples.size(); ++i) {
+        if (samples[i].time != samples[i - 1].time) {
+            distances.push_back(static_cast<double>(samples[i].time) -
+                                static_cast<double>(samples[i - 1].time));
+        }
+    }
+    if (distances.size() < 2) {
+        return 0;
+    }
+    std::vector<double> toOrder = distances;
+    const double step = MedianOf(toOrder);
+    double missing = 0.0;
+    for (const double distance : distances) {
+        missing += std::max(0.0, std::round(distance / step) - 1.0);
+    }
+    return static_cast<size_t>(missing);
+}
+
+bool IsConstant(const Samples& samples) {
+    return std::all_of(samples.begin(), samples.end(),
+                       [&](const Sample& sample) { return sample.delay == samples.front().delay; });
+}
+
+void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
+    std::vector<std::string>& reasons = evidence.reasons;
+    const Samples& samples = point.samples;
+    if (samples.empty()) {
+        reasons.emplace_back("no rows in the range");
+        return;
+    }
+    if (point.isObservation) {
+        reasons.emplace_back("an observation point: without request counts it takes no part");
+    }
+    if (samples.size() < FEWEST_FOR_SIGMA) {
+        reasons.push_back(TooFewForSigma(samples.size()));
+    }
+    if (evidence.baselineCount < FEWEST_BASELINE) {
+        reasons.push_back("only " + Counted(evidence.baselineCount, "sample") + " before the event");
+    }
+    if (evidence.eventCount == 0) {
+        reasons.emplace_back("no rows during the event");
+    }
+    if (samples.size() > 1 && IsConstant(samples)) {
+        reasons.emplace_back("constant over the range");
+    }
+    if (const size_t missing = MissingIntervals(samples); missing > 0) {
+        reasons.push_back(Counted(missing, "interval") + " without a row");
+    }
+    if (point.hasGoneBack) {
+        reasons.emplace_back("the clock jumped: rows were put in the order of their times");
+    }
+}
+
+// The event's delays against the baseline: how unusual, since when, and whether the point takes part.
+void JudgeDelays(const Usual& usual, const Samples& during, Evidence& evidence) {
+    std::vector<double> sizes;
+    for (const Sample& sample : during) {
+        const double deviations = usual.Deviations(sample.delay);
+        if (!evidence.deviations || std::fabs(deviations) > std::fabs(*evidence.deviations)) {
+            evidence.deviations = deviations;
+        }
+        if (std::fabs(deviations) > HIGH && !evidence.onset) {
+            evidence.onset = sample.time;
+        }
+        sizes.push_back(std::fabs(deviations));
+    }
+    // One unusual sample of several may be chance.
+    const auto deciding = sizes.begin() + (sizes.size() > 1 ? 1 : 0);
+    std::nth_element(sizes.begin(), deciding, sizes.end(), std::greater<>());
+    // Not by the excess alone: less delay times a broken, negative count would be above 0 too.
+    evidence.takesPart = *deciding > HIGH && *evidence.eventDelay > *evidence.baselineDelay &&
+                         evidence.excess.value_or(0.0) > 0.0;
+}
+
+// The delay of the event relative to that of the baseline's intervals of equal load; none where there are too
+// few of them.
+std::optional<double> EqualLoadRatio(const Samples& baseline, double requests, double delay) {
+    std::vector<double> delays;
+    for (const Sample& sample : baseline) {
+        if (std::fabs(sample.requests - requests) <= EQUAL_LOAD * requests) {
+            delays.push_back(sample.delay);
+        }
+    }
+    if (delays.size() < FEWEST_EQUAL_LOAD) {
+        return std::nullopt;
+    }
+    const double usual = MedianOf(delays);
+    return usual > 0.0 ? std::optional<double>(delay / usual) : std::nullopt;
+}
+
+Nature NatureOf(const Evidence& evidence, bool surged) {
+    if (!evidence.takesPart) {
+        return Nature::USUAL;
+    }
+    if (evidence.equalLoadRatio) {
+        return *evidence.equalLoadRatio > EQUAL_DELAY ? Nature::DEVICE
+               : surged                               ? Nature::LOAD
+                                                      : Nature::UNKNOWN;
+    }
+    if (!surged) {
+        return Nature::DEVICE;
+    }
+    if (!evidence.loadCorrelation) {
+        return Nature::UNKNOWN;
+    }
+    return *evidence.loadCorrelation >= FOLLOWS_LOAD ? Nature::LOAD : Nature::DEVICE;
+}
+
+// The samples of the event and a few to either side: over a long range, the swing of a day says more of how
+// delays go with requests than a short event does.
+Samples Around(const Samples& samples, const Event& event) {
+    const auto isBefore = [](const Sample& sample, int64_t time) { return sample.time < time; };
+    const auto isAfter = [](int64_t time, const Sample& sample) { return time < sample.time; };
+    const auto first = std::lower_bound(samples.begin(), samples.end(), event.start, isBefore);
+    const auto last = std::upper_bound(first, samples.end(), event.end, isAfter);
+    return {first - std::min(SAMPLES_AROUND, first - samples.begin()),
+            last + std::min(SAMPLES_AROUND, samples.end() - last)};
+}
+
+// Whether more requests came than usual: the scale of a day's swing may be wide, but hardly what is above all
+// that was seen before.
+bool HasSurged(double requests, const std::vector<double>& before) {
+    const double most = *std::max_element(before.begin(), before.end());
+    return requests > (1.0 + EQUAL_LOAD) * most || UsualOf(before).Deviations(requests) > HIGH;
+}
+
+void JudgeLoad(const PointData& point, const Samples& baseline, const Event& event, Evidence& evidence) {
+    const std::vector<double> before = RequestsOf(baseline);
+    const Samples around = Around(point.samples, event);
+    evidence.baselineRequests = UsualOf(before).median;
+    evidence.loadCorrelation = CorrelationOf(DelaySeries(around), RequestSeries(around)).correlation;
+    evidence.equalLoadRatio = EqualLoadRatio(baseline, *evidence.eventRequests, *evidence.eventDelay);
+    evidence.nature = NatureOf(evidence, HasSurged(*evidence.eventRequests, before));
+}
+
+}  // namespace
+
+Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+    const Samples during = SamplesIn(point.samples, event);
+    Evidence evidence;
+    evidence.baselineCount = baseline.size();
+    evidence.eventCount = during.size();
+    if (baseline.size() < FEWEST_BASELINE || during.empty()) {
+        return evidence;
+    }
+    const Usual usual = UsualOf(DelaysOf(baseline));
+    evidence.baselineDelay = usual.median;
+    evidence.eventDelay = MeanOf(DelaysOf(during));
+    if (!point.isObservation) {
+        evidence.eventRequests = MeanOf(RequestsOf(during));
+        evidence.excess = (*evidence.eventDelay - *evidence.baselineDelay) * *evidence.eventRequests;
+    }
+    JudgeDelays(usual, during, evidence);
+    return evidence;
+}
+
+Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+    Evidence evidence = BriefEvidenceOf(point, baseline, event);
+    TellWhatIsMissing(point, evidence);
+    if (evidence.excess) {
+        JudgeLoad(point, baseline, event, evidence);
+    }
+    return evidence;
+}
+
+}  // namespace explain

@@ -1,0 +1,47 @@
+// What the statistics of one point say of an event.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "explain/analysis/event.h"
+#include "explain/analysis/graph_world.h"
+
+namespace explain {
+
+// What the extra delay of a point goes with.
+enum class Nature {
+    UNKNOWN,  // not enough intervals to tell
+    USUAL,    // there is no extra delay
+    LOAD,     // the requests: at equal load the point is as fast as ever
+    DEVICE    // not the requests: the point is slower at equal load
+};
+
+// Absent values could not be computed; `reasons` says why. Delays are in microseconds, requests per interval.
+struct Evidence {
+    bool takesPart = false;
+    size_t baselineCount = 0;  // samples
+    size_t eventCount = 0;
+    std::optional<double> baselineDelay;     // median
+    std::optional<double> eventDelay;        // mean
+    std::optional<double> baselineRequests;  // median
+    std::optional<double> eventRequests;     // mean
+    std::optional<double> excess;            // extra delay times requests, microseconds per interval
+    std::optional<double> deviations;  // of the event's most unusual sample from the baseline, with its sign
+    std::optional<int64_t> onset;      // the first unusual sample of the event, UTC
+    std::optional<double> loadCorrelation;  // of delay with requests, in and around the event
+    std::optional<double> equalLoadRatio;   // delay of the event to that of the baseline at equal load
+    Nature nature = Nature::UNKNOWN;
+    std::vector<std::string> reasons;  // in words, for the operator
+};
+
+// What the budget needs of the evidence: the counts, delays, `eventRequests`, `excess`, `deviations`, `onset`
+// and whether the point takes part. `baseline` (a part of the point's samples) is what is usual.
+Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
+
+// All of it. Takes several times as long.
+Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
+
+}  // namespace explain

@@ -1,0 +1,165 @@
+#include "explain/analysis/graph_world.h"
+
+#include <algorithm>
+
+#include "fault_database/fault_database.h"
+#include "fault_spectrum_graph/fault_causality_graph.h"
+#include "fault_spectrum_graph/fault_json_object.h"
+
+namespace explain {
+namespace {
+
+// One graph of the configuration. The root is that of the topology; 0, a node like any other, without one.
+struct ConfiguredGraph {
+    FaultCausalityGraph graph;
+    int32_t root = 0;
+};
+
+class WorldReader {
+public:
+    explicit WorldReader(GraphWorld& toFill) : world(toFill) {}
+
+    // Adds the node and all that can be reached from it.
+    void Read(const std::string& graph, const std::string& point) {
+        const auto& nodes = GraphOf(graph)->graph.mapNodeInfo;
+        const auto top = std::find_if(nodes.begin(), nodes.end(),
+                                      [&](const auto& entry) { return entry.second.locName == point; });
+        if (top == nodes.end()) {
+            throw NoData("the graph " + graph + " has no point " + point);
+        }
+        Add(graph, top->first);
+        for (size_t next = 0; next < world.nodes.size(); ++next) {
+            ReadBelow(next);
+        }
+    }
+
+private:
+    // Null for a graph that the configuration does not have.
+    ConfiguredGraph* GraphOf(const std::string& name);
+    void ReadBelow(size_t position);
+
+    size_t Add(const std::string& graph, int32_t id) {
+        const auto [entry, isNew] = positions.try_emplace({graph, id}, world.nodes.size());
+        if (isNew) {
+            const Node& node = GraphOf(graph)->graph.mapNodeInfo.at(id);
+            world.nodes.push_back({graph, id, node.locName, node.suggestion, {}});
+            world.points[node.locName].isObservation = node.statLabel == FAULT_OB_POINT;
+        }
+        return entry->second;
+    }
+
+    GraphWorld& world;
+    std::map<std::string, std::unique_ptr<ConfiguredGraph>> graphs;
+    std::map<std::pair<std::string, int32_t>, size_t> positions;
+};
+
+ConfiguredGraph* WorldReader::GraphOf(const std::string& name) {
+    FaultJsonObject& config = FaultJsonObject::GetInstance();
+    if (const auto known = graphs.find(name); known != graphs.end()) {
+        return known->second.get();
+    }
+    Json::Value nodes;
+    Json::Value edges;
+    auto& graph = graphs[name];
+    if (config.IsMember(name) && config.GetGraphValueByKeyTag(name, "nodes", nodes) == 0 &&
+        config.GetGraphValueByKeyTag(name, "edges", edges) == 0) {
+        graph = std::make_unique<ConfiguredGraph>();
+        graph->graph.InitGraph(edges);
+        graph->graph.ExtracNodeInfo(nodes);
+        graph->graph.FindRootBySelf(edges, graph->root);
+    }
+    return graph.get();
+}
+
+void WorldReader::ReadBelow(size_t position) {
+    const std::string name = world.nodes[position].graph;
+    const int32_t id = world.nodes[position].id;
+    const FaultCausalityGraph& graph = GraphOf(name)->graph;
+    if (const auto edges = graph.mapGraph.find(id); edges != graph.mapGraph.end()) {
+        for (const Edge& edge : edges->second) {
+            if (graph.mapNodeInfo.count(edge.targetId) > 0) {
+                const size_t child = Add(name, edge.targetId);
+                world.nodes[position].children.push_back(child);
+            }
+        }
+    }
+    const std::string next = graph.mapNodeInfo.at(id).nextGraph;
+    ConfiguredGraph* below = next != name ? GraphOf(next) : nullptr;
+    if (below != nullptr && below->graph.mapNodeInfo.count(below->root) > 0) {
+        world.handOvers[position] = Add(next, below->root);
+    }
+}
+
+double ValueOf(const FaultSeries* series, size_t row) {
+    return series != nullptr && row < series->size() ? static_cast<double>((*series)[row][1]) : 0.0;
+}
+
+Samples SamplesOf(const FaultSeries& delays, const FaultSeries* requests) {
+    Samples samples;
+    samples.reserve(delays.size());
+    for (size_t row = 0; row < delays.size(); ++row) {
+        samples.push_back({delays[row][0], ValueOf(&delays, row), ValueOf(requests, row)});
+    }
+    return samples;
+}
+
+// Loads one point. Of all its columns, two are kept: a graph's worth of them would take much memory.
+void Load(const std::string& name, PointData& point, const Range& range,
+          const std::vector<std::string>& tables) {
+    const std::string start = std::to_string(range.startTime);
+    const std::string end = std::to_string(range.endTime);
+    FaultCausalityGraph loader;
+    (point.isObservation ? loader.vecObName : loader.vecLumoLocName).push_back(name);
+    if (point.isObservation) {
+        if (loader.GetObData(start, end, tables) == 0) {
+            point.samples = SamplesOf(loader.mapObserveData[name], nullptr);
+        }
+    } else {
+        if (loader.GetLumoData(start, end, tables) != 0) {
+            throw NoData("the statistics of " + name + " could not be read");
+        }
+        auto& columns = loader.mapLumoData[name];
+        point.samples = SamplesOf(columns["avgdelay"], &columns["acceptnum"]);
+    }
+    const auto before = [](const Sample& a, const Sample& b) { return a.time < b.time; };
+    point.hasGoneBack = !std::is_sorted(point.samples.begin(), point.samples.end(), before);
+    std::stable_sort(point.samples.begin(), point.samples.end(), before);
+}
+
+FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
+    constexpr double MOST = 9223372036854774784.0;  // the largest below 2^63
+    FaultSeries series;
+    series.reserve(samples.size());
+    for (const Sample& sample : samples) {
+        series.push_back({sample.time, static_cast<int64_t>(std::clamp(sample.*column, -MOST, MOST))});
+    }
+    return series;
+}
+
+}  // namespace
+
+GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range) {
+    GraphWorld world;
+    if (!FaultJsonObject::GetInstance().IsMember(graph)) {
+        throw NoData("the configuration has no graph " + graph);
+    }
+    WorldReader(world).Read(graph, point);
+    std::vector<std::string> tables;
+    if (FaultGetQueryTable(range.startDate, range.endDate, tables) != 0) {
+        throw NoData("the statistics database cannot be read, or has no tables");
+    }
+    for (auto& [name, data] : world.points) {
+        Load(name, data, range, tables);
+    }
+    return world;
+}
+
+FaultSeries DelaySeries(const Samples& samples) {
+    return SeriesOf(samples, &Sample::delay);
+}
+
+FaultSeries RequestSeries(const Samples& samples) {
+    return SeriesOf(samples, &Sample::requests);
+}
+
+}  // namespace explain

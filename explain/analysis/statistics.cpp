@@ -1,0 +1,79 @@
+#include "explain/analysis/statistics.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+#include "fault_algorithm/fault_correlation.h"
+
+namespace explain {
+namespace {
+
+constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
+constexpr double DEVIATION_SHARE = 0.3;      // an event must not hide in the deviation that it makes itself
+constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
+
+double DeviationOf(const std::vector<double>& values) {
+    const double mean = MeanOf(values);
+    double squares = 0.0;
+    for (const double value : values) {
+        squares += (value - mean) * (value - mean);
+    }
+    return values.size() < 2 ? 0.0 : std::sqrt(squares / static_cast<double>(values.size() - 1));
+}
+
+bool IsConstant(const FaultSeries& series) {
+    return std::all_of(series.begin(), series.end(),
+                       [&](const FaultSeriesRow& row) { return row[1] == series.front()[1]; });
+}
+
+}  // namespace
+
+double MedianOf(std::vector<double>& values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    if (values.size() % 2 != 0) {
+        return *middle;
+    }
+    const double below = *std::max_element(values.begin(), middle);
+    return below + (*middle - below) / 2;
+}
+
+double MeanOf(const std::vector<double>& values) {
+    const auto count = static_cast<double>(values.size());
+    return std::accumulate(values.begin(), values.end(), 0.0) / count;
+}
+
+Usual UsualOf(std::vector<double> values) {
+    const double deviation = DeviationOf(values);
+    Usual usual;
+    usual.median = MedianOf(values);
+    for (double& value : values) {
+        value = std::fabs(value - usual.median);
+    }
+    const double scale = std::max({MAD_TO_DEVIATION * MedianOf(values), DEVIATION_SHARE * deviation,
+                                   MEDIAN_SHARE * std::fabs(usual.median)});
+    usual.scale = scale > 0.0 ? scale : 1.0;
+    return usual;
+}
+
+Common CorrelationOf(const FaultSeries& a, const FaultSeries& b) {
+    FaultSeries commonA;
+    FaultSeries commonB;
+    auto other = b.begin();
+    for (const FaultSeriesRow& row : a) {
+        other = std::find_if(other, b.end(), [&](const FaultSeriesRow& one) { return one[0] >= row[0]; });
+        if (other != b.end() && (*other)[0] == row[0]) {
+            commonA.push_back(row);
+            commonB.push_back(*other++);
+        }
+    }
+    Common common;
+    common.count = commonA.size();
+    if (common.count >= FEWEST_COMMON && !IsConstant(commonA) && !IsConstant(commonB)) {
+        common.correlation = WeightCompute(commonA, commonB);
+    }
+    return common;
+}
+
+}  // namespace explain

@@ -1,0 +1,20 @@
+// The part of the page that tells of one analysis.
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "explain/page/markup.h"
+#include "explain/report.h"
+
+namespace explain {
+
+bool IsAnswer(const Analysis& analysis);
+
+// The answer in a sentence.
+std::string HeadlineOf(const Analysis& analysis);
+
+// The section of the analysis, the one of that `number` on the page; its id is "analysis" and the number.
+Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t number);
+
+}  // namespace explain

@@ -1,0 +1,280 @@
+#include <algorithm>
+#include <cmath>
+
+#include "explain/report.h"
+#include "explain/text/layout.h"
+#include "explain/text/reasons.h"
+#include "explain/text/tree.h"
+#include "explain/wording.h"
+#include "text/printable.h"
+
+namespace explain {
+namespace {
+
+constexpr size_t MOST_ADVICE = 2000;  // bytes
+constexpr size_t MOST_CANDIDATES = 10;
+constexpr size_t MOST_EVENTS = 5;  // besides the one that is explained
+constexpr double MAJORITY = 0.5;
+constexpr double CLOSE = 0.05;  // shares that differ by less are nearly equal
+
+std::string Title(const std::string& title) {
+    return "\n" + title + "\n";
+}
+
+// A line of a section: what it is about, and the value.
+std::string Field(const std::string& name, const std::string& value) {
+    return Paragraph("  " + PadRight(name, 12), value);
+}
+
+std::string Microseconds(double delay) {
+    return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
+}
+
+std::string Deviations(double deviations) {
+    const std::string size = Fixed(std::fabs(deviations), 1);
+    return size + " deviations " + (deviations < 0.0 ? "below" : "above") + " the usual";
+}
+
+// ---- the answer
+
+// The second candidate, where it is hardly behind the first.
+std::string Rival(const std::vector<Candidate>& candidates) {
+    if (candidates.size() < 2 || candidates[0].share - candidates[1].share > CLOSE) {
+        return {};
+    }
+    return " " + Printable(candidates[1].point) + " holds nearly as much: " + Percent(candidates[1].share) +
+           ".";
+}
+
+std::string PointAnswer(const Analysis& analysis) {
+    const Candidate& first = analysis.candidates.front();
+    const std::string share = Percent(first.share) + " of the extra delay";
+    const std::string point = Printable(first.point);
+    const std::string rival = Rival(analysis.candidates);
+    if (first.point != analysis.point) {
+        return point + " (" + Printable(first.graph) + ") holds " + share + "." + rival;
+    }
+    const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
+                                                      : "no single point below it explains more.";
+    return point + " itself holds " + share + ": " + below + rival;
+}
+
+std::string Answer(const Analysis& analysis) {
+    switch (analysis.verdict) {
+        case Verdict::POINT:
+            return PointAnswer(analysis);
+        case Verdict::LOAD:
+            return "Load: the requests rose and the delay with them. No point is to blame.";
+        case Verdict::NOTHING:
+            return "Nothing anomalous: " + analysis.reason + ".";
+        case Verdict::CANNOT_TELL:
+            break;
+    }
+    return "Cannot tell: " + analysis.reason + ".";
+}
+
+std::string Subject(const Analysis& analysis) {
+    return Printable(analysis.point) + " in " + Printable(analysis.graph);
+}
+
+std::string Headline(const Analysis& analysis) {
+    const std::string subject = Paragraph("", Subject(analysis));
+    const size_t cells = std::min(CellsOf(Subject(analysis)), LINE_CELLS);
+    return "\n" + subject + std::string(cells, '=') + "\n" + Paragraph("", Answer(analysis));
+}
+
+// ---- the event
+
+std::string When(const Event& event, int64_t zoneOffset) {
+    const std::string start = LocalTime(event.start, zoneOffset);
+    if (event.start == event.end) {
+        return start + ", one sample";
+    }
+    const std::string end = LocalTime(event.end, zoneOffset);
+    const bool isSameDay = start.substr(0, 10) == end.substr(0, 10);
+    return start + " to " + (isSameDay ? TimeOfDay(event.end, zoneOffset) : end) + ", " +
+           Duration(event.end - event.start) + ", " + Counted(event.count, "high sample");
+}
+
+std::string EventText(const Analysis& analysis, int64_t zoneOffset) {
+    const Event& event = *analysis.event;
+    std::string text =
+        Title("Event") + Field("when", When(event, zoneOffset)) +
+        Field("peak", Microseconds(event.peakDelay) + " at " + LocalTime(event.peakTime, zoneOffset) + ", " +
+                          Deviations(event.peakDeviations));
+    size_t others = 0;
+    for (const Event& other : analysis.events) {
+        if (other.start == event.start) {
+            continue;
+        }
+        if (++others <= MOST_EVENTS) {
+            text += Field(others == 1 ? "others" : "",
+                          When(other, zoneOffset) + ", peak " + Microseconds(other.peakDelay));
+        }
+    }
+    return others > MOST_EVENTS ? text + Field("", "and " + std::to_string(others - MOST_EVENTS) + " more")
+                                : text;
+}
+
+// ---- delay and load of the slow point
+
+// What a value was in the event beside what was usual before it.
+std::string Compared(const std::optional<double>& now, const std::optional<double>& before,
+                     std::string (*written)(double)) {
+    if (!now || !before) {
+        return "not known";
+    }
+    const std::string ratio = *before > 0.0 ? " (" + Fixed(*now / *before, 2) + " times)" : "";
+    return written(*now) + ", before usually " + written(*before) + ratio;
+}
+
+std::string Requests(double requests) {
+    return Fixed(requests, requests < 100.0 ? 1 : 0) + " an interval";
+}
+
+std::string EqualLoad(const std::optional<double>& ratio) {
+    return ratio ? Fixed(*ratio, 2) + " times the delay of before"
+                 : "not known: too few intervals before had as many requests";
+}
+
+std::string Meaning(Nature nature) {
+    switch (nature) {
+        case Nature::DEVICE:
+            return "device: slower than before, not because of more requests";
+        case Nature::LOAD:
+            return "load: the delay follows the requests";
+        case Nature::USUAL:
+            return "no extra delay";
+        case Nature::UNKNOWN:
+            break;
+    }
+    return "cannot be told";
+}
+
+std::string LoadText(const Evidence& evidence) {
+    return Title("Load") +
+           Field("delay", Compared(evidence.eventDelay, evidence.baselineDelay, Microseconds)) +
+           Field("requests", Compared(evidence.eventRequests, evidence.baselineRequests, Requests)) +
+           Field("equal load", EqualLoad(evidence.equalLoadRatio)) +
+           Field("so it is", Meaning(evidence.nature));
+}
+
+// ---- the ranking and how sure it is
+
+std::string CandidateLine(const Analysis& analysis, size_t rank, size_t width, int64_t zoneOffset) {
+    const Candidate& candidate = analysis.candidates[rank];
+    const std::optional<int64_t>& onset = analysis.findings[candidate.node].evidence.onset;
+    const std::string columns = PadLeft(std::to_string(rank + 1), 4) + PadLeft(Percent(candidate.share), 9) +
+                                "  " + (onset ? TimeOfDay(*onset, zoneOffset) : "-       ") + "  ";
+    const std::string point = Printable(candidate.point);
+    const std::string graph = Printable(candidate.graph);
+    const std::string both = PadRight(point, width) + "  " + graph;
+    return CellsOf(columns) + CellsOf(both) <= LINE_CELLS
+               ? columns + both + "\n"
+               : Beside(columns, point) + Beside(std::string(CellsOf(columns), ' ') + "in ", graph);
+}
+
+std::string RankingText(const Analysis& analysis, int64_t zoneOffset) {
+    const std::vector<Candidate>& candidates = analysis.candidates;
+    const size_t shown = std::min(candidates.size(), MOST_CANDIDATES);
+    size_t width = 5;
+    for (size_t i = 0; i < shown; ++i) {
+        width = std::max(width, CellsOf(Printable(candidates[i].point)));
+    }
+    width = std::min<size_t>(width, 40);
+    std::string text =
+        Title("Ranking") + "rank    share  since     " + PadRight("point", width) + "  graph\n";
+    for (size_t i = 0; i < shown; ++i) {
+        text += CandidateLine(analysis, i, width, zoneOffset);
+    }
+    if (shown < candidates.size()) {
+        text += "  and " + Counted(candidates.size() - shown, "point") + " with less\n";
+    }
+    const double second = candidates.size() > 1 ? candidates[1].share : 0.0;
+    return text + Paragraph("  ", "margin to the second: " + Percent(candidates.front().share - second));
+}
+
+// The points that other parts of the baseline put first, by name.
+std::string CertaintyText(const Analysis& analysis) {
+    std::string text = Title("Certainty") +
+                       Paragraph("  ", "same point in " + std::to_string(analysis.Agreements()) + " of " +
+                                           std::to_string(analysis.trials.size()) + " baselines");
+    for (const Trial& trial : analysis.trials) {
+        if (trial.first != analysis.candidates.front().point) {
+            text += Paragraph("  " + PadRight(trial.baseline, 21),
+                              trial.first ? Printable(*trial.first) : "cannot tell");
+        }
+    }
+    return text;
+}
+
+std::string WalkAnswer(const Analysis& analysis) {
+    if (!analysis.walk) {
+        return "has no result";
+    }
+    std::string named = "names " + Printable(*analysis.walk);
+    if (analysis.verdict != Verdict::POINT) {
+        return named;
+    }
+    const bool agrees = *analysis.walk == analysis.candidates.front().point;
+    return named + (agrees ? ": the two agree" : ": the two do not agree");
+}
+
+std::string AdviceText(const Candidate& first) {
+    const std::string advice = Printable(first.advice, MOST_ADVICE);
+    return Title("Advice") + Paragraph("  ", advice.empty() ? "the graph has none for this point" : advice);
+}
+
+// ---- the whole
+
+std::string AnalysisText(const Analysis& analysis, int64_t zoneOffset) {
+    std::string text = Headline(analysis);
+    if (analysis.event) {
+        text += EventText(analysis, zoneOffset);
+    }
+    if (!analysis.findings.empty()) {
+        text += LoadText(analysis.findings.front().evidence) + TreeText(analysis);
+    }
+    if (analysis.verdict == Verdict::POINT) {
+        text += RankingText(analysis, zoneOffset) + CertaintyText(analysis) +
+                AdviceText(analysis.candidates.front());
+    }
+    if (!analysis.findings.empty()) {
+        text += Title("The plug-in's own walk") + Paragraph("  ", WalkAnswer(analysis));
+    }
+    return text + ReasonsText(analysis);
+}
+
+// The answers in short, where there are several.
+std::string Overview(const std::vector<Analysis>& analyses) {
+    std::string text = analyses.size() > 1 ? Title("Answers") : "";
+    for (size_t i = 0; i < analyses.size() && analyses.size() > 1; ++i) {
+        text += Paragraph("  ", Subject(analyses[i])) + Paragraph("    ", Answer(analyses[i]));
+    }
+    return text;
+}
+
+std::string RangeText(const Report& report) {
+    std::string text = Paragraph("", "From " + LocalTime(report.range.startTime, report.zoneOffset) + " to " +
+                                         LocalTime(report.range.endTime, report.zoneOffset) + ", zone " +
+                                         ZoneText(report.zoneOffset));
+    if (report.analyses.empty()) {
+        return text + "Nothing anomalous: the detector flags no point.\n";
+    }
+    return text +
+           Paragraph("", std::to_string(report.flags.flagged) + " of " +
+                             Counted(report.flags.samples, "sample") + " lie beyond three deviations; " +
+                             Fixed(report.flags.expected, 1) + " would by chance.");
+}
+
+}  // namespace
+
+std::string TextReport(const Report& report) {
+    std::string text = RangeText(report) + Overview(report.analyses);
+    for (const Analysis& analysis : report.analyses) {
+        text += AnalysisText(analysis, report.zoneOffset);
+    }
+    return text;
+}
+
+}  // namespace explain

@@ -1,0 +1,173 @@
+#include "host/capture/capture.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <utility>
+
+#include "agent/agent_storage.h"
+#include "agent/agent_switch.h"
+#include "host/services/alarm.h"
+
+namespace {
+namespace fs = std::filesystem;
+
+// Names the temporary root for programs that this one starts. A link in it tells of which capture it is.
+constexpr const char* ROOT_VARIABLE = "ZORV_CAPTURE_ROOT";
+constexpr const char* CAPTURE_LINK = "/capture";
+
+struct Database {
+    const char* path;
+    std::vector<std::string> tables;
+    const char* withoutIt;
+    const char* standIn;  // makes an empty one; null: nothing can stand in
+};
+
+const std::vector<Database>& Databases() {
+    static const std::vector<Database> databases = {
+        {LUMO_DATABASE_FILE,
+         {"table_flag", "version_nmaps"},
+         "without the statistics there is nothing to diagnose. Copy it from the node",
+         nullptr},
+        {ZORV_HEAL_DATABASE_FILE,
+         {"fault_heal_event"},
+         "without the healing events the plug-in opens no database. Copy it from the node, or go on without "
+         "healing events by --empty-heal",
+         "create table fault_heal_event(healtime integer, modulename text, healcause text, infercause text,"
+         " nodeid integer);"},
+    };
+    return databases;
+}
+
+// Fills the temporary root `root` for the capture in `directory`.
+class Preparation {
+public:
+    Preparation(std::string from, std::string to, bool mayStandIn, std::vector<std::string>& toTell)
+        : directory(std::move(from)), root(std::move(to)), emptyHeal(mayStandIn), notes(toTell) {}
+
+    // All databases are looked at before SQLite opens the first.
+    void Run() {
+        for (const Database& database : Databases()) {
+            TakeIn(database);
+        }
+        LinkIfThere(FAULT_DIAG_SWITCH_FILE);
+        CopyIfThere(ALARM_FILE);
+        if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
+            notes.push_back(
+                directory + ZORV_ROUTE_CONFIG_FILE +
+                " is missing: there are no graphs, so no causes are found. Copy it from the node.");
+        }
+        for (const auto& write : writes) {
+            write();
+        }
+        for (const Database& database : Databases()) {
+            CheckTables(root + database.path, database.tables, directory + database.path);
+        }
+    }
+
+private:
+    void TakeIn(const Database& database) {
+        const std::string path = directory + database.path;
+        const std::string taken = PlaceFor(database.path);
+        std::error_code error;
+        const fs::file_status status = fs::symlink_status(path, error);
+        if (!fs::status_known(status)) {
+            throw CaptureError(path + " cannot be looked at: " + error.message() + ".");
+        }
+        const bool isMissing = !fs::exists(status);
+        if (isMissing || (fs::is_regular_file(path, error) && fs::file_size(path) == 0)) {
+            return MakeStandIn(database, path + (isMissing ? " is missing: " : " is empty: "), taken);
+        }
+        const CapturedDatabase files = LookAtDatabase(path);
+        if (!files.NeedsCopy()) {
+            return fs::create_symlink(files.path, taken);
+        }
+        Tell(path, files, CopyDatabase(files, taken));
+        writes.emplace_back([=] { SettleCopy(taken, path); });
+    }
+
+    void MakeStandIn(const Database& database, const std::string& what, const std::string& taken) {
+        if (!emptyHeal || database.standIn == nullptr) {
+            throw CaptureError(what + database.withoutIt + ".");
+        }
+        notes.push_back(what + "an empty one stands in, so no healing events are told.");
+        writes.emplace_back([=, &database] { MakeDatabase(taken, database.standIn); });
+    }
+
+    void Tell(const std::string& path, const CapturedDatabase& files, uint64_t bytes) {
+        const std::string why = files.isHot ? " has a transaction that was left unfinished, it is rolled back"
+                                : files.isWal ? " is in WAL mode"
+                                              : " has a -wal file beside it";
+        notes.push_back(path + why + ": working on a copy of " + std::to_string(bytes) + " bytes in " + root +
+                        ".");
+        if (files.isWal && !files.isWalSound) {
+            notes.push_back(
+                path + "-wal is " + (files.walSize == 0 ? "missing or empty" : "damaged") +
+                ": unless the node had closed the database, its newest rows are missing. Copy both "
+                "from the node again.");
+        }
+    }
+
+    bool LinkIfThere(const char* path) const {
+        std::error_code ignored;
+        const bool isThere = fs::exists(directory + path, ignored);
+        if (isThere) {
+            fs::create_symlink(directory + path, PlaceFor(path));
+        }
+        return isThere;
+    }
+
+    // Of a file that is appended to.
+    void CopyIfThere(const char* path) const {
+        std::error_code ignored;
+        if (fs::is_regular_file(directory + path, ignored)) {
+            CopyFile(directory + path, PlaceFor(path));
+        }
+    }
+
+    // Where a file of the capture belongs in the root; its directory is there.
+    std::string PlaceFor(const char* path) const {
+        std::string place = root + path;
+        fs::create_directories(fs::path(place).parent_path());
+        return place;
+    }
+
+    const std::string directory;
+    const std::string root;
+    const bool emptyHeal;
+    std::vector<std::function<void()>> writes;  // by SQLite
+    std::vector<std::string>& notes;
+};
+
+std::string CheckedDirectory(const std::string& directory) {
+    std::error_code ignored;
+    if (!fs::is_directory(directory, ignored)) {
+        throw CaptureError("the capture '" + directory +
+                           "' is not a directory. Name the one that holds the node's folder VRA.");
+    }
+    return fs::absolute(directory).lexically_normal();
+}
+
+// The root that the program which started this one has made of the capture.
+std::optional<std::string> RootOfStarter(const std::string& directory) {
+    const char* const root = std::getenv(ROOT_VARIABLE);
+    std::error_code error;
+    const bool isOfCapture =
+        root != nullptr && fs::read_symlink(std::string(root) + CAPTURE_LINK, error) == directory && !error;
+    return isOfCapture ? std::optional<std::string>(root) : std::nullopt;
+}
+}  // namespace
+
+Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
+    : directory(CheckedDirectory(givenDirectory)) {
+    if (const std::optional<std::string> given = RootOfStarter(directory)) {
+        root = *given;
+        return;
+    }
+    temporary = std::make_unique<TemporaryDirectory>();
+    root = temporary->Path();
+    Preparation(directory, root, emptyHeal, notes).Run();
+    fs::create_directory_symlink(directory, root + CAPTURE_LINK);
+    setenv(ROOT_VARIABLE, root.c_str(), 1);
+}

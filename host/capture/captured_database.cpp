@@ -1,0 +1,194 @@
+#include "host/capture/captured_database.h"
+
+#include <fcntl.h>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+
+#include "host/process/files.h"
+
+namespace {
+namespace fs = std::filesystem;
+
+constexpr const char* AGAIN = ". Copy it from the node again.";
+
+using Header = std::array<unsigned char, 100>;
+
+uint32_t BigEndian(const unsigned char* bytes) {
+    return uint32_t{bytes[0]} << 24U | uint32_t{bytes[1]} << 16U | uint32_t{bytes[2]} << 8U | bytes[3];
+}
+
+uint64_t SizeOf(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size)
+                                                                       : 0;
+}
+
+// The first bytes of the file `path`; zeros where it is shorter.
+Header HeaderOf(const std::string& path) {
+    const OwnedFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    Header header{};
+    if (!file || read(file.Get(), header.data(), header.size()) < 0) {
+        throw CaptureError(path + " cannot be read: " + std::strerror(errno) +
+                           ". Make it readable, or copy it again.");
+    }
+    return header;
+}
+
+std::string RealPath(const std::string& path) {
+    std::error_code error;
+    const fs::path real = fs::canonical(path, error);
+    if (error) {
+        throw CaptureError(path + " cannot be read: " + error.message() + AGAIN);
+    }
+    return real;
+}
+
+void TakeDatabaseHeader(const Header& header, CapturedDatabase& database) {
+    constexpr std::string_view MAGIC("SQLite format 3\0", 16);
+    if (std::memcmp(header.data(), MAGIC.data(), MAGIC.size()) != 0) {
+        throw CaptureError(database.path + " is no SQLite database, it begins with something else" + AGAIN);
+    }
+    database.isWal = header[18] == 2 || header[19] == 2;
+    const uint32_t pageSize = uint32_t{header[16]} << 8U | header[17];
+    // Old writers count no pages; they leave two counts of changes different.
+    if (std::memcmp(&header[24], &header[92], 4) == 0) {
+        database.promisedSize = uint64_t{BigEndian(&header[28])} * (pageSize == 1 ? 65536 : pageSize);
+    }
+}
+
+// Of a journal that is to be rolled back: SQLite takes a damaged one for one without pages, and the rows of
+// the unfinished transaction would stay. The pages that the first header promises have to be there.
+void CheckJournal(const std::string& path, uint64_t size) {
+    constexpr unsigned char MAGIC[] = {0xD9, 0xD5, 0x05, 0xF9, 0x20, 0xA1, 0x63, 0xD7};
+    constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
+    const Header header = HeaderOf(path);
+    const uint32_t pages = BigEndian(&header[8]);
+    const uint64_t pageRecord = uint64_t{BigEndian(&header[24])} + 8;
+    const uint64_t promised = BigEndian(&header[20]) + (pages == NOT_COUNTED ? 0 : pages * pageRecord);
+    if (std::memcmp(header.data(), MAGIC, sizeof MAGIC) != 0 || size < promised) {
+        throw CaptureError(
+            path + " is damaged: it holds what an unfinished transaction has to be rolled back with" + AGAIN);
+    }
+}
+
+struct CloseHandle {
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
+};
+
+class Connection {
+public:
+    Connection(const std::string& path, int flags, const std::string& shownPath) : shown(shownPath) {
+        sqlite3* opened = nullptr;
+        const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
+        handle.reset(opened);
+        Check(result);
+    }
+
+    void Run(const std::string& statements) {
+        Check(sqlite3_exec(handle.get(), statements.c_str(), nullptr, nullptr, nullptr));
+    }
+
+private:
+    void Check(int result) const {
+        if (result != SQLITE_OK) {
+            throw CaptureError(shown + " cannot be used: " + sqlite3_errmsg(handle.get()) + AGAIN);
+        }
+    }
+
+    std::unique_ptr<sqlite3, CloseHandle> handle;
+    const std::string shown;
+};
+
+void CheckSpace(const CapturedDatabase& database, const std::string& directory) {
+    // The rows of the -wal go into the database before it is removed.
+    const uint64_t needed = database.size + 2 * database.walSize + database.journalSize;
+    std::error_code ignored;
+    const fs::space_info space = fs::space(directory, ignored);
+    if (!ignored && space.available < needed) {
+        throw CaptureError("there is no space for a copy of " + database.path + ": it takes " +
+                           std::to_string(needed) + " bytes, and " + directory + " has " +
+                           std::to_string(space.available) + ". Name a larger place with TMPDIR.");
+    }
+}
+
+}  // namespace
+
+void CopyFile(const std::string& from, const std::string& to) {
+    std::error_code error;
+    fs::copy_file(from, to, error);
+    if (!error) {
+        fs::permissions(to, fs::perms::owner_read | fs::perms::owner_write, error);
+    }
+    if (error) {
+        throw CaptureError(from + " cannot be copied to " + to + ": " + error.message() +
+                           ". Name another place with TMPDIR.");
+    }
+}
+
+CapturedDatabase LookAtDatabase(const std::string& path) {
+    CapturedDatabase database;
+    database.path = RealPath(path);
+    if (!fs::is_regular_file(database.path)) {
+        throw CaptureError(path + " is not a file" + AGAIN);
+    }
+    const std::string wal = database.path + "-wal";
+    const std::string journal = database.path + "-journal";
+    database.size = SizeOf(database.path);
+    database.walSize = SizeOf(wal);
+    database.journalSize = SizeOf(journal);
+    database.isHot = database.journalSize > 0 && HeaderOf(journal)[0] != 0;
+    if (database.isHot) {
+        CheckJournal(journal, database.journalSize);
+    }
+    if (database.walSize > 0) {
+        const uint32_t magic = BigEndian(HeaderOf(wal).data());
+        database.isWalSound = (magic & ~1U) == 0x377F0682U;
+    }
+    if (database.size == 0) {
+        throw CaptureError(path + " is empty" + AGAIN);
+    }
+    TakeDatabaseHeader(HeaderOf(database.path), database);
+    if (!database.NeedsCopy() && database.size < database.promisedSize) {
+        throw CaptureError(path + " is cut short: it has " + std::to_string(database.size) + " of " +
+                           std::to_string(database.promisedSize) + " bytes, and rows would be missing" +
+                           AGAIN);
+    }
+    return database;
+}
+
+uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path) {
+    CheckSpace(database, fs::path(path).parent_path());
+    CopyFile(database.path, path);
+    if (database.walSize > 0) {
+        CopyFile(database.path + "-wal", path + "-wal");
+    }
+    if (database.journalSize > 0) {
+        CopyFile(database.path + "-journal", path + "-journal");
+    }
+    return database.size + database.walSize + database.journalSize;
+}
+
+void SettleCopy(const std::string& path, const std::string& shownPath) {
+    Connection copy(path, SQLITE_OPEN_READWRITE, shownPath);
+    copy.Run("pragma synchronous = off; select count(*) from sqlite_master; pragma journal_mode = delete;");
+}
+
+void CheckTables(const std::string& path, const std::vector<std::string>& tables,
+                 const std::string& shownPath) {
+    Connection database(path, SQLITE_OPEN_READONLY, shownPath);
+    for (const std::string& table : tables) {
+        database.Run("select 1 from " + table + " limit 1;");
+    }
+}
+
+void MakeDatabase(const std::string& path, const std::string& statement) {
+    Connection(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, path).Run(statement);
+}

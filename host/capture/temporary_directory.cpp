@@ -1,0 +1,62 @@
+#include "host/capture/temporary_directory.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <stdexcept>
+
+namespace {
+std::string MakeDirectory() {
+    const char* const named = std::getenv("TMPDIR");
+    const std::string place = named == nullptr || *named == '\0' ? "/tmp" : named;
+    std::string path = place + "/zorv-capture.XXXXXX";
+    if (mkdtemp(path.data()) == nullptr) {
+        throw std::runtime_error("no temporary directory can be made in " + place + ": " +
+                                 std::strerror(errno) + ". Name another place with TMPDIR.");
+    }
+    return path;
+}
+
+// Out of reach of the signals that end this process and its group.
+[[noreturn]] void RemoveAtTheEnd(int lifeline, const std::string& path) {
+    setsid();
+    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
+        std::signal(signal, SIG_IGN);
+    }
+    char byte = 0;
+    while (read(lifeline, &byte, 1) < 0 && errno == EINTR) {
+    }
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+    _exit(0);
+}
+}  // namespace
+
+TemporaryDirectory::TemporaryDirectory() : path(MakeDirectory()) {
+    int ends[2] = {-1, -1};
+    const bool isPipe = pipe2(ends, O_CLOEXEC) == 0;
+    remover = isPipe ? fork() : -1;
+    if (remover == 0) {
+        close(ends[1]);
+        RemoveAtTheEnd(ends[0], path);
+    }
+    close(ends[0]);
+    lifeline = ends[1];
+    if (remover < 0) {
+        close(lifeline);
+        rmdir(path.c_str());
+        throw std::runtime_error("nobody can be made to remove the temporary directory in the end");
+    }
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+    close(lifeline);
+    while (waitpid(remover, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}

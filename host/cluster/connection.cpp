@@ -1,0 +1,185 @@
+#include "host/cluster/connection.h"
+
+#include <nng/nng.h>
+#include <nng/transport/ipc/ipc.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <iterator>
+#include <thread>
+#include <utility>
+
+#include "host/process/interrupt.h"
+
+// Of the library only its byte streams are used. Its messages could be sent once more without our knowledge;
+// and its ipc listener for them, in version 1.5.2, hears nothing more after a connection that is closed at
+// once, such as every second process makes that tries to listen there. Nor does it close a descriptor at
+// once, but on a thread of its own, which is the slower the more it has to close.
+
+namespace {
+constexpr int OWNER_ONLY = 0600;
+constexpr int MANY_DESCRIPTORS = 256;
+constexpr std::chrono::milliseconds PAUSE{5};
+constexpr int MOST_PAUSES = 200;
+constexpr std::string_view IPC = "ipc://";
+
+void Check(int error) {
+    if (error != 0) {
+        throw std::runtime_error(nng_strerror(error));
+    }
+}
+
+nng_duration Left(Moment end) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now()).count();
+    return static_cast<nng_duration>(std::clamp<int64_t>(left, 0, INT32_MAX));
+}
+
+Connection::Stream StreamOf(const Operation& operation) {
+    return Connection::Stream(static_cast<nng_stream*>(nng_aio_get_output(operation.Get(), 0)));
+}
+
+Connection::Stream Dial(const std::string& address, Moment end) {
+    nng_stream_dialer* dialer = nullptr;
+    Check(nng_stream_dialer_alloc(&dialer, address.c_str()));
+    const std::unique_ptr<nng_stream_dialer, void (*)(nng_stream_dialer*)> owner(dialer,
+                                                                                 nng_stream_dialer_free);
+    Operation operation;
+    nng_aio_set_timeout(operation.Get(), Left(end));
+    nng_stream_dialer_dial(dialer, operation.Get());
+    Check(operation.Wait());
+    return StreamOf(operation);
+}
+
+bool HasManyDescriptors() {
+    std::error_code ignored;
+    const std::filesystem::directory_iterator open("/proc/self/fd", ignored);
+    return std::distance(begin(open), end(open)) > MANY_DESCRIPTORS;
+}
+
+// Lets the library close what it has to close: whoever connects again and again would use up all descriptors,
+// the databases' as well. Not for ever: they may have other reasons to be many.
+void AwaitDescriptors() {
+    for (int i = 0; i < MOST_PAUSES && HasManyDescriptors(); ++i) {
+        std::this_thread::sleep_for(PAUSE);
+    }
+}
+
+// The library would take any file at the address for what a killed process has left, and remove it.
+void RefuseOtherFiles(const std::string& path) {
+    std::error_code ignored;
+    const auto status = std::filesystem::status(path, ignored);
+    if (std::filesystem::exists(status) && !std::filesystem::is_socket(status)) {
+        throw std::runtime_error("the file there is no socket");
+    }
+}
+
+void Listen(const std::string& address, nng_stream_listener** listener) {
+    const bool isFile = address.compare(0, IPC.size(), IPC) == 0;
+    if (isFile) {
+        RefuseOtherFiles(address.substr(IPC.size()));
+    }
+    Check(nng_stream_listener_alloc(listener, address.c_str()));
+    if (isFile) {
+        Check(nng_stream_listener_set_int(*listener, NNG_OPT_IPC_PERMISSIONS, OWNER_ONLY));
+    }
+    Check(nng_stream_listener_listen(*listener));
+}
+}  // namespace
+
+// The library calls back on a thread of its own, which takes its time: only where somebody has to hear of it.
+Operation::Operation() : isInterruptible(RunsCommand()) {
+    Check(nng_aio_alloc(&aio, isInterruptible ? &Operation::Ended : nullptr, this));
+}
+
+Operation::~Operation() {
+    nng_aio_free(aio);
+}
+
+void Operation::Ended(void* operation) {
+    auto& ended = *static_cast<Operation*>(operation);
+    const std::lock_guard<std::mutex> lock(ended.mutex);
+    ended.hasEnded = true;
+    ended.changed.notify_one();
+}
+
+int Operation::Wait() {
+    if (isInterruptible) {
+        std::unique_lock<std::mutex> lock(mutex);
+        if (!WaitUnlessInterrupted(changed, lock, Moment::max(), [this] { return hasEnded; })) {
+            nng_aio_cancel(aio);
+        }
+    }
+    nng_aio_wait(aio);
+    hasEnded = false;  // nobody else looks until the next operation begins
+    return nng_aio_result(aio);
+}
+
+void Connection::Free::operator()(nng_stream* freed) const {
+    nng_stream_free(freed);
+}
+
+Connection::Connection(Stream connected, Moment lastMoment) : stream(std::move(connected)), end(lastMoment) {}
+
+Connection::Connection(const std::string& address, Moment lastMoment)
+    : stream(Dial(address, lastMoment)), end(lastMoment) {}
+
+void Connection::Send(const BusFrame& frame) {
+    std::string bytes = EncodeFrame(frame);
+    Transfer(nng_stream_send, bytes.data(), bytes.size());
+}
+
+BusFrame Connection::Receive() {
+    received.resize(FRAME_HEADER);
+    Transfer(nng_stream_recv, received.data(), FRAME_HEADER);
+    const std::optional<size_t> length = PayloadLength(received);
+    if (!length.has_value()) {
+        throw NoFrame();
+    }
+    received.resize(FRAME_HEADER + *length);
+    Transfer(nng_stream_recv, received.data() + FRAME_HEADER, *length);
+    return DecodeFrame(received).value();
+}
+
+void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length) {
+    while (length > 0) {
+        const nng_iov part = {bytes, length};
+        Check(nng_aio_set_iov(operation.Get(), 1, &part));
+        nng_aio_set_timeout(operation.Get(), Left(end));
+        start(stream.get(), operation.Get());
+        Check(operation.Wait());
+        const size_t done = nng_aio_count(operation.Get());
+        bytes += done;
+        length -= done;
+    }
+}
+
+Listener::Listener(const std::string& address) {
+    try {
+        Listen(address, &listener);
+    } catch (const std::runtime_error& error) {
+        nng_stream_listener_free(listener);
+        throw std::runtime_error("cannot listen at " + address + ": " + error.what());
+    }
+}
+
+Listener::~Listener() {
+    nng_stream_listener_free(listener);
+}
+
+std::unique_ptr<Connection> Listener::Accept(std::chrono::milliseconds life) {
+    AwaitDescriptors();
+    Operation operation;
+    nng_aio_set_timeout(operation.Get(), NNG_DURATION_INFINITE);
+    nng_stream_listener_accept(listener, operation.Get());
+    const int error = operation.Wait();
+    if (error == NNG_ECLOSED) {
+        return nullptr;
+    }
+    Check(error);
+    return std::make_unique<Connection>(StreamOf(operation), std::chrono::steady_clock::now() + life);
+}
+
+void Listener::Close() {
+    nng_stream_listener_close(listener);
+}

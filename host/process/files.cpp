@@ -1,0 +1,125 @@
+#include "host/process/files.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+constexpr mode_t FILE_MODE = 0644;
+
+std::string DirectoryOf(const std::string& path) {
+    const std::string parent = std::filesystem::path(path).parent_path();
+    return parent.empty() ? "." : parent;
+}
+
+OwnedFd OpenDirectory(const std::string& path) {
+    return OwnedFd(open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+bool IsDirectory(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+bool WriteAll(int fd, std::string_view data) {
+    while (!data.empty()) {
+        const ssize_t written = write(fd, data.data(), data.size());
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        data.remove_prefix(written < 0 ? 0 : static_cast<size_t>(written));
+    }
+    return true;
+}
+
+bool Lock(int fd) {
+    int result = 0;
+    do {
+        result = flock(fd, LOCK_EX);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}
+
+// As a full disk leaves it.
+bool EndsWithinLine(int fd) {
+    struct stat status {};
+    char last = '\n';
+    return fstat(fd, &status) == 0 && status.st_size > 0 && pread(fd, &last, 1, status.st_size - 1) == 1 &&
+           last != '\n';
+}
+
+bool WriteNewFile(const std::string& path, std::string_view content) {
+    const OwnedFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE));
+    return file && WriteAll(file.Get(), content) && fsync(file.Get()) == 0;
+}
+}  // namespace
+
+OwnedFd::~OwnedFd() {
+    if (fd >= 0) {
+        close(fd);
+    }
+}
+
+bool MakeDirectoryOf(const std::string& path, mode_t mode) {
+    const std::string directory = DirectoryOf(path);
+    if (IsDirectory(directory)) {
+        return true;
+    }
+    if (!MakeDirectoryOf(directory, mode)) {
+        return false;
+    }
+    if (mkdir(directory.c_str(), mode) != 0 && errno != EEXIST) {
+        return false;
+    }
+    const OwnedFd parent = OpenDirectory(DirectoryOf(directory));
+    return parent && fsync(parent.Get()) == 0;
+}
+
+bool ReplaceFile(const std::string& path, std::string_view content) {
+    // The lock keeps writers of the one temporary file apart, and ends with its owner's life.
+    const OwnedFd directory = OpenDirectory(DirectoryOf(path));
+    if (!directory || !Lock(directory.Get())) {
+        return false;
+    }
+    const std::string fresh = path + ".tmp";
+    if (!WriteNewFile(fresh, content) || std::rename(fresh.c_str(), path.c_str()) != 0) {
+        const int reason = errno;
+        unlink(fresh.c_str());
+        errno = reason;
+        return false;
+    }
+    return fsync(directory.Get()) == 0;
+}
+
+bool AppendLine(const std::string& path, const std::string& line) {
+    const OwnedFd file(open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, FILE_MODE));
+    const std::string end(file && EndsWithinLine(file.Get()) ? 1 : 0, '\n');  // of the line before
+    return file && WriteAll(file.Get(), end + line + '\n') && fsync(file.Get()) == 0;
+}
+
+bool ReadSmallFile(const std::string& path, size_t most, std::string& content) {
+    // Without O_NONBLOCK a pipe of that name would hold the caller for ever.
+    const OwnedFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    struct stat status {};
+    if (!file || fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return false;
+    }
+    std::string text(most + 1, '\0');
+    size_t length = 0;
+    ssize_t got = 0;
+    do {
+        got = read(file.Get(), text.data() + length, text.size() - length);
+        length += got > 0 ? static_cast<size_t>(got) : 0;
+    } while (got > 0 || (got < 0 && errno == EINTR));
+    if (got < 0 || length > most) {
+        return false;
+    }
+    text.resize(length);
+    content = std::move(text);
+    return true;
+}

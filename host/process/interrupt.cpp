@@ -1,0 +1,64 @@
+#include "host/process/interrupt.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <thread>
+
+namespace {
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::milliseconds SLICE{20};
+
+std::atomic<bool> g_interrupted{false};
+static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler");
+
+thread_local bool g_runsCommand = false;
+thread_local bool g_hasWaited = false;
+
+void Interrupt(int /*signal*/) {
+    g_interrupted = true;
+}
+}  // namespace
+
+void TakeInterrupts() {
+    struct sigaction action {};
+    action.sa_handler = Interrupt;
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
+}
+
+CommandRun::CommandRun() {
+    g_interrupted = false;
+    g_runsCommand = true;
+    g_hasWaited = false;
+}
+
+CommandRun::~CommandRun() {
+    g_runsCommand = false;
+}
+
+bool RunsCommand() {
+    return g_runsCommand;
+}
+
+bool Interrupted() {
+    return g_runsCommand && g_interrupted;
+}
+
+bool IsFirstWaitOfCommand() {
+    const bool isFirst = g_runsCommand && !g_hasWaited && !g_interrupted;
+    g_hasWaited = true;
+    return isFirst;
+}
+
+Clock::time_point NextLook(Clock::time_point end) {
+    return g_runsCommand ? std::min(end, Clock::now() + SLICE) : end;
+}
+
+void SleepUnlessInterrupted(std::chrono::milliseconds duration) {
+    const auto end = Clock::now() + duration;
+    while (Clock::now() < end && !Interrupted()) {
+        std::this_thread::sleep_until(NextLook(end));
+    }
+}

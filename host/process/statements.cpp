@@ -1,0 +1,82 @@
+#include "host/process/statements.h"
+
+#include <sqlite3.h>
+
+#include <filesystem>
+#include <mutex>
+#include <set>
+
+#include "host/process/immortal.h"
+#include "host/process/interrupt.h"
+
+namespace {
+constexpr int STEPS_BETWEEN_LOOKS = 1000;  // of SQLite's virtual machine, a few microseconds
+
+// SQLite holds a connection's own mutex when a connection comes or goes. Whoever holds the mutex of the set
+// may therefore only try the connection's.
+struct Connections {
+    std::mutex mutex;
+    std::set<sqlite3*> open;
+};
+
+Connections& AllConnections() {
+    static Connections& connections = MakeImmortal<Connections>();
+    return connections;
+}
+
+int StopIfInterrupted(void* /*user*/) {
+    return Interrupted() ? 1 : 0;
+}
+
+int Trace(unsigned event, void* user, void* /*object*/, void* /*detail*/) {
+    auto* const connection = static_cast<sqlite3*>(user);
+    if (event == SQLITE_TRACE_CLOSE) {
+        Connections& connections = AllConnections();
+        const std::lock_guard<std::mutex> lock(connections.mutex);
+        connections.open.erase(connection);
+    } else if (Interrupted()) {
+        sqlite3_interrupt(connection);  // a short statement would end before anybody looks
+    }
+    return 0;
+}
+
+int WatchConnection(sqlite3* connection, char** /*error*/, const void* /*api*/) {
+    sqlite3_progress_handler(connection, STEPS_BETWEEN_LOOKS, &StopIfInterrupted, nullptr);
+    sqlite3_trace_v2(connection, SQLITE_TRACE_STMT | SQLITE_TRACE_CLOSE, &Trace, connection);
+    Connections& connections = AllConnections();
+    const std::lock_guard<std::mutex> lock(connections.mutex);
+    connections.open.insert(connection);
+    return SQLITE_OK;
+}
+
+// Of a connection that nobody else is using meanwhile; empty when its last call went well.
+std::string FailureOf(sqlite3* connection) {
+    const int code = sqlite3_errcode(connection);
+    if (code == SQLITE_OK || code == SQLITE_ROW || code == SQLITE_DONE) {
+        return {};
+    }
+    const char* const file = sqlite3_db_filename(connection, "main");
+    return std::filesystem::path(file == nullptr ? "" : file).filename().string() + ": " +
+           sqlite3_errmsg(connection);
+}
+}  // namespace
+
+void WatchStatements() {
+    sqlite3_auto_extension(reinterpret_cast<void (*)()>(&WatchConnection));
+}
+
+std::string FailedStatements() {
+    Connections& connections = AllConnections();
+    const std::lock_guard<std::mutex> lock(connections.mutex);
+    std::string failures;
+    for (sqlite3* const connection : connections.open) {
+        sqlite3_mutex* const mutex = sqlite3_db_mutex(connection);
+        if (sqlite3_mutex_try(mutex) != SQLITE_OK) {
+            continue;
+        }
+        const std::string failure = FailureOf(connection);
+        sqlite3_mutex_leave(mutex);
+        failures += (failures.empty() || failure.empty() ? "" : "; ") + failure;
+    }
+    return failures;
+}

@@ -1,0 +1,82 @@
+#include "simulator/files/world.h"
+
+#include <algorithm>
+#include <system_error>
+#include <vector>
+
+#include "agent/agent_storage.h"
+#include "simulator/files/replaced_file.h"
+#include "simulator/files/route_config.h"
+#include "simulator/files/sqlite_file.h"
+#include "simulator/files/truth.h"
+#include "simulator/plan/heal_events.h"
+
+namespace lumosim {
+namespace {
+namespace fs = std::filesystem;
+
+void CreateRoot(const fs::path& root) {
+    std::error_code error;
+    fs::create_directories(root, error);
+    if (!error && !fs::is_directory(root, error)) {
+        error = std::make_error_code(std::errc::not_a_directory);
+    }
+    if (error) {
+        throw BadInput("cannot create the folder " + root.string() + ": " + error.message());
+    }
+}
+
+std::vector<HealEvent> ReportedEvents(const std::vector<HealEvent>& events, const WorldModel& model) {
+    std::vector<HealEvent> reported;
+    std::copy_if(events.begin(), events.end(), std::back_inserter(reported),
+                 [&](const HealEvent& event) { return IsReported(event, model.options, model.plan); });
+    return reported;
+}
+
+// The samples that are not written yet.
+void ObserveTheFuture(const WorldModel& model, PeakFinder& peak) {
+    std::vector<Sample> samples;
+    for (int64_t time = model.options.end; time < model.plan.End(); time += model.options.step) {
+        model.source.Fill(time, samples);
+        for (size_t point = 0; point < samples.size(); ++point) {
+            peak.Observe(point, time, samples[point]);
+        }
+    }
+}
+
+}  // namespace
+
+WorldSummary WriteWorld(const WorldOptions& options, const Progress& progress) {
+    return WriteWorld(WorldModel(options), progress);
+}
+
+WorldSummary WriteWorld(const WorldModel& model, const Progress& progress) {
+    const WorldOptions& options = model.options;
+    CreateRoot(options.root);
+    ReplacedFile config(options.root.string() + ZORV_ROUTE_CONFIG_FILE);
+    ReplacedFile heals(options.root.string() + ZORV_HEAL_DATABASE_FILE);
+    ReplacedFile statistics(options.root.string() + LUMO_DATABASE_FILE);
+    ReplacedFile truth(options.root / "truth.json");
+
+    WorldSummary summary{model.PointCount(), 0, options.root / "truth.json"};
+    PeakFinder peak(model.topology, model.plan);
+    const auto observe = [&](size_t point, int64_t time, const Sample& sample) {
+        ++summary.rowCount;
+        peak.Observe(point, time, sample);
+    };
+    const std::vector<HealEvent> events = HealEvents(options, model.scenario, model.plan);
+    config.Write(RouteConfig(model.topology));
+    WriteHealEvents(heals.NewPath(), events);
+    WriteStatistics(statistics.NewPath(), model, options.Start(), options.end, observe, progress);
+    ObserveTheFuture(model, peak);
+    truth.Write(Truth(options, model.topology, model.plan, peak, ReportedEvents(events, model)));
+
+    // A running reader opens both databases anew when it sees the statistics being replaced.
+    RecoverDatabase(options.root.string() + LUMO_DATABASE_FILE);
+    for (ReplacedFile* file : {&config, &heals, &statistics, &truth}) {
+        file->Commit();
+    }
+    return summary;
+}
+
+}  // namespace lumosim

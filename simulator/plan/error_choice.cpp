@@ -1,0 +1,81 @@
+#include "simulator/plan/error_choice.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace lumosim {
+namespace {
+
+constexpr std::array<std::string_view, 3> WALKED_GRAPHS = {"ERRCODE_SAN_PROTO", "ERRCODE_NAS_PROTO",
+                                                           "ERRCODE_SMB"};
+
+int ColumnOf(const std::string& type) {
+    const auto place = std::find(ERROR_TYPES.begin(), ERROR_TYPES.end(), type);
+    if (place == ERROR_TYPES.end()) {
+        throw BadInput(NoSuchName("error type", type, {ERROR_TYPES.begin(), ERROR_TYPES.end()}));
+    }
+    return static_cast<int>(place - ERROR_TYPES.begin());
+}
+
+// The graphs in which a way to a point may begin, those that are shown first.
+std::vector<std::string_view> FirstGraphs(const Topology& topology) {
+    std::vector<std::string_view> graphs(WALKED_GRAPHS.begin(), WALKED_GRAPHS.end());
+    for (const Graph& graph : topology.Graphs()) {
+        if (graph.family == GraphFamily::ERRCODE) {
+            graphs.push_back(graph.name);
+        }
+    }
+    return graphs;
+}
+
+std::vector<std::string> ErrorPoints(const Topology& topology) {
+    std::set<std::string> names;
+    for (const Graph& graph : topology.Graphs()) {
+        for (const GraphNode& node : graph.nodes) {
+            if (graph.family == GraphFamily::ERRCODE &&
+                !topology.Points()[topology.IndexOf(node.label)].IsGroup()) {
+                names.insert(std::string(node.label));
+            }
+        }
+    }
+    return {names.begin(), names.end()};
+}
+
+void MoveTo(const std::string& point, const Topology& topology, FaultRecipe& fault) {
+    const std::vector<std::string> points = ErrorPoints(topology);
+    if (!std::binary_search(points.begin(), points.end(), point)) {
+        throw BadInput(NoSuchName("point with errors", point, points));
+    }
+    const std::vector<std::string_view> graphs = FirstGraphs(topology);
+    fault.graph = *std::find_if(graphs.begin(), graphs.end(), [&](std::string_view graph) {
+        return !topology.FindPath(graph, point).empty();
+    });
+    fault.point = topology.Points()[topology.IndexOf(point)].name;
+}
+
+}  // namespace
+
+void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario) {
+    if (options.errorType.empty() && options.errorPoint.empty()) {
+        return;
+    }
+    if (scenario.faults.empty() || scenario.faults.front().kind != FaultKind::ERROR) {
+        throw BadInput("--error-type and --error-point are for scenarios with errors, not for " +
+                       options.scenario);
+    }
+    FaultRecipe& fault = scenario.faults.front();
+    if (!options.errorType.empty()) {
+        fault.errorColumn = ColumnOf(options.errorType);
+    }
+    if (!options.errorPoint.empty()) {
+        MoveTo(options.errorPoint, topology, fault);
+    }
+}
+
+bool BeginsErrorWalk(std::string_view graph) {
+    return std::find(WALKED_GRAPHS.begin(), WALKED_GRAPHS.end(), graph) != WALKED_GRAPHS.end();
+}
+
+}  // namespace lumosim

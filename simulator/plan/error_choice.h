@@ -1,0 +1,23 @@
+// The errors that a world has: its scenario's, or others that the user asks for.
+#pragma once
+
+#include <array>
+#include <string_view>
+
+#include "simulator/graphs/topology.h"
+#include "simulator/plan/scenario.h"
+#include "simulator/plan/world_options.h"
+
+namespace lumosim {
+
+// The types of errors, by the column that counts them.
+constexpr std::array<std::string_view, 3> ERROR_TYPES = {"IOERROR", "IORETRY", "IOACCESSDENY"};
+
+// Changes the errors of the scenario to the type and the point that the options name, if any. Throws BadInput
+// when the scenario plants no errors, and for a type or a point that does not exist.
+void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario);
+
+// Whether operators are shown walks by error counts that begin in the graph.
+bool BeginsErrorWalk(std::string_view graph);
+
+}  // namespace lumosim

@@ -1,0 +1,40 @@
+#include "text/local_time.h"
+
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+
+int64_t ZoneOffsetAt(int64_t time) {
+    constexpr long HOUR = 3600;
+    const time_t seconds = time;
+    tm local{};
+    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff / HOUR * HOUR;
+}
+
+void SetZone(const std::string& zone) {
+    // Zones count east, TZ counts west.
+    const std::string west = (zone[0] == '+' ? "-" : "+") + zone.substr(1, 2) + ":" + zone.substr(3, 2);
+    setenv("TZ", ("<" + zone + ">" + west).c_str(), 1);
+    tzset();
+}
+
+std::string LocalTime(int64_t time, int64_t zoneOffset) {
+    const time_t seconds = time + zoneOffset;
+    tm date{};
+    gmtime_r(&seconds, &date);
+    std::array<char, 96> text{};
+    std::snprintf(text.data(), text.size(), "%04" PRId64 "-%02d-%02d %02d:%02d:%02d",
+                  int64_t{date.tm_year} + 1900, date.tm_mon + 1, date.tm_mday, date.tm_hour, date.tm_min,
+                  date.tm_sec);
+    return text.data();
+}
+
+std::string ZoneText(int64_t zoneOffset) {
+    const int64_t minutes = std::abs(zoneOffset) / 60;
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), "%c%02d:%02d", zoneOffset < 0 ? '-' : '+',
+                  static_cast<int>(minutes / 60), static_cast<int>(minutes % 60));
+    return text.data();
+}

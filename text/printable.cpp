@@ -1,0 +1,58 @@
+#include "text/printable.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+#include "text/utf8.h"
+
+namespace {
+// Characters that are not seen, end a line, or turn the direction of writing; first and last of a row.
+constexpr char32_t UNSEEN[][2] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0xAD, 0xAD},
+                                  {0x200B, 0x200F}, {0x2028, 0x202E}, {0x2060, 0x206F},
+                                  {0xFEFF, 0xFEFF}, {0xFFF9, 0xFFFB}, {0xE0000, 0xE007F}};
+
+bool IsUnseen(char32_t code) {
+    return std::any_of(std::begin(UNSEEN), std::end(UNSEEN),
+                       [code](const auto& row) { return code >= row[0] && code <= row[1]; });
+}
+
+std::string Escape(const Utf8Character& character, char first) {
+    char escape[16];
+    const bool isByte = !character.isValid || character.length == 1;
+    const auto number = isByte ? static_cast<unsigned char>(first) : static_cast<unsigned>(character.code);
+    std::snprintf(escape, sizeof escape, isByte ? "\\x%02x" : "\\u%04x", number);
+    return first == '\n' ? "\\n" : first == '\t' ? "\\t" : escape;
+}
+}  // namespace
+
+std::string FormatText(const char* format, va_list args) {
+    va_list measured;
+    va_copy(measured, args);
+    const int length = std::vsnprintf(nullptr, 0, format, measured);
+    va_end(measured);
+    if (length < 0) {
+        return {};
+    }
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, args);
+    text.pop_back();
+    return text;
+}
+
+std::string Printable(std::string_view text, size_t most, std::string_view kept) {
+    std::string out;
+    size_t shown = 0;
+    while (shown < text.size() && shown < most) {
+        const Utf8Character character = FirstCharacter(text.substr(shown));
+        const std::string_view piece = text.substr(shown, character.length);
+        const bool stays = (character.isValid && !IsUnseen(character.code)) || kept.find(piece) != kept.npos;
+        out += stays ? std::string(piece) : Escape(character, piece.front());
+        shown += character.length;
+    }
+    return shown < text.size() ? out + "..." : out;
+}
+
+std::string Counted(size_t count, const std::string& thing) {
+    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
+}
