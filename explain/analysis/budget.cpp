@@ -133,21 +133,32 @@ struct Division {
     double rest = 1.0;  // what is the node's own
 };
 
+// `part` relative to the whole, from nothing to all; `otherwise` where there is no whole.
+double ClaimOf(double part, double whole, double otherwise) {
+    return whole > 0.0 ? std::clamp(part / whole, 0.0, 1.0) : otherwise;
+}
+
 Division Divide(const std::vector<BudgetNode>& nodes, const Takers& takers, const Arrival& arrival) {
     Division division;
-    double sum = 0.0;
+    const BudgetNode& parent = nodes[arrival.node];
+    double children = 0.0;
     for (const size_t taker : takers.nodes) {
         if (taker != arrival.node &&
             !std::binary_search(arrival.visited.begin(), arrival.visited.end(), taker)) {
-            const double ratio = nodes[taker].excess / nodes[arrival.node].excess;
-            division.parts.emplace_back(taker, takers.takesAll ? 1.0 : std::min(1.0, ratio));
-            sum += division.parts.back().second;
+            const double claim = takers.takesAll ? 1.0 : ClaimOf(nodes[taker].excess, parent.excess, 1.0);
+            division.parts.emplace_back(taker, claim);
+            children += claim;
         }
     }
-    for (auto& [taker, part] : division.parts) {
-        part /= std::max(1.0, sum);
+    const double own = std::min(std::max(0.0, 1.0 - children), ClaimOf(parent.own, parent.excess, 0.0));
+    const double all = own + children;
+    if (all <= 0.0) {
+        return {};
     }
-    division.rest = std::max(0.0, 1.0 - sum);
+    for (auto& [taker, part] : division.parts) {
+        part /= all;
+    }
+    division.rest = own / all;
     return division;
 }
 

@@ -8,12 +8,172 @@
 namespace explain {
 namespace {
 
-constexpr size_t GAP = 1;  // samples within a run that are not high
+constexpr size_t GAP = 1;           // samples within a run that are not high
+constexpr size_t WINDOW = 4;        // samples in a row whose mean is looked at, too
+constexpr size_t LEAST_USUAL = 10;  // one of so many samples at least stays in no event
 
-// The first sample that is not before the time.
-Samples::const_iterator First(const Samples& samples, int64_t time) {
-    return std::partition_point(samples.begin(), samples.end(),
-                                [time](const Sample& sample) { return sample.time < time; });
+using Marks = std::vector<bool>;  // by position
+
+size_t CountOf(const Marks& marks) {
+    return static_cast<size_t>(std::count(marks.begin(), marks.end(), true));
+}
+
+// First and last positions.
+struct Run {
+    size_t first = 0;
+    size_t last = 0;
+};
+
+// Runs of values above `least`, with at most GAP others between two of them.
+std::vector<Run> RunsAbove(const std::vector<double>& values, double least) {
+    std::vector<Run> runs;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (values[i] <= least) {
+            continue;
+        }
+        if (!runs.empty() && i - runs.back().last <= GAP + 1) {
+            runs.back().last = i;
+        } else {
+            runs.push_back({i, i});
+        }
+    }
+    return runs;
+}
+
+struct High {
+    Marks inside;                    // whether a value belongs to a run of high ones
+    std::vector<double> deviations;  // from what is usual
+};
+
+std::vector<double> DeviationsFrom(const Usual& usual, const std::vector<double>& values) {
+    std::vector<double> deviations;
+    deviations.reserve(values.size());
+    std::transform(values.begin(), values.end(), std::back_inserter(deviations),
+                   [&](double value) { return usual.Deviations(value); });
+    return deviations;
+}
+
+// Where `telling` values, as far as they are not marked, say what is usual.
+Usual UsualOf(const std::vector<double>& values, const Marks& telling, const Marks& inside) {
+    std::vector<double> chosen;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (telling[i] && !inside[i]) {
+            chosen.push_back(values[i]);
+        }
+    }
+    return explain::UsualOf(std::move(chosen));
+}
+
+bool LeavesEnough(const Marks& telling, const Marks& inside) {
+    size_t left = 0;
+    for (size_t i = 0; i < telling.size(); ++i) {
+        left += telling[i] && !inside[i] ? size_t{1} : 0;
+    }
+    return left >= FEWEST_BASELINE && left * LEAST_USUAL >= CountOf(telling);
+}
+
+// The runs of high values. What is found is left out of what is usual, until nothing more is found. `telling`
+// must mark FEWEST_BASELINE values.
+High FindHigh(const std::vector<double>& values, const Marks& telling) {
+    High high{Marks(values.size(), false), {}};
+    while (true) {
+        high.deviations = DeviationsFrom(UsualOf(values, telling, high.inside), values);
+        Marks now = high.inside;
+        for (const Run& run : RunsAbove(high.deviations, HIGH)) {
+            std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
+                      now.begin() + static_cast<std::ptrdiff_t>(run.last) + 1, true);
+        }
+        if (now == high.inside || !LeavesEnough(telling, now)) {
+            return high;
+        }
+        high.inside = std::move(now);
+    }
+}
+
+// Marks what is mild but lasts: of high means of WINDOW values in a row, which are in no run yet, those
+// values that lie above what is usual.
+void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
+    std::vector<size_t> left;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (!high.inside[i]) {
+            left.push_back(i);
+        }
+    }
+    std::vector<double> means;
+    Marks meansTelling;
+    for (size_t i = 0; i + WINDOW <= left.size(); ++i) {
+        double sum = 0.0;
+        bool tells = true;
+        for (size_t k = i; k < i + WINDOW; ++k) {
+            sum += values[left[k]];
+            tells = tells && telling[left[k]];
+        }
+        means.push_back(sum / static_cast<double>(WINDOW));
+        meansTelling.push_back(tells);
+    }
+    if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
+        return;
+    }
+    const Marks highMeans = FindHigh(means, meansTelling).inside;
+    for (size_t i = 0; i < highMeans.size(); ++i) {
+        for (size_t k = i; highMeans[i] && k < i + WINDOW; ++k) {
+            high.inside[left[k]] = high.inside[left[k]] || high.deviations[left[k]] > MILD;
+        }
+    }
+}
+
+Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
+    Marks telling;
+    telling.reserve(samples.size());
+    for (const Sample& sample : samples) {
+        telling.push_back(!baseline || baseline->Holds(sample.time));
+    }
+    return telling;
+}
+
+Event EventOf(const Samples& samples, const std::vector<double>& deviations, const Run& run) {
+    Event event;
+    event.first = run.first;
+    event.last = run.last;
+    event.start = samples[run.first].time;
+    event.end = samples[run.last].time;
+    event.isOngoing = samples.size() - 1 - run.last <= GAP;
+    for (size_t i = run.first; i <= run.last; ++i) {
+        const double deviation = deviations.empty() ? 0.0 : deviations[i];
+        event.count += deviation > MILD ? size_t{1} : 0;
+        if (i == run.first || samples[i].delay > event.peakDelay) {
+            event.peakTime = samples[i].time;
+            event.peakDelay = samples[i].delay;
+            event.peakDeviations = deviation;
+        }
+    }
+    return event;
+}
+
+size_t Distance(int64_t a, int64_t b) {
+    return a > b ? static_cast<uint64_t>(a) - static_cast<uint64_t>(b)
+                 : static_cast<uint64_t>(b) - static_cast<uint64_t>(a);
+}
+
+size_t Nearest(const Samples& samples, int64_t time) {
+    const auto nearest = std::min_element(
+        samples.begin(), samples.end(),
+        [time](const Sample& a, const Sample& b) { return Distance(a.time, time) < Distance(b.time, time); });
+    return static_cast<size_t>(nearest - samples.begin());
+}
+
+bool IsNear(const Event& event, size_t position, size_t samples) {
+    return position + samples >= event.first && position <= event.last + samples;
+}
+
+// Where the highest sample at most GAP + 1 away lies.
+size_t HighestNear(const std::vector<double>& deviations, size_t position) {
+    const size_t first = position - std::min(position, GAP + 1);
+    const size_t end = std::min(deviations.size(), position + GAP + 2);
+    const auto begin = deviations.begin();
+    return static_cast<size_t>(std::max_element(begin + static_cast<std::ptrdiff_t>(first),
+                                                begin + static_cast<std::ptrdiff_t>(end)) -
+                               begin);
 }
 
 template <typename Value>
@@ -24,75 +184,61 @@ std::vector<double> Column(const Samples& samples, Value value) {
     return column;
 }
 
-void Extend(Event& event, const Sample& sample, const Usual& usual) {
-    event.end = sample.time;
-    ++event.count;
-    if (event.count == 1 || sample.delay > event.peakDelay) {
-        event.peakTime = sample.time;
-        event.peakDelay = sample.delay;
-        event.peakDeviations = usual.Deviations(sample.delay);
-    }
-}
-
 }  // namespace
 
-std::vector<Event> FindEvents(const Samples& samples) {
-    std::vector<Event> events;
-    if (samples.empty()) {
-        return events;
+Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline) {
+    const Marks telling = TellingOf(samples, baseline);
+    if (CountOf(telling) < FEWEST_FOR_EVENTS) {
+        return {};
     }
-    const Usual usual = UsualOf(DelaysOf(samples));
-    size_t gap = GAP + 1;
-    for (const Sample& sample : samples) {
-        if (usual.Deviations(sample.delay) <= HIGH) {
-            ++gap;
-            continue;
-        }
-        if (gap > GAP) {
-            events.emplace_back();
-            events.back().start = sample.time;
-        }
-        gap = 0;
-        Extend(events.back(), sample, usual);
+    const std::vector<double> delays = DelaysOf(samples);
+    High high = FindHigh(delays, telling);
+    AddLasting(delays, telling, high);
+    Finding finding{{}, std::move(high.deviations)};
+    const std::vector<double> inside(high.inside.begin(), high.inside.end());
+    for (const Run& run : RunsAbove(inside, 0.0)) {
+        finding.events.push_back(EventOf(samples, finding.deviations, run));
     }
-    return events;
+    return finding;
 }
 
-std::optional<Event> EventAt(const Samples& samples, const std::vector<Event>& runs, int64_t time) {
-    if (samples.empty()) {
+Event EventAt(const Samples& samples, const Finding& finding, int64_t time) {
+    const size_t nearest = Nearest(samples, time);
+    for (size_t far = 0; far <= GAP + 1; ++far) {
+        const auto found = std::find_if(finding.events.rbegin(), finding.events.rend(),
+                                        [&](const Event& event) { return IsNear(event, nearest, far); });
+        if (found != finding.events.rend()) {
+            return *found;
+        }
+    }
+    if (finding.deviations.empty()) {
+        return EventOf(samples, {}, {nearest, nearest});
+    }
+    const size_t highest = HighestNear(finding.deviations, nearest);
+    for (const Run& run : RunsAbove(finding.deviations, WEAK)) {
+        if (highest >= run.first && highest <= run.last) {
+            return EventOf(samples, finding.deviations, run);
+        }
+    }
+    return EventOf(samples, finding.deviations, {highest, highest});
+}
+
+std::optional<Event> EventIn(const Samples& samples, const Finding& finding, const Window& window) {
+    const auto [first, end] = PositionsIn(samples, window);
+    if (first == end) {
         return std::nullopt;
     }
-    const auto run =
-        std::find_if(runs.begin(), runs.end(), [time](const Event& one) { return one.Holds(time); });
-    if (run != runs.end()) {
-        return *run;
-    }
-    const auto distance = [time](const Sample& sample) {
-        const auto a = static_cast<uint64_t>(sample.time);
-        const auto b = static_cast<uint64_t>(time);
-        return sample.time > time ? a - b : b - a;
+    return EventOf(samples, finding.deviations, {first, end - 1});
+}
+
+std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window) {
+    const auto position = [&](auto isBefore) {
+        return static_cast<size_t>(std::partition_point(samples.begin(), samples.end(), isBefore) -
+                                   samples.begin());
     };
-    const auto closest =
-        std::min_element(samples.begin(), samples.end(),
-                         [&](const Sample& a, const Sample& b) { return distance(a) < distance(b); });
-    Event event;
-    event.start = closest->time;
-    Extend(event, *closest, UsualOf(DelaysOf(samples)));
-    return event;
-}
-
-Samples SamplesBetween(const Samples& samples, int64_t from, int64_t until) {
-    return from < until ? Samples(First(samples, from), First(samples, until)) : Samples();
-}
-
-Samples BaselineOf(const Samples& samples, const Event& event) {
-    return {samples.begin(), First(samples, event.start)};
-}
-
-Samples SamplesIn(const Samples& samples, const Event& event) {
-    const auto last = std::find_if(First(samples, event.start), samples.end(),
-                                   [&](const Sample& sample) { return !event.Holds(sample.time); });
-    return {First(samples, event.start), last};
+    const size_t first = position([&](const Sample& sample) { return sample.time < window.start; });
+    const size_t end = position([&](const Sample& sample) { return sample.time <= window.end; });
+    return {first, std::max(first, end)};
 }
 
 std::vector<double> DelaysOf(const Samples& samples) {

@@ -1,4 +1,4 @@
-// The event: when a point was slow, and the baseline before it.
+// Events: when a point was slow.
 #pragma once
 
 #include <cstddef>
@@ -16,39 +16,58 @@ struct Sample {
 };
 using Samples = std::vector<Sample>;  // of ascending times
 
-// A run of high samples. Times of its first and last one, UTC, both included.
-struct Event {
+// A stretch of time, UTC seconds, both ends included.
+struct Window {
     int64_t start = 0;
     int64_t end = 0;
-    int64_t peakTime = 0;
-    double peakDelay = 0.0;
-    double peakDeviations = 0.0;  // from what is usual over the whole range
-    size_t count = 0;             // of high samples
 
     bool Holds(int64_t time) const { return time >= start && time <= end; }
 };
 
-// The fewest samples that make a baseline, and of which one can lie beyond three deviations of all.
+// A run of high samples, from its first one to its last one.
+struct Event : Window {
+    size_t first = 0;  // positions in the series
+    size_t last = 0;
+    int64_t peakTime = 0;
+    double peakDelay = 0.0;
+    double peakDeviations = 0.0;  // from what is usual for the series
+    size_t count = 0;             // of its samples that lie above what is usual, more than MILD
+    bool isOngoing = false;       // at the end of the series
+};
+
+// How many scales above the usual a sample must lie: to belong to an event, and for a point to take part in
+// one; to belong to an event that an operator names; to count in an event that is mild but lasts.
+constexpr double HIGH = 5.0;
+constexpr double WEAK = 2.0;
+constexpr double MILD = 1.0;
+
+// The fewest samples that make a baseline, and of which events are told.
 constexpr size_t FEWEST_BASELINE = 5;
+constexpr size_t FEWEST_FOR_EVENTS = 11;
+
+// The fewest samples of which one can lie beyond three deviations of all.
 constexpr size_t FEWEST_FOR_SIGMA = 11;
 
-// How many scales above the usual a sample must lie to be high.
-constexpr double HIGH = 5.0;
+// What was found in one series.
+struct Finding {
+    std::vector<Event> events;       // in the order of time
+    std::vector<double> deviations;  // of each sample from what is usual; empty for too few samples
+};
 
-// All runs of high samples of a series, in the order of time. Two runs with one other sample between them are
-// one.
-std::vector<Event> FindEvents(const Samples& samples);
+// All events of a series. What is usual is told by all samples that are in no event or, with `baseline`, by
+// those of that stretch.
+Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline = std::nullopt);
 
-// The event at a given time: the run that holds it or, without one, the single sample closest to it. None for
-// an empty series.
-std::optional<Event> EventAt(const Samples& samples, const std::vector<Event>& runs, int64_t time);
+// The event at a time that an operator names: of `finding.events` the one that holds it or is at most two
+// samples away; else the highest sample that near, with what adjoins it above WEAK. `samples` is the series
+// in which they were found; it must not be empty.
+Event EventAt(const Samples& samples, const Finding& finding, int64_t time);
 
-// The samples from one time until another, the last one not included.
-Samples SamplesBetween(const Samples& samples, int64_t from, int64_t until);
+// The samples of a window as an event, whatever they are; none when it has no sample.
+std::optional<Event> EventIn(const Samples& samples, const Finding& finding, const Window& window);
 
-// The samples before the event; and those of the event.
-Samples BaselineOf(const Samples& samples, const Event& event);
-Samples SamplesIn(const Samples& samples, const Event& event);
+// The samples of a stretch of time, as positions: the first one, and the one behind the last.
+std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window);
 
 std::vector<double> DelaysOf(const Samples& samples);
 std::vector<double> RequestsOf(const Samples& samples);

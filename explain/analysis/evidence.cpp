@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <functional>
 
 #include "explain/analysis/statistics.h"
 #include "explain/wording.h"
@@ -15,7 +14,7 @@ constexpr double EQUAL_LOAD = 0.1;  // requests that differ by less than this sh
 constexpr size_t FEWEST_EQUAL_LOAD = 3;
 constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
 constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
-constexpr std::ptrdiff_t SAMPLES_AROUND = 10;
+constexpr size_t SAMPLES_AROUND = 10;
 
 // How many intervals between the first and the last sample have none, as far as the usual distance of two
 // samples tells.
@@ -74,25 +73,30 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
     }
 }
 
-// The event's delays against the baseline: how unusual, since when, and whether the point takes part.
-void JudgeDelays(const Usual& usual, const Samples& during, Evidence& evidence) {
-    std::vector<double> sizes;
-    for (const Sample& sample : during) {
-        const double deviations = usual.Deviations(sample.delay);
-        if (!evidence.deviations || std::fabs(deviations) > std::fabs(*evidence.deviations)) {
-            evidence.deviations = deviations;
-        }
-        if (std::fabs(deviations) > HIGH && !evidence.onset) {
+// The event's samples against the baseline: how unusual, since when, how much extra delay, and whether the
+// point takes part.
+void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, const Window& event,
+                 Evidence& evidence) {
+    const auto [first, end] = PositionsIn(point.samples, event);
+    double deviations = 0.0;
+    double excess = 0.0;
+    double ownExcess = 0.0;
+    for (size_t i = first; i < end; ++i) {
+        const Sample& sample = point.samples[i];
+        const double deviation = usual.Deviations(sample.delay);
+        deviations += deviation;
+        excess += sample.requests * (sample.delay - usual.median);
+        ownExcess += sample.requests * (point.own[i] - ownUsual);
+        if (deviation > HIGH && !evidence.onset) {
             evidence.onset = sample.time;
         }
-        sizes.push_back(std::fabs(deviations));
     }
-    // One unusual sample of several may be chance.
-    const auto deciding = sizes.begin() + (sizes.size() > 1 ? 1 : 0);
-    std::nth_element(sizes.begin(), deciding, sizes.end(), std::greater<>());
-    // Not by the excess alone: less delay times a broken, negative count would be above 0 too.
-    evidence.takesPart = *deciding > HIGH && *evidence.eventDelay > *evidence.baselineDelay &&
-                         evidence.excess.value_or(0.0) > 0.0;
+    evidence.deviations = deviations / static_cast<double>(end - first);
+    if (!point.isObservation) {
+        evidence.excess = excess;
+        evidence.ownExcess = ownExcess;
+        evidence.takesPart = *evidence.deviations > HIGH && excess > 0.0;
+    }
 }
 
 // The delay of the event relative to that of the baseline's intervals of equal load; none where there are too
@@ -131,13 +135,11 @@ Nature NatureOf(const Evidence& evidence, bool surged) {
 
 // The samples of the event and a few to either side: over a long range, the swing of a day says more of how
 // delays go with requests than a short event does.
-Samples Around(const Samples& samples, const Event& event) {
-    const auto isBefore = [](const Sample& sample, int64_t time) { return sample.time < time; };
-    const auto isAfter = [](int64_t time, const Sample& sample) { return time < sample.time; };
-    const auto first = std::lower_bound(samples.begin(), samples.end(), event.start, isBefore);
-    const auto last = std::upper_bound(first, samples.end(), event.end, isAfter);
-    return {first - std::min(SAMPLES_AROUND, first - samples.begin()),
-            last + std::min(SAMPLES_AROUND, samples.end() - last)};
+Samples Around(const Samples& samples, const Window& event) {
+    const auto [first, end] = PositionsIn(samples, event);
+    const auto from = static_cast<std::ptrdiff_t>(first - std::min(SAMPLES_AROUND, first));
+    const auto until = static_cast<std::ptrdiff_t>(end + std::min(SAMPLES_AROUND, samples.size() - end));
+    return {samples.begin() + from, samples.begin() + until};
 }
 
 // Whether more requests came than usual: the scale of a day's swing may be wide, but hardly what is above all
@@ -147,37 +149,38 @@ bool HasSurged(double requests, const std::vector<double>& before) {
     return requests > (1.0 + EQUAL_LOAD) * most || UsualOf(before).Deviations(requests) > HIGH;
 }
 
-void JudgeLoad(const PointData& point, const Samples& baseline, const Event& event, Evidence& evidence) {
-    const std::vector<double> before = RequestsOf(baseline);
+void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& event, Evidence& evidence) {
+    const Samples usual = SamplesIn(point.samples, baseline);
+    const std::vector<double> before = RequestsOf(usual);
     const Samples around = Around(point.samples, event);
     evidence.baselineRequests = UsualOf(before).median;
     evidence.loadCorrelation = CorrelationOf(DelaySeries(around), RequestSeries(around)).correlation;
-    evidence.equalLoadRatio = EqualLoadRatio(baseline, *evidence.eventRequests, *evidence.eventDelay);
+    evidence.equalLoadRatio = EqualLoadRatio(usual, *evidence.eventRequests, *evidence.eventDelay);
     evidence.nature = NatureOf(evidence, HasSurged(*evidence.eventRequests, before));
 }
 
 }  // namespace
 
-Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
-    const Samples during = SamplesIn(point.samples, event);
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event) {
+    const Samples during = SamplesIn(point.samples, {event});
+    std::vector<double> own = ValuesIn(point.samples, point.own, baseline);
     Evidence evidence;
-    evidence.baselineCount = baseline.size();
+    evidence.baselineCount = own.size();
     evidence.eventCount = during.size();
-    if (baseline.size() < FEWEST_BASELINE || during.empty()) {
+    if (own.size() < FEWEST_BASELINE || during.empty()) {
         return evidence;
     }
-    const Usual usual = UsualOf(DelaysOf(baseline));
+    const Usual usual = UsualOf(DelaysOf(SamplesIn(point.samples, baseline)));
     evidence.baselineDelay = usual.median;
     evidence.eventDelay = MeanOf(DelaysOf(during));
     if (!point.isObservation) {
         evidence.eventRequests = MeanOf(RequestsOf(during));
-        evidence.excess = (*evidence.eventDelay - *evidence.baselineDelay) * *evidence.eventRequests;
     }
-    JudgeDelays(usual, during, evidence);
+    JudgeDelays(usual, MedianOf(own), point, event, evidence);
     return evidence;
 }
 
-Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event) {
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event) {
     Evidence evidence = BriefEvidenceOf(point, baseline, event);
     TellWhatIsMissing(point, evidence);
     if (evidence.excess) {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis/event.h"
-#include "explain/analysis/graph_world.h"
+#include "explain/analysis/baseline.h"
+#include "explain/analysis/sample_store.h"
 
 namespace explain {
 
@@ -28,20 +28,22 @@ struct Evidence {
     std::optional<double> eventDelay;        // mean
     std::optional<double> baselineRequests;  // median
     std::optional<double> eventRequests;     // mean
-    std::optional<double> excess;            // extra delay times requests, microseconds per interval
-    std::optional<double> deviations;  // of the event's most unusual sample from the baseline, with its sign
-    std::optional<int64_t> onset;      // the first unusual sample of the event, UTC
-    std::optional<double> loadCorrelation;  // of delay with requests, in and around the event
-    std::optional<double> equalLoadRatio;   // delay of the event to that of the baseline at equal load
+    std::optional<double> excess;            // requests times extra delay, microseconds, over the event
+    std::optional<double> ownExcess;         // the same of the point's own delay
+    std::optional<double> deviations;        // mean of the event's samples, from the baseline, with its sign
+    std::optional<int64_t> onset;            // the first high sample of the event, UTC
+    std::optional<double> loadCorrelation;   // of delay with requests, in and around the event
+    std::optional<double> equalLoadRatio;    // delay of the event to that of the baseline at equal load
     Nature nature = Nature::UNKNOWN;
     std::vector<std::string> reasons;  // in words, for the operator
 };
 
-// What the budget needs of the evidence: the counts, delays, `eventRequests`, `excess`, `deviations`, `onset`
-// and whether the point takes part. `baseline` (a part of the point's samples) is what is usual.
-Evidence BriefEvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
+// What the budget needs of the evidence: the counts, delays, `eventRequests`, both excesses, `deviations`,
+// `onset` and whether the point takes part. The point's samples in `baseline` say what is usual; its own
+// delays must be there.
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event);
 
 // All of it. Takes several times as long.
-Evidence EvidenceOf(const PointData& point, const Samples& baseline, const Event& event);
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event);
 
 }  // namespace explain

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "fault_database/fault_database.h"
+#include "explain/analysis/own_delay.h"
 #include "fault_spectrum_graph/fault_causality_graph.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 
@@ -90,76 +90,24 @@ void WorldReader::ReadBelow(size_t position) {
     }
 }
 
-double ValueOf(const FaultSeries* series, size_t row) {
-    return series != nullptr && row < series->size() ? static_cast<double>((*series)[row][1]) : 0.0;
-}
-
-Samples SamplesOf(const FaultSeries& delays, const FaultSeries* requests) {
-    Samples samples;
-    samples.reserve(delays.size());
-    for (size_t row = 0; row < delays.size(); ++row) {
-        samples.push_back({delays[row][0], ValueOf(&delays, row), ValueOf(requests, row)});
-    }
-    return samples;
-}
-
-// Loads one point. Of all its columns, two are kept: a graph's worth of them would take much memory.
-void Load(const std::string& name, PointData& point, const Range& range,
-          const std::vector<std::string>& tables) {
-    const std::string start = std::to_string(range.startTime);
-    const std::string end = std::to_string(range.endTime);
-    FaultCausalityGraph loader;
-    (point.isObservation ? loader.vecObName : loader.vecLumoLocName).push_back(name);
-    if (point.isObservation) {
-        if (loader.GetObData(start, end, tables) == 0) {
-            point.samples = SamplesOf(loader.mapObserveData[name], nullptr);
-        }
-    } else {
-        if (loader.GetLumoData(start, end, tables) != 0) {
-            throw NoData("the statistics of " + name + " could not be read");
-        }
-        auto& columns = loader.mapLumoData[name];
-        point.samples = SamplesOf(columns["avgdelay"], &columns["acceptnum"]);
-    }
-    const auto before = [](const Sample& a, const Sample& b) { return a.time < b.time; };
-    point.hasGoneBack = !std::is_sorted(point.samples.begin(), point.samples.end(), before);
-    std::stable_sort(point.samples.begin(), point.samples.end(), before);
-}
-
-FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
-    constexpr double MOST = 9223372036854774784.0;  // the largest below 2^63
-    FaultSeries series;
-    series.reserve(samples.size());
-    for (const Sample& sample : samples) {
-        series.push_back({sample.time, static_cast<int64_t>(std::clamp(sample.*column, -MOST, MOST))});
-    }
-    return series;
-}
-
 }  // namespace
 
-GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range) {
+GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store) {
     GraphWorld world;
     if (!FaultJsonObject::GetInstance().IsMember(graph)) {
         throw NoData("the configuration has no graph " + graph);
     }
     WorldReader(world).Read(graph, point);
-    std::vector<std::string> tables;
-    if (FaultGetQueryTable(range.startDate, range.endDate, tables) != 0) {
-        throw NoData("the statistics database cannot be read, or has no tables");
-    }
     for (auto& [name, data] : world.points) {
-        Load(name, data, range, tables);
+        const bool isObservation = data.isObservation;
+        data = store.Of(name);
+        data.isObservation = isObservation;
+        for (Sample& sample : data.samples) {
+            sample.requests = isObservation ? 0.0 : sample.requests;
+        }
     }
+    FillOwnDelays(world);
     return world;
-}
-
-FaultSeries DelaySeries(const Samples& samples) {
-    return SeriesOf(samples, &Sample::delay);
-}
-
-FaultSeries RequestSeries(const Samples& samples) {
-    return SeriesOf(samples, &Sample::requests);
 }
 
 }  // namespace explain

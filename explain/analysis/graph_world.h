@@ -1,30 +1,15 @@
-// The graphs below a point, and what the database holds of their points over one range of time.
+// The graphs below a point, and what the database holds of their points.
 #pragma once
 
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "explain/analysis/budget.h"
-#include "explain/analysis/event.h"
-#include "fault_common/fault_series.h"
+#include "explain/analysis/sample_store.h"
 
 namespace explain {
-
-// A range of time, in the form that the plug-in's operations take and in UTC seconds; both ends included.
-struct Range {
-    std::string startDate, endDate;  // compact local time
-    int64_t startTime = 0, endTime = 0;
-};
-
-// What the database holds of one point.
-struct PointData {
-    Samples samples;
-    bool isObservation = false;  // has delays but no requests
-    bool hasGoneBack = false;    // the times did not ascend: they were put in order
-};
 
 // A node of one graph.
 struct GraphNode {
@@ -43,18 +28,9 @@ struct GraphWorld {
     std::map<std::string, PointData> points;  // by name; an entry for every node
 };
 
-// Thrown when there is nothing to work on: no such graph, no such point in it, no database.
-class NoData : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-// Reads the nodes below the point `point` of the graph `graph` from the configuration, and loads their data,
-// one point after the other. Blocks on the database. Throws NoData; the standard conversion errors for a
+// Reads the nodes below the point `point` of the graph `graph` from the configuration, and takes their data
+// from the store, which may block on the database. Throws NoData; the standard conversion errors for a
 // configuration or cell that is no number, Json::LogicError for a value of the wrong type.
-GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range);
-
-// The columns as the plug-in's statistics take them. What no integer can hold becomes the nearest that can.
-FaultSeries DelaySeries(const Samples& samples);
-FaultSeries RequestSeries(const Samples& samples);
+GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store);
 
 }  // namespace explain

@@ -10,17 +10,7 @@ namespace explain {
 namespace {
 
 constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
-constexpr double DEVIATION_SHARE = 0.3;      // an event must not hide in the deviation that it makes itself
 constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
-
-double DeviationOf(const std::vector<double>& values) {
-    const double mean = MeanOf(values);
-    double squares = 0.0;
-    for (const double value : values) {
-        squares += (value - mean) * (value - mean);
-    }
-    return values.size() < 2 ? 0.0 : std::sqrt(squares / static_cast<double>(values.size() - 1));
-}
 
 bool IsConstant(const FaultSeries& series) {
     return std::all_of(series.begin(), series.end(),
@@ -45,14 +35,13 @@ double MeanOf(const std::vector<double>& values) {
 }
 
 Usual UsualOf(std::vector<double> values) {
-    const double deviation = DeviationOf(values);
     Usual usual;
     usual.median = MedianOf(values);
     for (double& value : values) {
         value = std::fabs(value - usual.median);
     }
-    const double scale = std::max({MAD_TO_DEVIATION * MedianOf(values), DEVIATION_SHARE * deviation,
-                                   MEDIAN_SHARE * std::fabs(usual.median)});
+    const double scale =
+        std::max(MAD_TO_DEVIATION * MedianOf(values), MEDIAN_SHARE * std::fabs(usual.median));
     usual.scale = scale > 0.0 ? scale : 1.0;
     return usual;
 }

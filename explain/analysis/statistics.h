@@ -19,8 +19,9 @@ struct Usual {
     double Deviations(double value) const { return (value - median) / scale; }
 };
 
-// The median, and the largest of three scales: 1.4826 median absolute deviations, 0.3 standard deviations, 2
-// % of the median. A constant series of median 0 has the scale 1. `values` must not be empty.
+// The median, and the larger of two scales: 1.4826 median absolute deviations, which no event inflates that
+// fills less than half of the values, and 2 % of the median. A constant series of median 0 has the scale 1.
+// `values` must not be empty.
 Usual UsualOf(std::vector<double> values);
 
 // The middle value, or the mean of the two middle ones. `values` must not be empty.

@@ -1,0 +1,118 @@
+#include "explain/analysis/sample_store.h"
+
+#include <algorithm>
+
+#include "fault_common/fault_common.h"
+#include "fault_common/fault_number.h"
+#include "fault_database/fault_database.h"
+#include "fault_database/fault_database_table.h"
+
+namespace explain {
+namespace {
+
+// The columns of the statement. Of all that the statistics have of an interval an explanation needs just
+// these.
+constexpr const char* TIME_AND_DELAY = "curtime, avgdelay";
+constexpr const char* REQUESTS = "acceptnum";
+constexpr int32_t COLUMNS = 3;
+
+// Appends the numbers of all rows to `numbers`.
+uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& numbers,
+                  std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
+    FaultCheckColumns(rowCount, columnCount, COLUMNS);
+    char** cells = result;
+    for (int32_t row = 0; row < rowCount; ++row) {
+        cells += columnCount;  // the first row holds the column names
+        for (int32_t column = 0; column < COLUMNS; ++column) {
+            numbers.push_back(FaultToInt64(FaultCellText(cells[column])));
+        }
+    }
+    return 0;
+}
+
+// As the inside of an SQL text.
+std::string Quoted(const std::string& name) {
+    std::string quoted;
+    for (const char letter : name) {
+        quoted.append(letter == '\'' ? 2 : 1, letter);
+    }
+    return quoted;
+}
+
+std::string CompactTime(int64_t time) {
+    std::string text;
+    TransUtcTimeToLocalTime(std::to_string(time), text);
+    return text;
+}
+
+Samples SamplesOf(const std::vector<int64_t>& numbers) {
+    Samples samples;
+    samples.reserve(numbers.size() / COLUMNS);
+    for (size_t i = 0; i + COLUMNS <= numbers.size(); i += COLUMNS) {
+        samples.push_back(
+            {numbers[i], static_cast<double>(numbers[i + 1]), static_cast<double>(numbers[i + 2])});
+    }
+    return samples;
+}
+
+FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
+    constexpr double MOST = 9223372036854774784.0;  // the largest below 2^63
+    FaultSeries series;
+    series.reserve(samples.size());
+    for (const Sample& sample : samples) {
+        series.push_back({sample.time, static_cast<int64_t>(std::clamp(sample.*column, -MOST, MOST))});
+    }
+    return series;
+}
+
+}  // namespace
+
+SampleStore::SampleStore(const std::vector<Window>& stretches) {
+    for (const Window& stretch : stretches) {
+        parts.push_back({stretch, {}});
+        if (FaultGetQueryTable(CompactTime(stretch.start), CompactTime(stretch.end), parts.back().tables) !=
+            0) {
+            throw NoData("the statistics database cannot be read, or has no tables");
+        }
+    }
+}
+
+const PointData& SampleStore::Of(const std::string& point) {
+    const auto known = points.find(point);
+    return known != points.end() ? known->second : points.emplace(point, Load(point)).first->second;
+}
+
+PointData SampleStore::Load(const std::string& point) const {
+    std::vector<int64_t> numbers;
+    std::vector<int64_t> second;
+    std::vector<std::string> texts;
+    for (const Part& part : parts) {
+        FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, Quoted(point), {}, {}};
+        query.beginTime = std::to_string(part.stretch.start);
+        query.endTime = std::to_string(part.stretch.end);
+        for (const std::string& table : part.tables) {
+            query.tableName = table;
+            std::string sql;
+            FaultConstructSql(query, sql);
+            if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
+                throw NoData("the statistics of " + point + " could not be read");
+            }
+        }
+    }
+    PointData data;
+    data.samples = SamplesOf(numbers);
+    const auto before = [](const Sample& a, const Sample& b) { return a.time < b.time; };
+    data.hasGoneBack = !std::is_sorted(data.samples.begin(), data.samples.end(), before);
+    std::stable_sort(data.samples.begin(), data.samples.end(), before);
+    return data;
+}
+
+FaultSeries DelaySeries(const Samples& samples) {
+    return SeriesOf(samples, &Sample::delay);
+}
+
+FaultSeries RequestSeries(const Samples& samples) {
+    return SeriesOf(samples, &Sample::requests);
+}
+
+}  // namespace explain

@@ -1,0 +1,59 @@
+// What the statistics database holds of trace points.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "explain/analysis/event.h"
+#include "fault_common/fault_series.h"
+
+namespace explain {
+
+// What the database holds of one point.
+struct PointData {
+    Samples samples;
+    std::vector<double> own;     // by sample: the delay less what the points below took of it, per request
+    bool isObservation = false;  // has delays but no requests
+    bool hasGoneBack = false;    // the times did not ascend: they were put in order
+};
+
+// Thrown when there is nothing to work on: no such graph, no such point in it, no database.
+class NoData : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+// Loads time, delay and requests of points over some stretches of time, each point when it is first asked
+// for. The stretches ascend and do not overlap. Confined to one thread; blocks on the database.
+class SampleStore {
+public:
+    // Chooses the tables. Throws NoData when the database cannot be read or has no tables, and the standard
+    // conversion errors for a table's name without a time.
+    explicit SampleStore(const std::vector<Window>& stretches);
+
+    // Valid as long as the store. A point without rows has none. Throws NoData when a query failed, and the
+    // standard conversion errors for a cell that is no number.
+    const PointData& Of(const std::string& point);
+
+    // All points that were asked for.
+    const std::map<std::string, PointData>& Points() const { return points; }
+
+private:
+    struct Part {
+        Window stretch;
+        std::vector<std::string> tables;
+    };
+
+    PointData Load(const std::string& point) const;
+
+    std::vector<Part> parts;
+    std::map<std::string, PointData> points;
+};
+
+// The columns as the plug-in's statistics take them. What no integer can hold becomes the nearest that can.
+FaultSeries DelaySeries(const Samples& samples);
+FaultSeries RequestSeries(const Samples& samples);
+
+}  // namespace explain
