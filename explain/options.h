@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/options.h"
+#include "cli/program.h"
 
 namespace explain {
 
@@ -23,7 +24,7 @@ struct Options : InputOptions {
 enum ExitStatus : int {
     STATUS_ANSWERED = 0,
     STATUS_NOTHING = 1,  // nothing anomalous
-    STATUS_USAGE = 2,
+    STATUS_USAGE = cli::STATUS_USAGE,
     STATUS_NO_DATA = 3,  // or no configuration
     STATUS_CANNOT_TELL = 4
 };

@@ -122,7 +122,7 @@ class Explain(ConsoleTest):
                 found, out, err = self.run_program(*options, *self.range)
                 self.assertEqual((found, out == "", "\x1b" in out + err), (status, status in (2, 3), False), err)
                 self.assertRegex(out + err, re.compile(said, re.M))
-        self.assertEqual([self.run_program(*times)[0] for times in ([], ["x"], ["2023", self.range[1]])], [2] * 3)
+        self.assertEqual([self.run_program(*times)[0] for times in ([], ["x"], ["71582789"], ["2023", self.range[1]])], [2] * 4)
         here, there = (json.loads(self.run_program("--json", *options, *self.range, zone=zone)[1])
                        for zone, options in (("CST-8", []), ("EST5", ["--zone", "+0800"])))
         self.assertEqual(there["analyses"], here["analyses"])

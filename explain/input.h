@@ -1,0 +1,31 @@
+// Where the data comes from.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "explain/options.h"
+#include "host/capture/capture.h"
+
+namespace explain {
+
+// The files of a root or of a capture, and the agent's services over them. One per process.
+class Input {
+public:
+    // Sets up the services; a large capture is copied. Throws std::runtime_error, with an operator's
+    // sentence, for a root or capture that cannot be used. Blocks on file I/O.
+    explicit Input(const Options& options);
+
+    // The directory that was named, even if another stands for it; empty for the machine's own files.
+    const std::string& Directory() const { return directory; }
+
+    // Reads the configuration and opens the databases. Throws std::runtime_error, with an operator's
+    // sentence, when one of them cannot be.
+    void Open() const;
+
+private:
+    const std::string directory;
+    std::unique_ptr<Capture> capture;  // used as long as it lives
+};
+
+}  // namespace explain
