@@ -2,11 +2,9 @@
 
 #include <algorithm>
 #include <map>
-#include <set>
 
 #include "explain/analysis/budget.h"
 #include "explain/analysis/statistics.h"
-#include "explain/wording.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_algorithm/fault_rootcause.h"
 #include "fault_common/fault_common.h"
@@ -19,32 +17,38 @@ constexpr int64_t HOUR_SECONDS = 3600;
 constexpr double CHANCE_OF_FLAG = 0.0027;  // that a normal sample lies beyond three deviations
 constexpr double LEAST_SHARE = 1e-9;       // less is rounding
 
-using Judge = Evidence (*)(const PointData& point, const Samples& baseline, const Event& event);
+// Of the first candidate; docs/explain.md tells how often such answers were right.
+constexpr double SURE_SHARE = 0.7;
+constexpr double LIKELY_SHARE = 0.5;
+constexpr double LIKELY_MARGIN = 0.1;
 
-// A part of the time before the event.
+using Judge = Evidence (*)(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
+
+// A part of what is usual.
 struct Part {
-    const char* name;
-    int64_t from = 0;
-    int64_t until = 0;  // not included
+    BaselinePart which = BaselinePart::WHOLE;
+    Window window;
 };
 
-std::array<Part, 6> PartsOf(const Samples& baseline, int64_t until) {
-    const int64_t from = baseline.front().time;
+std::array<Part, 6> PartsOf(const Window& baseline) {
+    const int64_t from = baseline.start;
+    const int64_t until = baseline.end + 1;
     const int64_t length = until - from;
-    return {{{"first half", from, from + length / 2},
-             {"second half", from + length / 2, until},
-             {"first third", from, from + length / 3},
-             {"middle third", from + length / 3, from + length / 3 * 2},
-             {"last third", from + length / 3 * 2, until},
-             {"without the last hour", from, until - HOUR_SECONDS}}};
+    return {{{BaselinePart::FIRST_HALF, {from, from + length / 2 - 1}},
+             {BaselinePart::SECOND_HALF, {from + length / 2, until - 1}},
+             {BaselinePart::FIRST_THIRD, {from, from + length / 3 - 1}},
+             {BaselinePart::MIDDLE_THIRD, {from + length / 3, from + length / 3 * 2 - 1}},
+             {BaselinePart::LAST_THIRD, {from + length / 3 * 2, until - 1}},
+             {BaselinePart::WITHOUT_LAST_HOUR, {from, until - HOUR_SECONDS - 1}}}};
 }
 
 // By node.
-std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, const Part& part,
+std::vector<Evidence> AllEvidence(const GraphWorld& world, const Window& event, const Stretches& baseline,
                                   Judge judge) {
+    const std::string& top = world.nodes.front().point;
     std::map<std::string, Evidence> byPoint;
     for (const auto& [name, data] : world.points) {
-        byPoint[name] = judge(data, SamplesBetween(data.samples, part.from, part.until), event);
+        byPoint[name] = judge(data, baseline, event, name == top);
     }
     std::vector<Evidence> evidence;
     for (const GraphNode& node : world.nodes) {
@@ -53,15 +57,16 @@ std::vector<Evidence> AllEvidence(const GraphWorld& world, const Event& event, c
     return evidence;
 }
 
-// Each node's own share; empty when the point at the top takes no part.
+// Each node's own share; empty when nothing is known of the point at the top.
 std::vector<double> SharesOf(const GraphWorld& world, const std::vector<Evidence>& evidence,
                              Flows* flows = nullptr) {
-    if (!evidence.front().takesPart) {
+    if (!evidence.front().excess) {
         return {};
     }
     std::vector<BudgetNode> nodes;
     for (size_t i = 0; i < world.nodes.size(); ++i) {
-        nodes.push_back({world.nodes[i].children, evidence[i].takesPart, evidence[i].excess.value_or(0.0)});
+        nodes.push_back({world.nodes[i].children, evidence[i].takesPart, evidence[i].excess.value_or(0.0),
+                         evidence[i].ownExcess.value_or(0.0)});
     }
     return DivideBudget(nodes, world.handOvers, 0, flows);
 }
@@ -91,12 +96,13 @@ std::vector<Candidate> RankOf(const GraphWorld& world, const std::vector<double>
     return candidates;
 }
 
-std::vector<Trial> TrialsOf(const GraphWorld& world, const Event& event, const Samples& baseline) {
+std::vector<Trial> TrialsOf(const GraphWorld& world, const Window& event, const Stretches& baseline,
+                            const Window& whole) {
     std::vector<Trial> trials;
-    for (const Part& part : PartsOf(baseline, event.start)) {
-        const std::vector<Candidate> candidates =
-            RankOf(world, SharesOf(world, AllEvidence(world, event, part, BriefEvidenceOf)));
-        trials.push_back({part.name, {}});
+    for (const Part& part : PartsOf(whole)) {
+        const std::vector<Candidate> candidates = RankOf(
+            world, SharesOf(world, AllEvidence(world, event, Within(baseline, part.window), BriefEvidenceOf)));
+        trials.push_back({part.which, {}});
         if (!candidates.empty()) {
             trials.back().first = candidates.front().point;
         }
@@ -130,17 +136,16 @@ void Compare(const FaultSeries& parent, const FaultSeries& own, NodeFinding& fin
     finding.commonIntervals = common.count;
     finding.correlation = common.correlation;
     if (common.count < FEWEST_COMMON && !parent.empty() && !own.empty()) {
-        finding.evidence.reasons.push_back(
-            "too few intervals in common with the point above: " + std::to_string(common.count) + " of " +
-            std::to_string(FEWEST_COMMON));
+        finding.evidence.reasons.push_back({ReasonKind::FEW_IN_COMMON, common.count, FEWEST_COMMON});
     }
 }
 
-std::vector<NodeFinding> FindingsOf(const GraphWorld& world, std::vector<Evidence> evidence,
+// Correlations are those of the range.
+std::vector<NodeFinding> FindingsOf(const GraphWorld& world, const Window& range, std::vector<Evidence> evidence,
                                     const std::vector<double>& shares) {
     std::map<std::string, FaultSeries> delays;
     for (const auto& [name, data] : world.points) {
-        delays[name] = DelaySeries(data.samples);
+        delays[name] = DelaySeries(SamplesIn(data.samples, {range}));
     }
     const std::vector<size_t> parents = ParentsOf(world);
     std::vector<NodeFinding> findings;
@@ -161,40 +166,64 @@ std::string CompactTime(int64_t time) {
     return text;
 }
 
-// The point that the plug-in's own walk comes to, around the peak of the event.
-std::optional<std::string> WalkedPoint(const Analysis& analysis) {
-    const int64_t peak = analysis.event->peakTime;
-    const std::vector<AnomalyPath> paths = FlowAnalysisBFS(
-        analysis.point, analysis.graph, CompactTime(peak - WALK_SECONDS), CompactTime(peak + WALK_SECONDS));
-    return paths.empty() ? std::nullopt : std::optional<std::string>(paths.back().anomalyNodeName);
+// What the plug-in's own walk comes to, around the peak of the event.
+Walk WalkAround(const std::string& point, const std::string& graph, int64_t peak) {
+    Walk walk{{peak - WALK_SECONDS, peak + WALK_SECONDS}, {}};
+    const std::vector<AnomalyPath> paths =
+        FlowAnalysisBFS(point, graph, CompactTime(walk.window.start), CompactTime(walk.window.end));
+    if (!paths.empty()) {
+        walk.point = paths.back().anomalyNodeName;
+    }
+    return walk;
 }
 
-// The verdict where the point at the top takes no part.
-void JudgeWithoutShares(Analysis& analysis) {
-    const Evidence& top = analysis.findings.front().evidence;
+// From the first sample to the last one of what is usual.
+std::optional<Window> HullOf(const Samples& usual) {
+    return usual.empty() ? std::nullopt
+                         : std::optional<Window>(Window{usual.front().time, usual.back().time});
+}
+
+// Whether half of the event's samples at least lie in events that were found.
+bool IsFound(const Look& look, const Event& event) {
+    size_t found = 0;
+    for (const Event& other : look.finding.events) {
+        const size_t first = std::max(other.first, event.first);
+        const size_t last = std::min(other.last, event.last);
+        found += first <= last ? last - first + 1 : 0;
+    }
+    return found * 2 >= event.last - event.first + 1;
+}
+
+bool IsWeak(const Look& look, const Event& event, const Evidence& top) {
+    return *top.excess <= 0.0 || (*top.deviations <= HIGH && !IsFound(look, event));
+}
+
+// Why there is nothing to divide; none when there is.
+std::optional<Reason> WhyNot(const Evidence& top) {
+    if (top.baselineCount < FEWEST_BASELINE) {
+        return Reason{ReasonKind::FEW_BEFORE_EVENT, top.baselineCount, FEWEST_BASELINE};
+    }
     if (!top.excess) {
-        analysis.reason = "an observation point: without request counts there is nothing to divide";
-    } else if (*top.eventRequests <= 0.0) {
-        analysis.reason = "there were no requests in the event";
-    } else {
-        analysis.verdict = Verdict::NOTHING;
-        analysis.reason = "the delay of the event is not above what was usual before it";
+        return Reason{ReasonKind::NO_REQUEST_COUNTS};
     }
+    return *top.eventRequests <= 0.0 ? std::optional<Reason>(Reason{ReasonKind::NO_REQUESTS}) : std::nullopt;
 }
 
-void Explain(const Samples& baseline, Analysis& analysis) {
-    const Event& event = *analysis.event;
-    const Part all{"", baseline.front().time, event.start};
-    std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all, EvidenceOf);
-    const std::vector<double> shares = SharesOf(analysis.world, evidence, &analysis.flows);
-    analysis.findings = FindingsOf(analysis.world, std::move(evidence), shares);
-    analysis.candidates = RankOf(analysis.world, shares);
-    analysis.walk = WalkedPoint(analysis);
-    if (analysis.candidates.empty()) {
-        JudgeWithoutShares(analysis);
-        return;
+Certainty CertaintyOf(const std::vector<Candidate>& candidates, const Event& event) {
+    const double share = candidates.front().share;
+    const double margin = share - (candidates.size() > 1 ? candidates[1].share : 0.0);
+    if (event.first == event.last || share < LIKELY_SHARE || margin < LIKELY_MARGIN) {
+        return Certainty::UNSURE;
     }
-    analysis.trials = TrialsOf(analysis.world, event, baseline);
+    return share < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
+}
+
+void Answer(const Stretches& baseline, Analysis& analysis) {
+    const Event& event = *analysis.event;
+    analysis.modules = ModuleSharesOf(analysis.candidates);
+    analysis.certainty = CertaintyOf(analysis.candidates, event);
+    analysis.trials = TrialsOf(*analysis.world, event, baseline, *analysis.baseline);
+    analysis.walk = WalkAround(analysis.point, analysis.graph, event.peakTime);
     const auto isLoad = [&](size_t node) { return analysis.findings[node].evidence.nature == Nature::LOAD; };
     analysis.verdict = isLoad(0) && isLoad(analysis.candidates.front().node) ? Verdict::LOAD : Verdict::POINT;
 }
@@ -207,56 +236,79 @@ size_t Analysis::Agreements() const {
     }));
 }
 
-Analysis Analyse(const std::string& point, const std::string& graph, const Range& range,
-                 const std::optional<int64_t>& at) {
+std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
+    std::vector<ModuleShare> modules;
+    for (const Candidate& candidate : candidates) {
+        const std::string name = ModuleOf(candidate.point);
+        const auto known = std::find_if(modules.begin(), modules.end(),
+                                        [&](const ModuleShare& one) { return one.module == name; });
+        if (known != modules.end()) {
+            known->share += candidate.share;
+        } else {
+            modules.push_back({name, candidate.share});
+        }
+    }
+    std::stable_sort(modules.begin(), modules.end(),
+                     [](const ModuleShare& a, const ModuleShare& b) { return a.share > b.share; });
+    return modules;
+}
+
+std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples) {
+    std::vector<Event> events;
+    if (question.during) {
+        const auto [first, end] = PositionsIn(samples, *question.during);
+        if (first < end) {
+            events.push_back(EventOf(samples, look.finding, first, end - 1));
+        }
+    } else if (question.at && look.samples > 0) {
+        events.push_back(EventAt(samples, look.finding, look.events, *question.at));
+    } else {
+        events = ByUrgency(look.events);
+        events.resize(std::min(events.size(), MOST_EVENTS));
+    }
+    for (Event& event : events) {
+        event.isOngoing = IsOngoing(event, PositionsIn(samples, question.range).second);
+    }
+    return events;
+}
+
+Analysis Explain(const Question& question, const Look& look, const std::string& graph,
+                 const std::shared_ptr<const GraphWorld>& world, const Event& event) {
     Analysis analysis;
-    analysis.point = point;
+    analysis.point = look.point;
     analysis.graph = graph;
-    analysis.world = LoadGraphWorld(point, graph, range);
-    const Samples& samples = analysis.world.points.at(point).samples;
-    if (samples.empty()) {
-        throw NoData("there are no rows of " + point + " in the range");
-    }
-    analysis.events = FindEvents(samples);
-    if (at) {
-        analysis.event = EventAt(samples, analysis.events, *at);
-    } else if (!analysis.events.empty()) {
-        analysis.event = analysis.events.back();
-    }
-    if (!analysis.event && samples.size() < FEWEST_FOR_SIGMA) {
-        analysis.reason = TooFewForSigma(samples.size());
+    analysis.events = look.events;
+    analysis.event = event;
+    analysis.silence = look.SilenceOn(event);
+    analysis.eventsFill = static_cast<double>(look.samplesInEvents) / static_cast<double>(std::max<size_t>(look.samples, 1));
+    analysis.world = world;
+    const Samples& samples = world->points.at(look.point).samples;
+    const Stretches baseline = BaselineOf(samples, look.finding.events, event, question.baseline);
+    analysis.baseline = HullOf(SamplesIn(samples, baseline));
+    std::vector<Evidence> evidence = AllEvidence(*world, event, baseline, EvidenceOf);
+    const std::vector<double> shares = SharesOf(*world, evidence, &analysis.flows);
+    analysis.findings = FindingsOf(*world, question.range, std::move(evidence), shares);
+    const Evidence& top = analysis.findings.front().evidence;
+    analysis.candidates = RankOf(*world, shares);
+    analysis.reason = WhyNot(top);
+    if (analysis.reason) {
+        analysis.candidates.clear();
         return analysis;
     }
-    if (!analysis.event) {
-        analysis.verdict = Verdict::NOTHING;
-        analysis.reason = "no sample lies high above the others";
-        return analysis;
-    }
-    const Samples baseline = BaselineOf(samples, *analysis.event);
-    if (baseline.size() < FEWEST_BASELINE) {
-        analysis.reason = "only " + Counted(baseline.size(), "sample") + " before the event, " +
-                          std::to_string(FEWEST_BASELINE) + " are needed";
-        return analysis;
-    }
-    Explain(baseline, analysis);
+    analysis.isWeak = IsWeak(look, event, top);
+    Answer(baseline, analysis);
     return analysis;
 }
 
-ChanceFlags CountFlags(const std::vector<Analysis>& analyses) {
+ChanceFlags CountFlags(const std::map<std::string, PointData>& points, const Window& range) {
     ChanceFlags flags;
-    std::set<std::string> counted;
-    for (const Analysis& analysis : analyses) {
-        for (const auto& [name, data] : analysis.world.points) {
-            if (!counted.insert(name).second) {
-                continue;
-            }
-            std::vector<int64_t> delays;
-            for (const FaultSeriesRow& row : DelaySeries(data.samples)) {
-                delays.push_back(row[1]);
-            }
-            flags.samples += delays.size();
-            flags.flagged += SmartDiagnose::Outliers(delays).size();
+    for (const auto& [name, data] : points) {
+        std::vector<int64_t> delays;
+        for (const FaultSeriesRow& row : DelaySeries(SamplesIn(data.samples, {range}))) {
+            delays.push_back(row[1]);
         }
+        flags.samples += delays.size();
+        flags.flagged += SmartDiagnose::Outliers(delays).size();
     }
     flags.expected = CHANCE_OF_FLAG * static_cast<double>(flags.samples);
     return flags;

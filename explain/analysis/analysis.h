@@ -1,13 +1,15 @@
-// The analysis of one slow point in one graph: where its extra delay goes, and how sure that is.
+// The analysis of one event of a point in one graph: where its extra delay goes, and how sure that is.
 #pragma once
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/graph_world.h"
+#include "explain/analysis/look.h"
 
 namespace explain {
 
@@ -30,50 +32,89 @@ struct Candidate {
     size_t node = 0;  // position of that node
 };
 
+enum class BaselinePart {
+    WHOLE,
+    FIRST_HALF,
+    SECOND_HALF,
+    FIRST_THIRD,
+    MIDDLE_THIRD,
+    LAST_THIRD,
+    WITHOUT_LAST_HOUR
+};
+
 // Which point comes first when only a part of the baseline counts.
 struct Trial {
-    std::string baseline;              // in words: "first half"
+    BaselinePart baseline = BaselinePart::WHOLE;
     std::optional<std::string> first;  // none where the part is too short to tell
 };
 
 enum class Verdict {
     POINT,       // the first candidate
     LOAD,        // the requests rose, and the delays with them
-    NOTHING,     // there is no event, or it is not above the baseline
+    NOTHING,     // there is no event
     CANNOT_TELL  // `reason` says why
+};
+
+// How sure the first candidate is.
+enum class Certainty { SURE, LIKELY, UNSURE };
+
+// Which event of a point was asked for: all of the range, or one.
+struct Question {
+    Window range;
+    std::optional<int64_t> at;       // the event at this time
+    std::optional<Window> during;    // exactly this window
+    std::optional<Window> baseline;  // what tells what is usual, instead of what was before
+};
+
+// The part of the plug-in's own walk.
+struct Walk {
+    Window window;                     // what it looked at
+    std::optional<std::string> point;  // that it names; none: no result
 };
 
 struct Analysis {
     std::string point;
     std::string graph;
     Verdict verdict = Verdict::CANNOT_TELL;
-    std::string reason;  // empty for POINT and LOAD
+    std::optional<Reason> reason;  // none for POINT and LOAD
 
-    std::vector<Event> events;   // all runs of high samples, in the order of time
+    std::vector<Event> events;   // all of the point in the range, in the order of time
     std::optional<Event> event;  // the one that is explained
-    GraphWorld world;  // the data, and the nodes in the order of their distance from the point; or empty
-    std::vector<NodeFinding> findings;  // by node
-    Flows flows;                        // between nodes, by position
-    std::vector<Candidate> candidates;  // by share, the largest first
-    std::vector<Trial> trials;          // six, for an answer
-    std::optional<std::string> walk;    // the point that the plug-in's own walk names; none: no result
+    Silence silence = Silence::NONE;  // of the detector on it
+    double eventsFill = 0.0;          // share of the range's samples that lie in events
+    bool isWeak = false;              // what is explained is within what is usual
+
+    std::shared_ptr<const GraphWorld> world;  // the data, and the nodes by their distance from the point; or null
+    std::optional<Window> baseline;           // from its first sample to its last one
+    std::vector<NodeFinding> findings;        // by node
+    Flows flows;                              // between nodes, by position
+    std::vector<Candidate> candidates;        // by share, the largest first
+    std::vector<ModuleShare> modules;         // likewise
+    Certainty certainty = Certainty::UNSURE;  // of an answer
+    std::vector<Trial> trials;                // six, for an answer
+    std::optional<Walk> walk;                 // for an answer
 
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };
 
-// Explains the event at `at` or, without it, the latest one of the point in the range. Blocks on the
-// database; throws as LoadGraphWorld() does.
-Analysis Analyse(const std::string& point, const std::string& graph, const Range& range,
-                 const std::optional<int64_t>& at);
+// The events of a point that are to be explained, the most urgent first: at most MOST_EVENTS of the range, or the
+// one that was asked for. `samples` is what was looked at. None when there is none, or no sample.
+std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples);
+constexpr size_t MOST_EVENTS = 8;
 
-// The three-sigma flags of all points that were loaded, each counted once, and how many of as many normal
-// samples would be flagged by chance.
+// Explains an event of the point at the top of the world, which stands in `graph`. Blocks on the database, for
+// the plug-in's own walk.
+Analysis Explain(const Question& question, const Look& look, const std::string& graph,
+                 const std::shared_ptr<const GraphWorld>& world, const Event& event);
+
+// The three-sigma flags of all points in a range, and how many of as many normal samples would be flagged by
+// chance.
 struct ChanceFlags {
     size_t samples = 0;
     size_t flagged = 0;
     double expected = 0.0;
 };
-ChanceFlags CountFlags(const std::vector<Analysis>& analyses);
+ChanceFlags CountFlags(const std::map<std::string, PointData>& points, const Window& range);
 
 }  // namespace explain

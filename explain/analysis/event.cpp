@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include "explain/analysis/statistics.h"
-
 namespace explain {
 namespace {
 
@@ -41,8 +39,9 @@ std::vector<Run> RunsAbove(const std::vector<double>& values, double least) {
 }
 
 struct High {
-    Marks inside;                    // whether a value belongs to a run of high ones
-    std::vector<double> deviations;  // from what is usual
+    Marks inside;  // whether a value belongs to a run of high ones
+    Usual usual;   // of the others
+    std::vector<double> deviations;
 };
 
 std::vector<double> DeviationsFrom(const Usual& usual, const std::vector<double>& values) {
@@ -75,9 +74,10 @@ bool LeavesEnough(const Marks& telling, const Marks& inside) {
 // The runs of high values. What is found is left out of what is usual, until nothing more is found. `telling`
 // must mark FEWEST_BASELINE values.
 High FindHigh(const std::vector<double>& values, const Marks& telling) {
-    High high{Marks(values.size(), false), {}};
+    High high{Marks(values.size(), false), {}, {}};
     while (true) {
-        high.deviations = DeviationsFrom(UsualOf(values, telling, high.inside), values);
+        high.usual = UsualOf(values, telling, high.inside);
+        high.deviations = DeviationsFrom(high.usual, values);
         Marks now = high.inside;
         for (const Run& run : RunsAbove(high.deviations, HIGH)) {
             std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
@@ -131,25 +131,6 @@ Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
     return telling;
 }
 
-Event EventOf(const Samples& samples, const std::vector<double>& deviations, const Run& run) {
-    Event event;
-    event.first = run.first;
-    event.last = run.last;
-    event.start = samples[run.first].time;
-    event.end = samples[run.last].time;
-    event.isOngoing = samples.size() - 1 - run.last <= GAP;
-    for (size_t i = run.first; i <= run.last; ++i) {
-        const double deviation = deviations.empty() ? 0.0 : deviations[i];
-        event.count += deviation > MILD ? size_t{1} : 0;
-        if (i == run.first || samples[i].delay > event.peakDelay) {
-            event.peakTime = samples[i].time;
-            event.peakDelay = samples[i].delay;
-            event.peakDeviations = deviation;
-        }
-    }
-    return event;
-}
-
 size_t Distance(int64_t a, int64_t b) {
     return a > b ? static_cast<uint64_t>(a) - static_cast<uint64_t>(b)
                  : static_cast<uint64_t>(b) - static_cast<uint64_t>(a);
@@ -194,41 +175,56 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     const std::vector<double> delays = DelaysOf(samples);
     High high = FindHigh(delays, telling);
     AddLasting(delays, telling, high);
-    Finding finding{{}, std::move(high.deviations)};
+    Finding finding{{}, high.usual, std::move(high.deviations)};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
     for (const Run& run : RunsAbove(inside, 0.0)) {
-        finding.events.push_back(EventOf(samples, finding.deviations, run));
+        finding.events.push_back(EventOf(samples, finding, run.first, run.last));
     }
     return finding;
 }
 
-Event EventAt(const Samples& samples, const Finding& finding, int64_t time) {
+Event EventOf(const Samples& samples, const Finding& finding, size_t first, size_t last) {
+    Event event;
+    event.first = first;
+    event.last = last;
+    event.start = samples[first].time;
+    event.end = samples[last].time;
+    for (size_t i = first; i <= last; ++i) {
+        const double deviation = finding.deviations.empty() ? 0.0 : finding.deviations[i];
+        event.count += deviation > MILD ? size_t{1} : 0;
+        if (i == first || samples[i].delay > event.peakDelay) {
+            event.peakTime = samples[i].time;
+            event.peakDelay = samples[i].delay;
+            event.peakDeviations = deviation;
+        }
+    }
+    return event;
+}
+
+Event EventAt(const Samples& samples, const Finding& finding, const std::vector<Event>& events,
+              int64_t time) {
     const size_t nearest = Nearest(samples, time);
     for (size_t far = 0; far <= GAP + 1; ++far) {
-        const auto found = std::find_if(finding.events.rbegin(), finding.events.rend(),
+        const auto found = std::find_if(events.rbegin(), events.rend(),
                                         [&](const Event& event) { return IsNear(event, nearest, far); });
-        if (found != finding.events.rend()) {
+        if (found != events.rend()) {
             return *found;
         }
     }
     if (finding.deviations.empty()) {
-        return EventOf(samples, {}, {nearest, nearest});
+        return EventOf(samples, finding, nearest, nearest);
     }
     const size_t highest = HighestNear(finding.deviations, nearest);
     for (const Run& run : RunsAbove(finding.deviations, WEAK)) {
         if (highest >= run.first && highest <= run.last) {
-            return EventOf(samples, finding.deviations, run);
+            return EventOf(samples, finding, run.first, run.last);
         }
     }
-    return EventOf(samples, finding.deviations, {highest, highest});
+    return EventOf(samples, finding, highest, highest);
 }
 
-std::optional<Event> EventIn(const Samples& samples, const Finding& finding, const Window& window) {
-    const auto [first, end] = PositionsIn(samples, window);
-    if (first == end) {
-        return std::nullopt;
-    }
-    return EventOf(samples, finding.deviations, {first, end - 1});
+bool IsOngoing(const Event& event, size_t end) {
+    return end - 1 - std::min(event.last, end - 1) <= GAP;
 }
 
 std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window) {

@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
+
+#include "explain/analysis/statistics.h"
 
 namespace explain {
 
@@ -32,7 +35,7 @@ struct Event : Window {
     double peakDelay = 0.0;
     double peakDeviations = 0.0;  // from what is usual for the series
     size_t count = 0;             // of its samples that lie above what is usual, more than MILD
-    bool isOngoing = false;       // at the end of the series
+    bool isOngoing = false;       // at the last sample that was looked at
 };
 
 // How many scales above the usual a sample must lie: to belong to an event, and for a point to take part in
@@ -51,20 +54,25 @@ constexpr size_t FEWEST_FOR_SIGMA = 11;
 // What was found in one series.
 struct Finding {
     std::vector<Event> events;       // in the order of time
-    std::vector<double> deviations;  // of each sample from what is usual; empty for too few samples
+    Usual usual;                     // of all samples that are in no event
+    std::vector<double> deviations;  // of each sample from it; empty for too few samples
 };
 
 // All events of a series. What is usual is told by all samples that are in no event or, with `baseline`, by
-// those of that stretch.
+// those of that stretch. None is ongoing yet.
 Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline = std::nullopt);
 
-// The event at a time that an operator names: of `finding.events` the one that holds it or is at most two
-// samples away; else the highest sample that near, with what adjoins it above WEAK. `samples` is the series
-// in which they were found; it must not be empty.
-Event EventAt(const Samples& samples, const Finding& finding, int64_t time);
+// The samples at the positions from `first` to `last` as an event, whatever they are. `samples` is here and
+// below the series in which `finding` was found.
+Event EventOf(const Samples& samples, const Finding& finding, size_t first, size_t last);
 
-// The samples of a window as an event, whatever they are; none when it has no sample.
-std::optional<Event> EventIn(const Samples& samples, const Finding& finding, const Window& window);
+// The event at a time that an operator names: of `events` the one that holds it or is at most two samples
+// away; else the highest sample that near, with what adjoins it above WEAK. `samples` must not be empty.
+Event EventAt(const Samples& samples, const Finding& finding, const std::vector<Event>& events, int64_t time);
+
+// Whether the event is still going on at the last sample before the position `end`: a last sample that is not
+// high does not end it.
+bool IsOngoing(const Event& event, size_t end);
 
 // The samples of a stretch of time, as positions: the first one, and the one behind the last.
 std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window);
