@@ -15,6 +15,7 @@
 #include "explain/report.h"
 #include "explain/request.h"
 #include "explain/stamp.h"
+#include "explain/wording.h"
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
@@ -23,22 +24,35 @@
 namespace explain {
 namespace {
 
-// Explains all of them. One that has no data leaves the others their answers; throws NoData when all are
-// such.
+// What the exception that is being handled says of the data. One that says nothing of it is thrown on.
+Reason ReasonOfFailure() {
+    try {
+        throw;
+    } catch (const NoData& error) {
+        return error.Why();
+    } catch (const Json::Exception& error) {
+        return {ReasonKind::BAD_CONFIGURATION, 0, 0, error.what()};
+    } catch (const std::logic_error& error) {  // of a conversion
+        return {ReasonKind::BAD_VALUE, 0, 0, error.what()};
+    }
+}
+
+// Explains all of them. One that cannot be leaves the others their answers; throws NoData when all are such.
 std::vector<Analysis> AnalyseAll(const std::vector<Subject>& subjects, const Request& request) {
     std::vector<Analysis> analyses;
     size_t failures = 0;
     for (const auto& [point, graph] : subjects) {
         try {
             analyses.push_back(Analyse(point, graph, request.range, request.at));
-        } catch (const NoData& error) {
+        } catch (...) {
+            const Reason reason = ReasonOfFailure();
             if (++failures == subjects.size()) {
-                throw;
+                throw NoData(reason);
             }
             analyses.emplace_back();
             analyses.back().point = point;
             analyses.back().graph = graph;
-            analyses.back().reason = error.what();
+            analyses.back().reason = reason;
         }
     }
     return analyses;
@@ -110,8 +124,8 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
 int RunWithReasons(const Options& options, const std::vector<std::string>& arguments) {
     try {
         return Run(options, arguments);
-    } catch (const Json::Exception& error) {
-        throw std::runtime_error("the configuration is not what it should be: " + std::string(error.what()));
+    } catch (...) {
+        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
     }
 }
 

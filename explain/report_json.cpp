@@ -120,7 +120,8 @@ private:
         value["load_correlation"] = Number(evidence.loadCorrelation);
         value["equal_load_ratio"] = Number(evidence.equalLoadRatio);
         value["nature"] = WordOf(evidence.nature);
-        value["reasons"] = List(evidence.reasons, Text);
+        value["reasons"] =
+            List(evidence.reasons, [](const Reason& reason) { return Text(SentenceOf(reason)); });
         return value;
     }
 
@@ -165,7 +166,7 @@ private:
         value["agreements"] = isKnown ? Count(analysis.Agreements()) : Json::Value();
         value["trials"] = List(analysis.trials, [](const Trial& trial) {
             Json::Value one;
-            one["baseline"] = trial.baseline;
+            one["baseline"] = WordOf(trial.baseline);
             one["first"] = trial.first ? Text(*trial.first) : Json::Value();
             return one;
         });
@@ -180,7 +181,7 @@ private:
         value["point"] = Text(analysis.point);
         value["graph"] = Text(analysis.graph);
         value["verdict"] = WordOf(analysis.verdict);
-        value["reason"] = TextOrNull(analysis.reason);
+        value["reason"] = analysis.reason ? Text(SentenceOf(*analysis.reason)) : Json::Value();
         value["event"] = analysis.event ? EventValue(*analysis.event) : Json::Value();
         value["events"] = List(analysis.events, [this](const Event& event) { return EventValue(event); });
         value["nodes"] = Json::Value(Json::arrayValue);

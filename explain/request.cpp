@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "cli/program.h"
-#include "explain/wording.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
 #include "text/local_time.h"
@@ -61,11 +60,10 @@ std::vector<std::string> FlaggedPoints(const Range& range) {
         most = std::max(most, series["avgdelay"].size());
     }
     if (most == 0) {
-        throw NoData("there are no rows of the detector's points in the range");
+        throw NoData({ReasonKind::NO_ROWS_OF_DETECTOR});
     }
     if (most < FEWEST_FOR_SIGMA) {
-        throw NoData("there are too few rows of the detector's points in the range: " + TooFewForSigma(most) +
-                     ". Name a longer range");
+        throw NoData({ReasonKind::FEW_ROWS_OF_DETECTOR, most, FEWEST_FOR_SIGMA});
     }
     std::vector<std::string> points;
     for (const AnomalyDetectResult& result : detector.DoDetect(range.startDate, range.endDate)) {

@@ -6,7 +6,6 @@
 
 #include "explain/analysis/budget.h"
 #include "explain/analysis/statistics.h"
-#include "explain/wording.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_algorithm/fault_rootcause.h"
 #include "fault_common/fault_common.h"
@@ -23,7 +22,7 @@ using Judge = Evidence (*)(const PointData& point, const Samples& baseline, cons
 
 // A part of the time before the event.
 struct Part {
-    const char* name;
+    BaselinePart which = BaselinePart::WHOLE;
     int64_t from = 0;
     int64_t until = 0;  // not included
 };
@@ -31,12 +30,12 @@ struct Part {
 std::array<Part, 6> PartsOf(const Samples& baseline, int64_t until) {
     const int64_t from = baseline.front().time;
     const int64_t length = until - from;
-    return {{{"first half", from, from + length / 2},
-             {"second half", from + length / 2, until},
-             {"first third", from, from + length / 3},
-             {"middle third", from + length / 3, from + length / 3 * 2},
-             {"last third", from + length / 3 * 2, until},
-             {"without the last hour", from, until - HOUR_SECONDS}}};
+    return {{{BaselinePart::FIRST_HALF, from, from + length / 2},
+             {BaselinePart::SECOND_HALF, from + length / 2, until},
+             {BaselinePart::FIRST_THIRD, from, from + length / 3},
+             {BaselinePart::MIDDLE_THIRD, from + length / 3, from + length / 3 * 2},
+             {BaselinePart::LAST_THIRD, from + length / 3 * 2, until},
+             {BaselinePart::WITHOUT_LAST_HOUR, from, until - HOUR_SECONDS}}};
 }
 
 // By node.
@@ -96,7 +95,7 @@ std::vector<Trial> TrialsOf(const GraphWorld& world, const Event& event, const S
     for (const Part& part : PartsOf(baseline, event.start)) {
         const std::vector<Candidate> candidates =
             RankOf(world, SharesOf(world, AllEvidence(world, event, part, BriefEvidenceOf)));
-        trials.push_back({part.name, {}});
+        trials.push_back({part.which, {}});
         if (!candidates.empty()) {
             trials.back().first = candidates.front().point;
         }
@@ -130,9 +129,7 @@ void Compare(const FaultSeries& parent, const FaultSeries& own, NodeFinding& fin
     finding.commonIntervals = common.count;
     finding.correlation = common.correlation;
     if (common.count < FEWEST_COMMON && !parent.empty() && !own.empty()) {
-        finding.evidence.reasons.push_back(
-            "too few intervals in common with the point above: " + std::to_string(common.count) + " of " +
-            std::to_string(FEWEST_COMMON));
+        finding.evidence.reasons.push_back({ReasonKind::FEW_IN_COMMON, common.count, FEWEST_COMMON});
     }
 }
 
@@ -173,18 +170,18 @@ std::optional<std::string> WalkedPoint(const Analysis& analysis) {
 void JudgeWithoutShares(Analysis& analysis) {
     const Evidence& top = analysis.findings.front().evidence;
     if (!top.excess) {
-        analysis.reason = "an observation point: without request counts there is nothing to divide";
+        analysis.reason = Reason{ReasonKind::NO_REQUEST_COUNTS};
     } else if (*top.eventRequests <= 0.0) {
-        analysis.reason = "there were no requests in the event";
+        analysis.reason = Reason{ReasonKind::NO_REQUESTS};
     } else {
         analysis.verdict = Verdict::NOTHING;
-        analysis.reason = "the delay of the event is not above what was usual before it";
+        analysis.reason = Reason{ReasonKind::NOT_ABOVE_BASELINE};
     }
 }
 
 void Explain(const Samples& baseline, Analysis& analysis) {
     const Event& event = *analysis.event;
-    const Part all{"", baseline.front().time, event.start};
+    const Part all{BaselinePart::WHOLE, baseline.front().time, event.start};
     std::vector<Evidence> evidence = AllEvidence(analysis.world, event, all, EvidenceOf);
     const std::vector<double> shares = SharesOf(analysis.world, evidence, &analysis.flows);
     analysis.findings = FindingsOf(analysis.world, std::move(evidence), shares);
@@ -215,7 +212,7 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
     analysis.world = LoadGraphWorld(point, graph, range);
     const Samples& samples = analysis.world.points.at(point).samples;
     if (samples.empty()) {
-        throw NoData("there are no rows of " + point + " in the range");
+        throw NoData({ReasonKind::NO_ROWS_OF_POINT, 0, 0, point, graph});
     }
     analysis.events = FindEvents(samples);
     if (at) {
@@ -224,18 +221,17 @@ Analysis Analyse(const std::string& point, const std::string& graph, const Range
         analysis.event = analysis.events.back();
     }
     if (!analysis.event && samples.size() < FEWEST_FOR_SIGMA) {
-        analysis.reason = TooFewForSigma(samples.size());
+        analysis.reason = Reason{ReasonKind::FEW_FOR_SIGMA, samples.size(), FEWEST_FOR_SIGMA};
         return analysis;
     }
     if (!analysis.event) {
         analysis.verdict = Verdict::NOTHING;
-        analysis.reason = "no sample lies high above the others";
+        analysis.reason = Reason{ReasonKind::NO_HIGH_SAMPLE};
         return analysis;
     }
     const Samples baseline = BaselineOf(samples, *analysis.event);
     if (baseline.size() < FEWEST_BASELINE) {
-        analysis.reason = "only " + Counted(baseline.size(), "sample") + " before the event, " +
-                          std::to_string(FEWEST_BASELINE) + " are needed";
+        analysis.reason = Reason{ReasonKind::FEW_BEFORE_EVENT, baseline.size(), FEWEST_BASELINE};
         return analysis;
     }
     Explain(baseline, analysis);

@@ -30,9 +30,19 @@ struct Candidate {
     size_t node = 0;  // position of that node
 };
 
+enum class BaselinePart {
+    WHOLE,
+    FIRST_HALF,
+    SECOND_HALF,
+    FIRST_THIRD,
+    MIDDLE_THIRD,
+    LAST_THIRD,
+    WITHOUT_LAST_HOUR
+};
+
 // Which point comes first when only a part of the baseline counts.
 struct Trial {
-    std::string baseline;              // in words: "first half"
+    BaselinePart baseline = BaselinePart::WHOLE;
     std::optional<std::string> first;  // none where the part is too short to tell
 };
 
@@ -47,7 +57,7 @@ struct Analysis {
     std::string point;
     std::string graph;
     Verdict verdict = Verdict::CANNOT_TELL;
-    std::string reason;  // empty for POINT and LOAD
+    std::optional<Reason> reason;  // none for POINT and LOAD
 
     std::vector<Event> events;   // all runs of high samples, in the order of time
     std::optional<Event> event;  // the one that is explained

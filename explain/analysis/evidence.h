@@ -3,11 +3,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "explain/analysis/event.h"
 #include "explain/analysis/graph_world.h"
+#include "explain/analysis/reason.h"
 
 namespace explain {
 
@@ -34,7 +34,7 @@ struct Evidence {
     std::optional<double> loadCorrelation;  // of delay with requests, in and around the event
     std::optional<double> equalLoadRatio;   // delay of the event to that of the baseline at equal load
     Nature nature = Nature::UNKNOWN;
-    std::vector<std::string> reasons;  // in words, for the operator
+    std::vector<Reason> reasons;
 };
 
 // What the budget needs of the evidence: the counts, delays, `eventRequests`, `excess`, `deviations`, `onset`

@@ -25,7 +25,7 @@ public:
         const auto top = std::find_if(nodes.begin(), nodes.end(),
                                       [&](const auto& entry) { return entry.second.locName == point; });
         if (top == nodes.end()) {
-            throw NoData("the graph " + graph + " has no point " + point);
+            throw NoData({ReasonKind::NO_POINT_IN_GRAPH, 0, 0, point, graph});
         }
         Add(graph, top->first);
         for (size_t next = 0; next < world.nodes.size(); ++next) {
@@ -116,7 +116,7 @@ void Load(const std::string& name, PointData& point, const Range& range,
         }
     } else {
         if (loader.GetLumoData(start, end, tables) != 0) {
-            throw NoData("the statistics of " + name + " could not be read");
+            throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, name});
         }
         auto& columns = loader.mapLumoData[name];
         point.samples = SamplesOf(columns["avgdelay"], &columns["acceptnum"]);
@@ -141,12 +141,12 @@ FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, const Range& range) {
     GraphWorld world;
     if (!FaultJsonObject::GetInstance().IsMember(graph)) {
-        throw NoData("the configuration has no graph " + graph);
+        throw NoData({ReasonKind::NO_GRAPH, 0, 0, graph});
     }
     WorldReader(world).Read(graph, point);
     std::vector<std::string> tables;
     if (FaultGetQueryTable(range.startDate, range.endDate, tables) != 0) {
-        throw NoData("the statistics database cannot be read, or has no tables");
+        throw NoData({ReasonKind::UNREADABLE_DATABASE});
     }
     for (auto& [name, data] : world.points) {
         Load(name, data, range, tables);

@@ -3,12 +3,12 @@
 
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "explain/analysis/budget.h"
 #include "explain/analysis/event.h"
+#include "explain/analysis/reason.h"
 #include "fault_common/fault_series.h"
 
 namespace explain {
@@ -41,11 +41,6 @@ struct GraphWorld {
     std::vector<GraphNode> nodes;
     HandOvers handOvers;
     std::map<std::string, PointData> points;  // by name; an entry for every node
-};
-
-// Thrown when there is nothing to work on: no such graph, no such point in it, no database.
-class NoData : public std::runtime_error {
-    using std::runtime_error::runtime_error;
 };
 
 // Reads the nodes below the point `point` of the graph `graph` from the configuration, and loads their data,

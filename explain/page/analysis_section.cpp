@@ -1,9 +1,7 @@
 #include "explain/page/analysis_section.h"
 
-#include <cmath>
-
-#include "explain/figures.h"
 #include "explain/page/charts.h"
+#include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
 #include "explain/page/graph.h"
 #include "explain/page/tables.h"
@@ -27,27 +25,13 @@ const char* StyleOf(Verdict verdict) {
     }
 }
 
-std::string Certainty(const Analysis& analysis) {
-    const std::string agreements =
-        std::to_string(analysis.Agreements()) + " of " + std::to_string(analysis.trials.size());
-    return "same point first in " + agreements + " baselines";
-}
-
-// How far the first candidate is ahead.
-std::string Margin(const std::vector<Candidate>& candidates) {
-    if (candidates.size() < 2) {
-        return "no other point has a share";
-    }
-    return PercentFigure(candidates[0].share - candidates[1].share) + " of the delay ahead of the second";
-}
-
 Markup Answer(const Analysis& analysis) {
-    Markup box = Element("p", {{"class", "verdict"}}, Text(HeadlineOf(analysis)));
+    Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, PercentFigure)));
     if (analysis.verdict == Verdict::POINT) {
         const std::string& advice = analysis.candidates.front().advice;
         box += advice.empty() ? Markup() : Element("p", Element("strong", "What to do: ") + Text(advice));
         box += Element("p", {{"class", "quiet"}},
-                       Text(Certainty(analysis)) + Text("; ") + Text(Margin(analysis.candidates)));
+                       Text(AgreementOf(analysis) + "; " + MarginOf(analysis.candidates, PercentFigure)));
     }
     return Element("div", {{"class", StyleOf(analysis.verdict)}}, box);
 }
@@ -68,10 +52,8 @@ void AddLoad(const Evidence& top, Facts& facts) {
               DelayFigure(top.eventDelay) + " against " + DelayFigure(top.baselineDelay) + " before it");
     facts.Add("Requests per interval",
               Figure(top.eventRequests, 0) + " against " + Figure(top.baselineRequests, 0) + " before it");
-    if (top.equalLoadRatio) {
-        facts.Add("Delay at equal load", Figure(top.equalLoadRatio, 2) + " times the usual");
-    }
-    facts.Add("Load or device", NatureInWords(top.nature));
+    facts.Add("Delay at equal load", EqualLoadOf(top.equalLoadRatio));
+    facts.Add("Load or device", MeaningOf(top.nature));
     facts.Add("Baseline", Counted(top.baselineCount, "sample") + " before the event");
 }
 
@@ -83,8 +65,7 @@ Markup EventFacts(const Analysis& analysis, int64_t zoneOffset) {
     Facts facts;
     facts.Add("When", LocalTimes(event.start, event.end, zoneOffset));
     facts.Add("Peak", DelayFigure(event.peakDelay) + " at " + TimeOfDay(event.peakTime, zoneOffset) + ", " +
-                          Figure(std::fabs(event.peakDeviations), 1) +
-                          (event.peakDeviations < 0.0 ? " scales below usual" : " scales above usual"));
+                          DeviationsOf(event.peakDeviations));
     facts.Add("High samples", std::to_string(event.count));
     if (!analysis.findings.empty()) {
         AddLoad(analysis.findings.front().evidence, facts);
@@ -157,43 +138,14 @@ Markup Walk(const Analysis& analysis) {
     if (analysis.findings.empty()) {
         return {};
     }
-    Markup text;
-    if (!analysis.walk) {
-        text = Text("The plug-in's own walk around the peak came to no point.");
-    } else {
-        text = Text("The plug-in's own walk around the peak names ") + Element("strong", *analysis.walk);
-        text += IsAnswer(analysis)
-                    ? Text(*analysis.walk == analysis.candidates.front().point
-                               ? ": both agree."
-                               : ", the budget " + analysis.candidates.front().point + ": they differ.")
-                    : Text(".");
-    }
-    return Element("h3", "The plug-in's own walk") + Element("p", text);
+    return Element("h3", "The plug-in's own walk") +
+           Element("p", "The plug-in's own walk around the peak " + WalkOf(analysis) + ".");
 }
 
 }  // namespace
 
 bool IsAnswer(const Analysis& analysis) {
     return analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
-}
-
-std::string HeadlineOf(const Analysis& analysis) {
-    switch (analysis.verdict) {
-        case Verdict::POINT: {
-            const Candidate& first = analysis.candidates.front();
-            const std::string share = " holds " + PercentFigure(first.share) + " of the extra delay";
-            return first.point == analysis.point
-                       ? first.point + share + " itself: nothing below it in this graph explains it"
-                       : first.point + share + " of " + analysis.point;
-        }
-        case Verdict::LOAD:
-            return "Load, not a fault: the requests rose, and the delays with them";
-        case Verdict::NOTHING:
-            return "Nothing anomalous: " + analysis.reason;
-        case Verdict::CANNOT_TELL:
-        default:
-            return "Cannot tell: " + analysis.reason;
-    }
 }
 
 Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t number) {
