@@ -15,6 +15,8 @@
 #include "explain/report.h"
 #include "explain/request.h"
 #include "explain/stamp.h"
+#include "explain/survey.h"
+#include "explain/wording.h"
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
@@ -23,47 +25,29 @@
 namespace explain {
 namespace {
 
-// Explains all of them. One that has no data leaves the others their answers; throws NoData when all are
-// such.
-std::vector<Analysis> AnalyseAll(const std::vector<Subject>& subjects, const Request& request) {
-    std::vector<Analysis> analyses;
-    size_t failures = 0;
-    for (const auto& [point, graph] : subjects) {
-        try {
-            analyses.push_back(Analyse(point, graph, request.range, request.at));
-        } catch (const NoData& error) {
-            if (++failures == subjects.size()) {
-                throw;
-            }
-            analyses.emplace_back();
-            analyses.back().point = point;
-            analyses.back().graph = graph;
-            analyses.back().reason = error.what();
-        }
-    }
-    return analyses;
-}
-
 Report MakeReport(const Options& options, const Request& request, const Input& input,
-                  const std::vector<std::string>& arguments) {
+                  const std::vector<std::string>& arguments, const LocalClock& clock) {
     Report report;
-    report.range = request.range;
+    report.node = options.node;
+    report.question = request.question;
     report.zoneOffset = request.zoneOffset;
+    report.madeAt = clock.time;
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
-    report.analyses = AnalyseAll(SubjectsOf(options, request.range), request);
-    report.flags = CountFlags(report.analyses);
+    Survey(request, report);
     return report;
 }
 
 ExitStatus StatusOf(const Report& report) {
-    std::set<Verdict> verdicts;
+    bool cannotTell = false;
     for (const Analysis& analysis : report.analyses) {
-        verdicts.insert(analysis.verdict);
+        const bool isAnswer = analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
+        if (isAnswer && !analysis.isWeak) {
+            return STATUS_ANSWERED;
+        }
+        cannotTell = cannotTell || analysis.verdict == Verdict::CANNOT_TELL;
     }
-    return verdicts.count(Verdict::POINT) + verdicts.count(Verdict::LOAD) > 0 ? STATUS_ANSWERED
-           : verdicts.count(Verdict::CANNOT_TELL) > 0                         ? STATUS_CANNOT_TELL
-                                                                              : STATUS_NOTHING;
+    return cannotTell || report.coverage.IsPart() ? STATUS_CANNOT_TELL : STATUS_NOTHING;
 }
 
 void PrintAnswer(const std::string& text) {
@@ -96,10 +80,11 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
         SetZone(*options.zone);
     }
     // Before a large capture is copied for nothing.
-    const Request request = RequestOf(options, ClockAt(std::time(nullptr)));
+    const LocalClock clock = ClockAt(std::time(nullptr));
+    const Request request = RequestOf(options, clock);
     const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
-    const Report report = MakeReport(options, request, input, arguments);
+    const Report report = MakeReport(options, request, input, arguments, clock);
     PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
     if (options.html) {
         WritePage(*options.html, HtmlReport(report));
@@ -110,8 +95,8 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
 int RunWithReasons(const Options& options, const std::vector<std::string>& arguments) {
     try {
         return Run(options, arguments);
-    } catch (const Json::Exception& error) {
-        throw std::runtime_error("the configuration is not what it should be: " + std::string(error.what()));
+    } catch (...) {
+        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
     }
 }
 

@@ -32,16 +32,42 @@ void Declare(CLI::App& app, Options& options) {
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-explain " EXPLAIN_VERSION);
     DeclareInputOptions(app, options);
-    CLI::Option* point = app.add_option("--point", options.point, "The point to explain")->type_name("NAME");
+    CLI::Option* point = app.add_option("--point", options.points,
+                                        "A point to explain, or 'hosts'; may be given several times")
+                             ->type_name("NAME")
+                             ->allow_extra_args(false);
     app.add_option("--graph", options.graph, "The graph to explain it in; default: all that the plug-in uses")
         ->type_name("NAME")
         ->needs(point);
-    app.add_option("--at", options.at, "When the point was slow; default: the latest time that it was")
-        ->type_name("TIME");
+    CLI::Option* at =
+        app.add_option("--at", options.at, "Explain the event at this time, or what was highest then")
+            ->type_name("TIME");
+    app.add_option("--during", options.during, "Explain exactly this window; no range is needed")
+        ->expected(2)
+        ->type_name("START END")
+        ->excludes(at);
+    app.add_option("--baseline", options.baseline,
+                   "What tells what is usual: START END, or the same stretch 'yesterday', '-7d'")
+        ->expected(1, 2)
+        ->type_name("START END");
+    app.add_option("--node", options.node, "The node's name, for reports of several")->type_name("NAME");
     app.add_flag("--json", options.json, "Print JSON");
     app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
     app.add_option("--log", options.log, "Append the log to this file; default: no log")->type_name("FILE");
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
+}
+
+// A word behind the one of --baseline is the range's where that would lack it.
+void SplitBaseline(Options& options) {
+    const auto isNumber = [](const std::string& word) {
+        return word.find_first_not_of("0123456789") == std::string::npos;
+    };
+    const std::vector<std::string>& times = options.times;
+    const bool lacksTimes = times.empty() ? options.during.empty() : times.size() == 1 && !isNumber(times[0]);
+    if (options.baseline.size() > 1 && lacksTimes) {
+        options.times.insert(options.times.begin(), options.baseline.back());
+        options.baseline.pop_back();
+    }
 }
 
 }  // namespace
@@ -51,7 +77,8 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     Declare(app, options);
     try {
         app.parse(argc, argv);
-        if (options.times.empty()) {
+        SplitBaseline(options);
+        if (options.times.empty() && options.during.empty()) {
             throw CLI::RequiredError("START END, or MINUTES,");
         }
     } catch (const CLI::Success& answer) {

@@ -11,10 +11,13 @@
 namespace explain {
 
 struct Options : InputOptions {
-    std::optional<std::string> point;  // without it, every point that the detector flags
+    std::vector<std::string> points;  // "hosts": all at which hosts enter; without any, those that were slow
     std::optional<std::string> graph;
-    std::optional<std::string> at;    // a time as an operator writes it, in one word
-    std::optional<std::string> html;  // file to write the page to
+    std::optional<std::string> at;      // a time as an operator writes it, in one word
+    std::vector<std::string> during;    // two such
+    std::vector<std::string> baseline;  // two such; or one: how long before
+    std::optional<std::string> node;    // whose statistics these are
+    std::optional<std::string> html;    // file to write the page to
     std::string log = "/dev/null";
     bool json = false;
     std::vector<std::string> times;  // start and end as an operator writes them, or a length in minutes

@@ -1,10 +1,12 @@
 // What the program answers, and its three forms.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "explain/analysis/analysis.h"
+#include "explain/analysis/coverage.h"
 
 namespace explain {
 
@@ -20,9 +22,13 @@ struct Stamp {
 
 struct Report {
     Stamp stamp;
-    Range range;
+    std::optional<std::string> node;  // whose statistics these are
+    Question question;
     int64_t zoneOffset = 0;  // seconds east of UTC
-    ChanceFlags flags;       // over all points that were loaded
+    int64_t madeAt = 0;      // UTC; now
+    Coverage coverage;
+    ChanceFlags flags;        // over all points that were loaded
+    std::vector<Look> looks;  // one for each point that was asked for, or at which hosts enter
     std::vector<Analysis> analyses;
 };
 

@@ -49,14 +49,16 @@ public:
 
     Json::Value Document() const {
         Json::Value document;
-        document["version"] = 1;
+        document["version"] = 2;
+        document["node"] = report.node ? Text(*report.node) : Json::Value();
         document["stamp"] = StampValue();
-        document["range"]["start"] = Time(report.range.startTime);
-        document["range"]["end"] = Time(report.range.endTime);
+        document["range"] = WindowValue(report.question.range);
         document["range"]["zone"] = ZoneText(report.zoneOffset);
+        document["coverage"] = CoverageValue();
         document["flags"]["samples"] = Count(report.flags.samples);
         document["flags"]["flagged"] = Count(report.flags.flagged);
         document["flags"]["expected"] = Number(report.flags.expected);
+        document["looks"] = List(report.looks, [this](const Look& one) { return LookValue(one); });
         document["analyses"] =
             List(report.analyses, [this](const Analysis& one) { return AnalysisValue(one); });
         return document;
@@ -69,6 +71,44 @@ private:
         local[local.find(' ')] = 'T';
         value["epoch"] = static_cast<Json::Int64>(time);
         value["local"] = local;
+        return value;
+    }
+
+    Json::Value TimeOrNull(const std::optional<int64_t>& time) const {
+        return time ? Time(*time) : Json::Value();
+    }
+
+    Json::Value WindowValue(const Window& window) const {
+        Json::Value value;
+        value["start"] = Time(window.start);
+        value["end"] = Time(window.end);
+        return value;
+    }
+
+    Json::Value CoverageValue() const {
+        const Coverage& coverage = report.coverage;
+        Json::Value value;
+        value["step_seconds"] = coverage.step > 0 ? static_cast<Json::Int64>(coverage.step) : Json::Value();
+        value["intervals_expected"] = coverage.expected > 0 ? Count(coverage.expected) : Json::Value();
+        value["intervals"] = Count(coverage.intervals);
+        value["points"] = Count(coverage.points);
+        value["points_with_rows"] = Count(coverage.pointsWithRows);
+        value["oldest"] = TimeOrNull(coverage.oldest);
+        value["newest"] = TimeOrNull(coverage.newest);
+        value["partial"] = coverage.IsPart();
+        return value;
+    }
+
+    // What was seen of a point before anything was explained.
+    Json::Value LookValue(const Look& look) const {
+        Json::Value value;
+        value["point"] = Text(look.point);
+        value["samples"] = Count(look.samples);
+        value["samples_in_events"] = Count(look.samplesInEvents);
+        value["flagged"] = Count(look.flagged);
+        value["usual_delay_us"] =
+            look.finding.deviations.empty() ? Json::Value() : Number(look.finding.usual.median);
+        value["highest"] = look.highest ? EventValue(*look.highest) : Json::Value();
         return value;
     }
 
@@ -92,6 +132,7 @@ private:
         value["peak_delay_us"] = Number(event.peakDelay);
         value["peak_deviations"] = Number(event.peakDeviations);
         value["high_samples"] = Count(event.count);
+        value["ongoing"] = event.isOngoing;
         return value;
     }
 
@@ -115,26 +156,28 @@ private:
         value["baseline_requests"] = Number(evidence.baselineRequests);
         value["event_requests"] = Number(evidence.eventRequests);
         value["excess_us"] = Number(evidence.excess);
+        value["own_excess_us"] = Number(evidence.ownExcess);
         value["deviations"] = Number(evidence.deviations);
-        value["onset"] = evidence.onset ? Time(*evidence.onset) : Json::Value();
+        value["onset"] = TimeOrNull(evidence.onset);
         value["load_correlation"] = Number(evidence.loadCorrelation);
         value["equal_load_ratio"] = Number(evidence.equalLoadRatio);
         value["nature"] = WordOf(evidence.nature);
-        value["reasons"] = List(evidence.reasons, Text);
+        value["reasons"] =
+            List(evidence.reasons, [](const Reason& reason) { return Text(SentenceOf(reason)); });
         return value;
     }
 
     // What a node is, and how it hangs together with the others.
     static void AddStanding(const Analysis& analysis, size_t position, Json::Value& value) {
         const GraphNode& node = analysis.findings[position].node;
-        const PointData& data = analysis.world.points.at(node.point);
-        const auto next = analysis.world.handOvers.find(position);
+        const PointData& data = analysis.world->points.at(node.point);
+        const auto next = analysis.world->handOvers.find(position);
         value["graph"] = Text(node.graph);
         value["id"] = node.id;
         value["point"] = Text(node.point);
         value["advice"] = Text(node.advice);
         value["children"] = List(node.children, Count);
-        value["continues"] = next != analysis.world.handOvers.end() ? Count(next->second) : Json::Value();
+        value["continues"] = next != analysis.world->handOvers.end() ? Count(next->second) : Json::Value();
         value["parent"] = position > 0 ? Count(analysis.findings[position].parent) : Json::Value();
         value["samples"] = Count(data.samples.size());
         value["observation"] = data.isObservation;
@@ -157,7 +200,7 @@ private:
     }
 
     // How sure the order of the candidates is; null where there is none.
-    static void AddCertainty(const Analysis& analysis, Json::Value& value) {
+    void AddCertainty(const Analysis& analysis, Json::Value& value) const {
         const std::vector<Candidate>& candidates = analysis.candidates;
         const bool isKnown = !candidates.empty();
         const double second = candidates.size() > 1 ? candidates[1].share : 0.0;
@@ -165,14 +208,32 @@ private:
         value["agreements"] = isKnown ? Count(analysis.Agreements()) : Json::Value();
         value["trials"] = List(analysis.trials, [](const Trial& trial) {
             Json::Value one;
-            one["baseline"] = trial.baseline;
+            one["baseline"] = WordOf(trial.baseline);
             one["first"] = trial.first ? Text(*trial.first) : Json::Value();
             return one;
         });
-        value["walk"]["point"] = analysis.walk ? Text(*analysis.walk) : Json::Value();
-        value["walk"]["agrees"] = analysis.walk && analysis.verdict == Verdict::POINT
-                                      ? Json::Value(*analysis.walk == candidates.front().point)
-                                      : Json::Value();
+        value["certainty"] = isKnown ? Json::Value(WordOf(analysis.certainty)) : Json::Value();
+        value["walk"] = WalkValue(analysis);
+    }
+
+    Json::Value WalkValue(const Analysis& analysis) const {
+        const bool hasPoint = analysis.walk && analysis.walk->point;
+        Json::Value value;
+        value["window"] = analysis.walk ? WindowValue(analysis.walk->window) : Json::Value();
+        value["point"] = hasPoint ? Text(*analysis.walk->point) : Json::Value();
+        value["agrees"] = hasPoint && analysis.verdict == Verdict::POINT
+                              ? Json::Value(*analysis.walk->point == analysis.candidates.front().point)
+                              : Json::Value();
+        return value;
+    }
+
+    static Json::Value ModuleList(const Analysis& analysis) {
+        return List(analysis.modules, [](const ModuleShare& one) {
+            Json::Value value;
+            value["module"] = one.module.empty() ? Json::Value(BETWEEN_NODES) : Text(one.module);
+            value["share"] = Number(one.share);
+            return value;
+        });
     }
 
     Json::Value AnalysisValue(const Analysis& analysis) const {
@@ -180,7 +241,11 @@ private:
         value["point"] = Text(analysis.point);
         value["graph"] = Text(analysis.graph);
         value["verdict"] = WordOf(analysis.verdict);
-        value["reason"] = TextOrNull(analysis.reason);
+        value["weak"] = analysis.isWeak;
+        value["ongoing"] = analysis.event ? Json::Value(analysis.event->isOngoing) : Json::Value();
+        value["detector"] = TextOrNull(SilenceOf(analysis));
+        value["baseline"] = analysis.baseline ? WindowValue(*analysis.baseline) : Json::Value();
+        value["reason"] = analysis.reason ? Text(SentenceOf(*analysis.reason)) : Json::Value();
         value["event"] = analysis.event ? EventValue(*analysis.event) : Json::Value();
         value["events"] = List(analysis.events, [this](const Event& event) { return EventValue(event); });
         value["nodes"] = Json::Value(Json::arrayValue);
@@ -188,6 +253,7 @@ private:
             value["nodes"].append(NodeValue(analysis, i));
         }
         value["candidates"] = CandidateList(analysis);
+        value["modules"] = ModuleList(analysis);
         AddCertainty(analysis, value);
         return value;
     }

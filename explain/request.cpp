@@ -3,22 +3,26 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <utility>
+#include <iterator>
 
 #include "cli/program.h"
 #include "explain/wording.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
-#include "text/local_time.h"
 
 namespace explain {
 namespace {
 
 constexpr int64_t LONGEST_MINUTES = 2880;  // as the plug-in's commands take
 constexpr int64_t MINUTE = 60;             // seconds
+constexpr int64_t DAY = 86400;
+constexpr const char* HOST_POINTS = "hosts";
 
-Range RangeBetween(int64_t start, int64_t end, int64_t zoneOffset) {
-    return {CompactTime(start, zoneOffset), CompactTime(end, zoneOffset), start, end};
+Window WindowBetween(int64_t start, int64_t end) {
+    if (start >= end || end - start > LONGEST_MINUTES * MINUTE) {
+        throw cli::UsageError("the end has to be after the start, at most two days");
+    }
+    return {start, end};
 }
 
 int64_t MinutesOf(const std::string& word) {
@@ -33,7 +37,7 @@ int64_t MinutesOf(const std::string& word) {
 }
 
 // Of words as an operator writes them.
-Range RangeOf(std::vector<std::string> words, const LocalClock& clock) {
+Window RangeOf(std::vector<std::string> words, const LocalClock& clock) {
     const std::string understood = TurnRange(words, 0, clock);
     if (words.size() > 2) {
         throw cli::UsageError("'" + words[2] + "' is too much after a START and an END; --help tells more");
@@ -41,69 +45,112 @@ Range RangeOf(std::vector<std::string> words, const LocalClock& clock) {
     if (!understood.empty()) {
         std::fprintf(stderr, "%s\n", understood.c_str());
     }
-    if (words.size() == 1) {
-        return RangeBetween(clock.time - MinutesOf(words.front()) * MINUTE, clock.time, clock.zoneOffset);
-    }
-    const int64_t start = TimeOf(words.front(), clock);
-    const int64_t end = TimeOf(words.back(), clock);
-    if (start >= end || end - start > LONGEST_MINUTES * MINUTE) {
-        throw cli::UsageError("the end has to be after the start, at most two days");
-    }
-    return RangeBetween(start, end, clock.zoneOffset);
+    return words.size() == 1 ? Window{clock.time - MinutesOf(words.front()) * MINUTE, clock.time}
+                             : WindowBetween(TimeOf(words.front(), clock), TimeOf(words.back(), clock));
 }
 
-std::vector<std::string> FlaggedPoints(const Range& range) {
+// A START and an END of one word each.
+Window PairOf(const std::vector<std::string>& words, const LocalClock& clock) {
+    return WindowBetween(TimeOf(words.front(), clock), TimeOf(words.back(), clock));
+}
+
+// The stretch of the same length as the range, some time ago: a START and an END, "yesterday", or how long
+// ago.
+Window BaselineOf(const std::vector<std::string>& words, const Window& range, const LocalClock& clock) {
+    if (words.size() > 1) {
+        return PairOf(words, clock);
+    }
+    const int64_t ago = words.front() == "yesterday" ? DAY : clock.time - TimeOf(words.front(), clock);
+    if (ago <= 0) {
+        throw cli::UsageError("'" + words.front() + "' is not in the past; --help tells more of --baseline");
+    }
+    return {range.start - ago, range.end - ago};
+}
+
+void CheckWithin(const Window& range, const Window& window, const char* option) {
+    if (!range.Holds(window.start) || !range.Holds(window.end)) {
+        throw cli::UsageError(std::string("the time of ") + option + " is not within the range");
+    }
+}
+
+// The points at which hosts enter: those that the detector looks at.
+std::vector<std::string> HostPoints() {
     FaultDetectObject detector;
     detector.InitObject();
-    detector.GetData(range.startDate, range.endDate);
-    size_t most = 0;
-    for (auto& [point, series] : detector.data) {
-        most = std::max(most, series["avgdelay"].size());
+    return {detector.points.begin(), detector.points.end()};
+}
+
+void Add(const PointRequest& point, std::vector<PointRequest>& points) {
+    const auto known = std::find_if(points.begin(), points.end(),
+                                    [&](const PointRequest& one) { return one.name == point.name; });
+    if (known == points.end()) {
+        points.push_back(point);
+    } else {
+        known->when = std::min(known->when, point.when);
     }
-    if (most == 0) {
-        throw NoData("there are no rows of the detector's points in the range");
+}
+
+// In the order of their first mention.
+std::vector<PointRequest> PointsOf(const std::vector<std::string>& named, const Question& question) {
+    std::vector<PointRequest> points;
+    const auto addHosts = [&](PointRequest::When when) {
+        for (const std::string& point : HostPoints()) {
+            Add({point, when}, points);
+        }
+    };
+    for (const std::string& name : named) {
+        name == HOST_POINTS ? addHosts(PointRequest::IF_THERE) : Add({name, PointRequest::ALWAYS}, points);
     }
-    if (most < FEWEST_FOR_SIGMA) {
-        throw NoData("there are too few rows of the detector's points in the range: " + TooFewForSigma(most) +
-                     ". Name a longer range");
-    }
-    std::vector<std::string> points;
-    for (const AnomalyDetectResult& result : detector.DoDetect(range.startDate, range.endDate)) {
-        points.push_back(result.lumoLocName);
+    if (named.empty()) {
+        addHosts(question.at || question.during ? PointRequest::IF_THERE : PointRequest::IF_SLOW);
     }
     return points;
 }
 
-}  // namespace
-
-Request RequestOf(const Options& options, const LocalClock& clock) {
-    Request request{RangeOf(options.times, clock), std::nullopt, clock.zoneOffset};
-    if (options.at) {
-        request.at = TimeOf(*options.at, clock);
-        if (*request.at < request.range.startTime || *request.at > request.range.endTime) {
-            throw cli::UsageError("the time of --at is not within the range");
-        }
+Question QuestionOf(const Options& options, const LocalClock& clock) {
+    Question question;
+    if (!options.during.empty()) {
+        question.during = PairOf(options.during, clock);
     }
-    return request;
+    question.range = options.times.empty() ? question.during.value() : RangeOf(options.times, clock);
+    if (question.during) {
+        CheckWithin(question.range, *question.during, "--during");
+    }
+    if (options.at) {
+        question.at = TimeOf(*options.at, clock);
+        CheckWithin(question.range, {*question.at, *question.at}, "--at");
+    }
+    if (!options.baseline.empty()) {
+        question.baseline = BaselineOf(options.baseline, question.range, clock);
+    }
+    return question;
 }
 
-std::vector<Subject> SubjectsOf(const Options& options, const Range& range) {
-    std::vector<Subject> subjects;
-    for (const std::string& point :
-         options.point ? std::vector<std::string>{*options.point} : FlaggedPoints(range)) {
-        if (options.graph) {
-            subjects.push_back({point, *options.graph});
-            continue;
-        }
-        const auto [first, last] = g_mapPointSubPoints.equal_range(point);
-        if (first == last) {
-            throw cli::UsageError("no graph is known for " + point + ": name one with --graph");
-        }
-        std::transform(first, last, std::back_inserter(subjects), [](const auto& entry) {
-            return Subject{entry.first, entry.second};
-        });
+}  // namespace
+
+std::vector<std::string> Request::GraphsOf(const std::string& point) const {
+    if (graph) {
+        return {*graph};
     }
-    return subjects;
+    const auto [first, last] = g_mapPointSubPoints.equal_range(point);
+    if (first == last) {
+        throw cli::UsageError("no graph is known for " + point + ": name one with --graph");
+    }
+    std::vector<std::string> graphs;
+    std::transform(first, last, std::back_inserter(graphs), [](const auto& entry) { return entry.second; });
+    return graphs;
+}
+
+Request RequestOf(const Options& options, const LocalClock& clock) {
+    Request request;
+    request.question = QuestionOf(options, clock);
+    request.points = PointsOf(options.points, request.question);
+    request.graph = options.graph;
+    request.zoneOffset = clock.zoneOffset;
+    for (const PointRequest& point : request.points) {
+        request.GraphsOf(point.name);  // so that a misspelt one is told before anything is loaded
+    }
+    return request;
 }
 
 }  // namespace explain

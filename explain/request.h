@@ -6,31 +6,36 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis/graph_world.h"
+#include "explain/analysis/analysis.h"
 #include "explain/options.h"
 #include "text/time_words.h"
 
 namespace explain {
 
+// A point, and when it is explained.
+struct PointRequest {
+    enum When {
+        ALWAYS,    // it was named
+        IF_THERE,  // it has rows: all at which hosts enter, when a time was named
+        IF_SLOW    // the detector flags it, or it has an event
+    };
+    std::string name;
+    When when = ALWAYS;
+};
+
 struct Request {
-    Range range;
-    std::optional<int64_t> at;  // UTC; within the range
-    int64_t zoneOffset = 0;     // seconds east of UTC, of all local times
+    // The graph that was named, or all that belong to the point. Throws cli::UsageError for a point of which
+    // none is known.
+    std::vector<std::string> GraphsOf(const std::string& point) const;
+
+    Question question;
+    std::vector<PointRequest> points;  // each once
+    std::optional<std::string> graph;
+    int64_t zoneOffset = 0;  // seconds east of UTC, of all local times
 };
 
-// Reads the times of the command line; what was understood of words such as "-30m" is told on stderr. Throws
-// cli::UsageError and TimeError.
+// Reads the times and points of the command line; what was understood of words such as "-30m" is told on
+// stderr. Throws cli::UsageError and TimeError.
 Request RequestOf(const Options& options, const LocalClock& clock);
-
-// A point to explain, and the graph to do it in.
-struct Subject {
-    std::string point;
-    std::string graph;
-};
-
-// The point that was named, or those that the detector flags, each with the graph that was named, or with all
-// that belong to it. Blocks on the database. Throws cli::UsageError for a point of which no graph is known,
-// NoData when the detector can flag nothing, and what the detector throws.
-std::vector<Subject> SubjectsOf(const Options& options, const Range& range);
 
 }  // namespace explain

@@ -52,7 +52,3 @@ std::string Printable(std::string_view text, size_t most, std::string_view kept)
     }
     return shown < text.size() ? out + "..." : out;
 }
-
-std::string Counted(size_t count, const std::string& thing) {
-    return std::to_string(count) + " " + thing + (count == 1 ? "" : "s");
-}

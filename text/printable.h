@@ -15,6 +15,3 @@ std::string FormatText(const char* format, va_list args) __attribute__((format(p
 // first `most` are shown (no character is cut), then "...".
 std::string Printable(std::string_view text, size_t most = std::string_view::npos,
                       std::string_view kept = {});
-
-// "1 sample", "2 samples".
-std::string Counted(size_t count, const std::string& thing);

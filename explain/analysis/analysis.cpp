@@ -4,6 +4,7 @@
 #include <map>
 
 #include "explain/analysis/budget.h"
+#include "explain/analysis/modules.h"
 #include "explain/analysis/statistics.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_algorithm/fault_rootcause.h"
@@ -22,7 +23,8 @@ constexpr double SURE_SHARE = 0.7;
 constexpr double LIKELY_SHARE = 0.5;
 constexpr double LIKELY_MARGIN = 0.1;
 
-using Judge = Evidence (*)(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
+using Judge = Evidence (*)(const PointData& point, const Stretches& baseline, const Window& event,
+                           bool isTop);
 
 // A part of what is usual.
 struct Part {
@@ -101,7 +103,8 @@ std::vector<Trial> TrialsOf(const GraphWorld& world, const Window& event, const 
     std::vector<Trial> trials;
     for (const Part& part : PartsOf(whole)) {
         const std::vector<Candidate> candidates = RankOf(
-            world, SharesOf(world, AllEvidence(world, event, Within(baseline, part.window), BriefEvidenceOf)));
+            world,
+            SharesOf(world, AllEvidence(world, event, Within(baseline, part.window), BriefEvidenceOf)));
         trials.push_back({part.which, {}});
         if (!candidates.empty()) {
             trials.back().first = candidates.front().point;
@@ -141,8 +144,8 @@ void Compare(const FaultSeries& parent, const FaultSeries& own, NodeFinding& fin
 }
 
 // Correlations are those of the range.
-std::vector<NodeFinding> FindingsOf(const GraphWorld& world, const Window& range, std::vector<Evidence> evidence,
-                                    const std::vector<double>& shares) {
+std::vector<NodeFinding> FindingsOf(const GraphWorld& world, const Window& range,
+                                    std::vector<Evidence> evidence, const std::vector<double>& shares) {
     std::map<std::string, FaultSeries> delays;
     for (const auto& [name, data] : world.points) {
         delays[name] = DelaySeries(SamplesIn(data.samples, {range}));
@@ -218,6 +221,23 @@ Certainty CertaintyOf(const std::vector<Candidate>& candidates, const Event& eve
     return share < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
 }
 
+std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
+    std::vector<ModuleShare> modules;
+    for (const Candidate& candidate : candidates) {
+        const std::string name = ModuleOf(candidate.point);
+        const auto known = std::find_if(modules.begin(), modules.end(),
+                                        [&](const ModuleShare& one) { return one.module == name; });
+        if (known != modules.end()) {
+            known->share += candidate.share;
+        } else {
+            modules.push_back({name, candidate.share});
+        }
+    }
+    std::stable_sort(modules.begin(), modules.end(),
+                     [](const ModuleShare& a, const ModuleShare& b) { return a.share > b.share; });
+    return modules;
+}
+
 void Answer(const Stretches& baseline, Analysis& analysis) {
     const Event& event = *analysis.event;
     analysis.modules = ModuleSharesOf(analysis.candidates);
@@ -234,23 +254,6 @@ size_t Analysis::Agreements() const {
     return static_cast<size_t>(std::count_if(trials.begin(), trials.end(), [&](const Trial& trial) {
         return trial.first == candidates.front().point;
     }));
-}
-
-std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
-    std::vector<ModuleShare> modules;
-    for (const Candidate& candidate : candidates) {
-        const std::string name = ModuleOf(candidate.point);
-        const auto known = std::find_if(modules.begin(), modules.end(),
-                                        [&](const ModuleShare& one) { return one.module == name; });
-        if (known != modules.end()) {
-            known->share += candidate.share;
-        } else {
-            modules.push_back({name, candidate.share});
-        }
-    }
-    std::stable_sort(modules.begin(), modules.end(),
-                     [](const ModuleShare& a, const ModuleShare& b) { return a.share > b.share; });
-    return modules;
 }
 
 std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples) {
@@ -280,7 +283,8 @@ Analysis Explain(const Question& question, const Look& look, const std::string& 
     analysis.events = look.events;
     analysis.event = event;
     analysis.silence = look.SilenceOn(event);
-    analysis.eventsFill = static_cast<double>(look.samplesInEvents) / static_cast<double>(std::max<size_t>(look.samples, 1));
+    analysis.eventsFill =
+        static_cast<double>(look.samplesInEvents) / static_cast<double>(std::max<size_t>(look.samples, 1));
     analysis.world = world;
     const Samples& samples = world->points.at(look.point).samples;
     const Stretches baseline = BaselineOf(samples, look.finding.events, event, question.baseline);

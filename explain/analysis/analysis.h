@@ -10,6 +10,7 @@
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/graph_world.h"
 #include "explain/analysis/look.h"
+#include "explain/analysis/modules.h"
 
 namespace explain {
 
@@ -78,18 +79,19 @@ struct Analysis {
     Verdict verdict = Verdict::CANNOT_TELL;
     std::optional<Reason> reason;  // none for POINT and LOAD
 
-    std::vector<Event> events;   // all of the point in the range, in the order of time
-    std::optional<Event> event;  // the one that is explained
+    std::vector<Event> events;        // all of the point in the range, in the order of time
+    std::optional<Event> event;       // the one that is explained
     Silence silence = Silence::NONE;  // of the detector on it
     double eventsFill = 0.0;          // share of the range's samples that lie in events
     bool isWeak = false;              // what is explained is within what is usual
 
-    std::shared_ptr<const GraphWorld> world;  // the data, and the nodes by their distance from the point; or null
-    std::optional<Window> baseline;           // from its first sample to its last one
-    std::vector<NodeFinding> findings;        // by node
-    Flows flows;                              // between nodes, by position
-    std::vector<Candidate> candidates;        // by share, the largest first
-    std::vector<ModuleShare> modules;         // likewise
+    std::shared_ptr<const GraphWorld>
+        world;                          // the data, and the nodes by their distance from the point; or null
+    std::optional<Window> baseline;     // from its first sample to its last one
+    std::vector<NodeFinding> findings;  // by node
+    Flows flows;                        // between nodes, by position
+    std::vector<Candidate> candidates;  // by share, the largest first
+    std::vector<ModuleShare> modules;   // likewise
     Certainty certainty = Certainty::UNSURE;  // of an answer
     std::vector<Trial> trials;                // six, for an answer
     std::optional<Walk> walk;                 // for an answer
@@ -98,13 +100,13 @@ struct Analysis {
     size_t Agreements() const;
 };
 
-// The events of a point that are to be explained, the most urgent first: at most MOST_EVENTS of the range, or the
-// one that was asked for. `samples` is what was looked at. None when there is none, or no sample.
+// The events of a point that are to be explained, the most urgent first: at most MOST_EVENTS of the range, or
+// the one that was asked for. `samples` is what was looked at. None when there is none, or no sample.
 std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples);
 constexpr size_t MOST_EVENTS = 8;
 
-// Explains an event of the point at the top of the world, which stands in `graph`. Blocks on the database, for
-// the plug-in's own walk.
+// Explains an event of the point at the top of the world, which stands in `graph`. Blocks on the database,
+// for the plug-in's own walk.
 Analysis Explain(const Question& question, const Look& look, const std::string& graph,
                  const std::shared_ptr<const GraphWorld>& world, const Event& event);
 

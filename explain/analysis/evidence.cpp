@@ -5,7 +5,6 @@
 #include <cstddef>
 
 #include "explain/analysis/statistics.h"
-#include "explain/wording.h"
 
 namespace explain {
 namespace {
@@ -44,32 +43,32 @@ bool IsConstant(const Samples& samples) {
 }
 
 void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
-    std::vector<std::string>& reasons = evidence.reasons;
+    std::vector<Reason>& reasons = evidence.reasons;
     const Samples& samples = point.samples;
     if (samples.empty()) {
-        reasons.emplace_back("no rows in the range");
+        reasons.push_back({ReasonKind::NO_ROWS});
         return;
     }
     if (point.isObservation) {
-        reasons.emplace_back("an observation point: without request counts it takes no part");
+        reasons.push_back({ReasonKind::OBSERVATION_POINT});
     }
     if (samples.size() < FEWEST_FOR_SIGMA) {
-        reasons.push_back(TooFewForSigma(samples.size()));
+        reasons.push_back({ReasonKind::FEW_FOR_SIGMA, samples.size(), FEWEST_FOR_SIGMA});
     }
     if (evidence.baselineCount < FEWEST_BASELINE) {
-        reasons.push_back("only " + Counted(evidence.baselineCount, "sample") + " before the event");
+        reasons.push_back({ReasonKind::FEW_BEFORE_EVENT, evidence.baselineCount, FEWEST_BASELINE});
     }
     if (evidence.eventCount == 0) {
-        reasons.emplace_back("no rows during the event");
+        reasons.push_back({ReasonKind::NO_ROWS_IN_EVENT});
     }
     if (samples.size() > 1 && IsConstant(samples)) {
-        reasons.emplace_back("constant over the range");
+        reasons.push_back({ReasonKind::CONSTANT_DELAY});
     }
     if (const size_t missing = MissingIntervals(samples); missing > 0) {
-        reasons.push_back(Counted(missing, "interval") + " without a row");
+        reasons.push_back({ReasonKind::MISSING_INTERVALS, missing});
     }
     if (point.hasGoneBack) {
-        reasons.emplace_back("the clock jumped: rows were put in the order of their times");
+        reasons.push_back({ReasonKind::CLOCK_JUMPED});
     }
 }
 
@@ -161,7 +160,7 @@ void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& 
 
 }  // namespace
 
-Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event) {
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop) {
     const Samples during = SamplesIn(point.samples, {event});
     std::vector<double> own = ValuesIn(point.samples, point.own, baseline);
     Evidence evidence;
@@ -177,11 +176,12 @@ Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, cons
         evidence.eventRequests = MeanOf(RequestsOf(during));
     }
     JudgeDelays(usual, MedianOf(own), point, event, evidence);
+    evidence.takesPart = evidence.excess && (isTop || evidence.takesPart);
     return evidence;
 }
 
-Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event) {
-    Evidence evidence = BriefEvidenceOf(point, baseline, event);
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop) {
+    Evidence evidence = BriefEvidenceOf(point, baseline, event, isTop);
     TellWhatIsMissing(point, evidence);
     if (evidence.excess) {
         JudgeLoad(point, baseline, event, evidence);

@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "explain/analysis/baseline.h"
+#include "explain/analysis/reason.h"
 #include "explain/analysis/sample_store.h"
 
 namespace explain {
@@ -35,15 +35,15 @@ struct Evidence {
     std::optional<double> loadCorrelation;   // of delay with requests, in and around the event
     std::optional<double> equalLoadRatio;    // delay of the event to that of the baseline at equal load
     Nature nature = Nature::UNKNOWN;
-    std::vector<std::string> reasons;  // in words, for the operator
+    std::vector<Reason> reasons;
 };
 
 // What the budget needs of the evidence: the counts, delays, `eventRequests`, both excesses, `deviations`,
-// `onset` and whether the point takes part. The point's samples in `baseline` say what is usual; its own
-// delays must be there.
-Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event);
+// `onset` and whether the point takes part; the point at the top always does. The point's samples in
+// `baseline` say what is usual; its own delays must be there.
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
 
 // All of it. Takes several times as long.
-Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event);
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
 
 }  // namespace explain

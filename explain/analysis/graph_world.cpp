@@ -25,7 +25,7 @@ public:
         const auto top = std::find_if(nodes.begin(), nodes.end(),
                                       [&](const auto& entry) { return entry.second.locName == point; });
         if (top == nodes.end()) {
-            throw NoData("the graph " + graph + " has no point " + point);
+            throw NoData({ReasonKind::NO_POINT_IN_GRAPH, 0, 0, point, graph});
         }
         Add(graph, top->first);
         for (size_t next = 0; next < world.nodes.size(); ++next) {
@@ -95,7 +95,7 @@ void WorldReader::ReadBelow(size_t position) {
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store) {
     GraphWorld world;
     if (!FaultJsonObject::GetInstance().IsMember(graph)) {
-        throw NoData("the configuration has no graph " + graph);
+        throw NoData({ReasonKind::NO_GRAPH, 0, 0, graph});
     }
     WorldReader(world).Read(graph, point);
     for (auto& [name, data] : world.points) {

@@ -8,9 +8,13 @@ namespace explain {
 namespace {
 
 // docs/explain.md has the same list.
-constexpr std::array<std::string_view, 7> BETWEEN_NODES = {
-    "SPACE_IOTUNNEL_UC_RSP_READ", "SPACE_IOTUNNEL_UC_RSP_WRITE", "SPACE_IOTUNNEL_UC_ACK_READ",
-    "SPACE_IOTUNNEL_UC_ACK_WRITE", "WCACHE_MIRROR_SEND", "WCACHE_FS_MIRROR_SEND", "MDS_OWNER_QUERY"};
+constexpr std::array<std::string_view, 7> BETWEEN_NODES = {"SPACE_IOTUNNEL_UC_RSP_READ",
+                                                           "SPACE_IOTUNNEL_UC_RSP_WRITE",
+                                                           "SPACE_IOTUNNEL_UC_ACK_READ",
+                                                           "SPACE_IOTUNNEL_UC_ACK_WRITE",
+                                                           "WCACHE_MIRROR_SEND",
+                                                           "WCACHE_FS_MIRROR_SEND",
+                                                           "MDS_OWNER_QUERY"};
 
 }  // namespace
 

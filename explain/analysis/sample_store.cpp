@@ -72,7 +72,7 @@ SampleStore::SampleStore(const std::vector<Window>& stretches) {
         parts.push_back({stretch, {}});
         if (FaultGetQueryTable(CompactTime(stretch.start), CompactTime(stretch.end), parts.back().tables) !=
             0) {
-            throw NoData("the statistics database cannot be read, or has no tables");
+            throw NoData({ReasonKind::UNREADABLE_DATABASE});
         }
     }
 }
@@ -95,7 +95,7 @@ PointData SampleStore::Load(const std::string& point) const {
             std::string sql;
             FaultConstructSql(query, sql);
             if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
-                throw NoData("the statistics of " + point + " could not be read");
+                throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, point});
             }
         }
     }

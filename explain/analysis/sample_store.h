@@ -3,11 +3,11 @@
 
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "explain/analysis/event.h"
+#include "explain/analysis/reason.h"
 #include "fault_common/fault_series.h"
 
 namespace explain {
@@ -18,11 +18,6 @@ struct PointData {
     std::vector<double> own;     // by sample: the delay less what the points below took of it, per request
     bool isObservation = false;  // has delays but no requests
     bool hasGoneBack = false;    // the times did not ascend: they were put in order
-};
-
-// Thrown when there is nothing to work on: no such graph, no such point in it, no database.
-class NoData : public std::runtime_error {
-    using std::runtime_error::runtime_error;
 };
 
 // Loads time, delay and requests of points over some stretches of time, each point when it is first asked

@@ -1,9 +1,7 @@
 #include "explain/page/analysis_section.h"
 
-#include <cmath>
-
-#include "explain/figures.h"
 #include "explain/page/charts.h"
+#include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
 #include "explain/page/graph.h"
 #include "explain/page/tables.h"
@@ -27,27 +25,13 @@ const char* StyleOf(Verdict verdict) {
     }
 }
 
-std::string Certainty(const Analysis& analysis) {
-    const std::string agreements =
-        std::to_string(analysis.Agreements()) + " of " + std::to_string(analysis.trials.size());
-    return "same point first in " + agreements + " baselines";
-}
-
-// How far the first candidate is ahead.
-std::string Margin(const std::vector<Candidate>& candidates) {
-    if (candidates.size() < 2) {
-        return "no other point has a share";
-    }
-    return PercentFigure(candidates[0].share - candidates[1].share) + " of the delay ahead of the second";
-}
-
 Markup Answer(const Analysis& analysis) {
-    Markup box = Element("p", {{"class", "verdict"}}, Text(HeadlineOf(analysis)));
+    Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, PercentFigure)));
     if (analysis.verdict == Verdict::POINT) {
         const std::string& advice = analysis.candidates.front().advice;
         box += advice.empty() ? Markup() : Element("p", Element("strong", "What to do: ") + Text(advice));
         box += Element("p", {{"class", "quiet"}},
-                       Text(Certainty(analysis)) + Text("; ") + Text(Margin(analysis.candidates)));
+                       Text(AgreementOf(analysis) + "; " + MarginOf(analysis.candidates, PercentFigure)));
     }
     return Element("div", {{"class", StyleOf(analysis.verdict)}}, box);
 }
@@ -68,10 +52,8 @@ void AddLoad(const Evidence& top, Facts& facts) {
               DelayFigure(top.eventDelay) + " against " + DelayFigure(top.baselineDelay) + " before it");
     facts.Add("Requests per interval",
               Figure(top.eventRequests, 0) + " against " + Figure(top.baselineRequests, 0) + " before it");
-    if (top.equalLoadRatio) {
-        facts.Add("Delay at equal load", Figure(top.equalLoadRatio, 2) + " times the usual");
-    }
-    facts.Add("Load or device", NatureInWords(top.nature));
+    facts.Add("Delay at equal load", EqualLoadOf(top.equalLoadRatio));
+    facts.Add("Load or device", MeaningOf(top.nature));
     facts.Add("Baseline", Counted(top.baselineCount, "sample") + " before the event");
 }
 
@@ -83,8 +65,7 @@ Markup EventFacts(const Analysis& analysis, int64_t zoneOffset) {
     Facts facts;
     facts.Add("When", LocalTimes(event.start, event.end, zoneOffset));
     facts.Add("Peak", DelayFigure(event.peakDelay) + " at " + TimeOfDay(event.peakTime, zoneOffset) + ", " +
-                          Figure(std::fabs(event.peakDeviations), 1) +
-                          (event.peakDeviations < 0.0 ? " scales below usual" : " scales above usual"));
+                          DeviationsOf(event.peakDeviations));
     facts.Add("High samples", std::to_string(event.count));
     if (!analysis.findings.empty()) {
         AddLoad(analysis.findings.front().evidence, facts);
@@ -111,7 +92,7 @@ Markup Graph(const Analysis& analysis, size_t number) {
 Markup SeriesFigure(const Analysis& analysis, const std::string& point, const std::optional<double>& usual,
                     const SeriesFrame& frame, const std::string& id) {
     const Markup caption = Element("figcaption", Element("strong", point));
-    const Markup drawing = SeriesDrawing(point, analysis.world.points.at(point).samples, usual, frame, id);
+    const Markup drawing = SeriesDrawing(point, analysis.world->points.at(point).samples, usual, frame, id);
     return Element("figure", caption + Element("div",
                                                {{"class", "scroll"},
                                                 {"tabindex", "0"},
@@ -133,10 +114,10 @@ std::vector<size_t> DrawnWay(const Analysis& analysis) {
 }
 
 Markup Series(const Analysis& analysis, const Report& report, size_t number) {
-    const Samples& top = analysis.world.points.at(analysis.point).samples;
-    SeriesFrame frame{report.range.startTime, report.range.endTime, report.zoneOffset, analysis.event, {}};
-    if (analysis.event && top.front().time < analysis.event->start) {
-        frame.baselineStart = top.front().time;
+    SeriesFrame frame{
+        report.question.range.start, report.question.range.end, report.zoneOffset, analysis.event, {}};
+    if (analysis.baseline) {
+        frame.baselineStart = analysis.baseline->start;
     }
     Markup figures =
         Element("h3", IsAnswer(analysis) ? "Delay along the way" : "Delay of the point") +
@@ -147,53 +128,24 @@ Markup Series(const Analysis& analysis, const Report& report, size_t number) {
     for (const size_t node : DrawnWay(analysis)) {
         const std::optional<double> usual =
             analysis.findings.empty() ? std::nullopt : analysis.findings[node].evidence.baselineDelay;
-        figures += SeriesFigure(analysis, analysis.world.nodes[node].point, usual, frame,
+        figures += SeriesFigure(analysis, analysis.world->nodes[node].point, usual, frame,
                                 "series" + std::to_string(number) + "-" + std::to_string(++count));
     }
     return figures;
 }
 
-Markup Walk(const Analysis& analysis) {
-    if (analysis.findings.empty()) {
+Markup WalkPart(const Analysis& analysis, int64_t zoneOffset) {
+    if (!analysis.walk) {
         return {};
     }
-    Markup text;
-    if (!analysis.walk) {
-        text = Text("The plug-in's own walk around the peak came to no point.");
-    } else {
-        text = Text("The plug-in's own walk around the peak names ") + Element("strong", *analysis.walk);
-        text += IsAnswer(analysis)
-                    ? Text(*analysis.walk == analysis.candidates.front().point
-                               ? ": both agree."
-                               : ", the budget " + analysis.candidates.front().point + ": they differ.")
-                    : Text(".");
-    }
-    return Element("h3", "The plug-in's own walk") + Element("p", text);
+    return Element("h3", "The plug-in's own walk") +
+           Element("p", "The plug-in's own walk " + WalkOf(analysis, zoneOffset) + ".");
 }
 
 }  // namespace
 
 bool IsAnswer(const Analysis& analysis) {
     return analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
-}
-
-std::string HeadlineOf(const Analysis& analysis) {
-    switch (analysis.verdict) {
-        case Verdict::POINT: {
-            const Candidate& first = analysis.candidates.front();
-            const std::string share = " holds " + PercentFigure(first.share) + " of the extra delay";
-            return first.point == analysis.point
-                       ? first.point + share + " itself: nothing below it in this graph explains it"
-                       : first.point + share + " of " + analysis.point;
-        }
-        case Verdict::LOAD:
-            return "Load, not a fault: the requests rose, and the delays with them";
-        case Verdict::NOTHING:
-            return "Nothing anomalous: " + analysis.reason;
-        case Verdict::CANNOT_TELL:
-        default:
-            return "Cannot tell: " + analysis.reason;
-    }
 }
 
 Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t number) {
@@ -205,7 +157,7 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
         section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
                    Element("h3", "How sure that is") + TrialTable(analysis);
     }
-    section += Walk(analysis) + Series(analysis, report, number);
+    section += WalkPart(analysis, report.zoneOffset) + Series(analysis, report, number);
     if (!analysis.findings.empty()) {
         section += Element("h3", "Evidence per point") + EvidenceTables(analysis, report.zoneOffset);
     }

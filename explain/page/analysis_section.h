@@ -11,9 +11,6 @@ namespace explain {
 
 bool IsAnswer(const Analysis& analysis);
 
-// The answer in a sentence.
-std::string HeadlineOf(const Analysis& analysis);
-
 // The section of the analysis, the one of that `number` on the page; its id is "analysis" and the number.
 Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t number);
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "explain/figures.h"
+#include "explain/page/figures.h"
 #include "explain/wording.h"
 
 namespace explain {

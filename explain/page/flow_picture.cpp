@@ -30,7 +30,7 @@ std::map<size_t, size_t> LookThrough(const Analysis& analysis, size_t top) {
     std::map<size_t, size_t> from{{top, top}};
     std::vector<size_t> open{top};
     for (size_t next = 0; next < open.size(); ++next) {
-        for (const size_t below : BelowOf(analysis.world, open[next])) {
+        for (const size_t below : BelowOf(*analysis.world, open[next])) {
             if (from.try_emplace(below, open[next]).second && !analysis.findings[below].evidence.takesPart) {
                 open.push_back(below);
             }
@@ -161,7 +161,7 @@ public:
 
 private:
     void PlaceLayers() {
-        const std::vector<size_t> distances = DistancesOf(analysis.world);
+        const std::vector<size_t> distances = DistancesOf(*analysis.world);
         std::map<size_t, std::vector<size_t>> layers;
         for (size_t place = 0; place < picture.nodes.size(); ++place) {
             layers[distances[picture.nodes[place].node]].push_back(place);
@@ -218,7 +218,7 @@ private:
 
     // The edges that lead down from a node, and the one that leads to it where all before it is left out.
     void AddEdges(size_t node) {
-        for (const size_t below : BelowOf(analysis.world, node)) {
+        for (const size_t below : BelowOf(*analysis.world, node)) {
             const auto flow = overEdges.find({node, below});
             if (below != node && places.count(below) > 0) {
                 picture.edges.push_back(

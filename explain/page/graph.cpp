@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "explain/figures.h"
+#include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
 #include "explain/wording.h"
 

@@ -1,7 +1,7 @@
 #include <set>
 
-#include "explain/figures.h"
 #include "explain/page/analysis_section.h"
+#include "explain/page/figures.h"
 #include "explain/page/markup.h"
 #include "explain/page/style.h"
 #include "explain/report.h"
@@ -11,7 +11,7 @@ namespace explain {
 namespace {
 
 std::string RangeInWords(const Report& report) {
-    return LocalTimes(report.range.startTime, report.range.endTime, report.zoneOffset) + " (UTC" +
+    return LocalTimes(report.question.range.start, report.question.range.end, report.zoneOffset) + " (UTC" +
            ZoneText(report.zoneOffset) + ")";
 }
 
@@ -51,19 +51,14 @@ Markup Summary(const Report& report) {
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         const Analysis& analysis = report.analyses[i];
         table.Add({Element("a", {{"href", "#analysis" + std::to_string(i + 1)}}, Text(analysis.point)),
-                   Text(analysis.graph), Text(HeadlineOf(analysis))});
+                   Text(analysis.graph), Text(AnswerOf(analysis, PercentFigure))});
     }
     return Element("section", Element("h2", "Answers") + table.Done());
 }
 
 Markup Chance(const ChanceFlags& flags) {
-    const std::string text = flags.samples == 0
-                                 ? "No samples were loaded."
-                                 : "Of " + Counted(flags.samples, "sample") +
-                                       " of all points that were loaded, " + std::to_string(flags.flagged) +
-                                       " lie beyond three deviations. Of as many normal samples, " +
-                                       Figure(flags.expected, 1) + " would by chance alone.";
-    return Element("section", Element("h2", "Flags found, and expected by chance") + Element("p", text));
+    return Element("section",
+                   Element("h2", "Flags found, and expected by chance") + Element("p", ChanceOf(flags)));
 }
 
 Markup Proof(const Report& report) {
@@ -94,8 +89,7 @@ std::string HtmlReport(const Report& report) {
         body += AnalysisSection(report.analyses[i], report, i + 1);
     }
     if (report.analyses.empty()) {
-        body = Element("section", Element("h2", "Nothing anomalous") +
-                                      Element("p", "The detector flagged no point in this range."));
+        body = Element("section", Element("h2", "Nothing anomalous") + Element("p", NothingOf(report)));
     }
     body += Chance(report.flags) + Proof(report);
     const Markup header =

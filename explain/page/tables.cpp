@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "explain/figures.h"
+#include "explain/page/figures.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -25,12 +25,12 @@ Markup ShareCell(double share) {
     return Text(PercentFigure(share)) + Element("span", {{"class", "track"}, {"aria-hidden", "true"}}, bar);
 }
 
-Markup LinesOf(const std::vector<std::string>& lines) {
+Markup ReasonList(const std::vector<Reason>& reasons) {
     Markup items;
-    for (const std::string& line : lines) {
-        items += Element("li", line);
+    for (const Reason& reason : reasons) {
+        items += Element("li", SentenceOf(reason));
     }
-    return lines.empty() ? Text(UNKNOWN_FIGURE) : Element("ul", items);
+    return reasons.empty() ? Text(UNKNOWN_FIGURE) : Element("ul", items);
 }
 
 std::string CorrelationFigure(const NodeFinding& finding, bool isTop) {
@@ -53,9 +53,9 @@ std::vector<Markup> EvidenceRow(const Analysis& analysis, const NodeFinding& fin
             Text(DelayFigure(evidence.eventDelay)),
             Text(Figure(evidence.baselineRequests, 0)),
             Text(Figure(evidence.eventRequests, 0)),
-            Text(NatureInWords(evidence.nature)),
+            Text(WordOf(evidence.nature)),
             Text(evidence.equalLoadRatio ? Figure(evidence.equalLoadRatio, 2) + "\u00d7" : UNKNOWN_FIGURE),
-            LinesOf(evidence.reasons)};
+            ReasonList(evidence.reasons)};
 }
 
 Markup EvidenceTable(const Analysis& analysis, const std::vector<const NodeFinding*>& findings,
@@ -80,28 +80,17 @@ Markup EvidenceTable(const Analysis& analysis, const std::vector<const NodeFindi
 
 }  // namespace
 
-std::string NatureInWords(Nature nature) {
-    switch (nature) {
-        case Nature::USUAL:
-            return "no extra delay";
-        case Nature::LOAD:
-            return "load";
-        case Nature::DEVICE:
-            return "device";
-        case Nature::UNKNOWN:
-        default:
-            return "cannot tell";
-    }
-}
-
 Markup EventTable(const Analysis& analysis, int64_t zoneOffset) {
     const auto isExplained = [&](const Event& event) { return event.start == analysis.event->start; };
     if (std::all_of(analysis.events.begin(), analysis.events.end(), isExplained)) {
         return {};
     }
-    Table table(
-        "All runs of high samples",
-        {{"From"}, {"To"}, {"Peak", true}, {"Scales above usual", true}, {"High samples", true}, {""}});
+    Table table("All runs of high samples", {{"From"},
+                                             {"To"},
+                                             {"Peak", true},
+                                             {"Deviations above the usual", true},
+                                             {"High samples", true},
+                                             {""}});
     const size_t leftOut = analysis.events.size() - std::min(analysis.events.size(), EVENTS_MOST);
     for (size_t i = leftOut; i < analysis.events.size(); ++i) {
         const Event& event = analysis.events[i];
@@ -130,7 +119,7 @@ Markup TrialTable(const Analysis& analysis) {
                 {{"Baseline"}, {"First point"}, {""}});
     for (const Trial& trial : analysis.trials) {
         const bool agrees = trial.first == analysis.candidates.front().point;
-        table.Add({Text(trial.baseline), Text(trial.first.value_or("too short to tell")),
+        table.Add({Text(WordOf(trial.baseline)), Text(trial.first.value_or(CANNOT_TELL_WHICH)),
                    Text(agrees        ? "same"
                         : trial.first ? "differs"
                                       : UNKNOWN_FIGURE)});
@@ -157,9 +146,10 @@ Markup EvidenceTables(const Analysis& analysis, int64_t zoneOffset) {
                           Element("summary", Counted(others.size(), "point") + " without a part") + table);
     }
     return tables +
-           Element("p", {{"class", "quiet"}},
-                   Text("z: scales from the median of the baseline. r: correlation of the delays with the "
-                        "point above, over the intervals that both have."));
+           Element(
+               "p", {{"class", "quiet"}},
+               Text("z: deviations from the usual before the event. r: correlation of the delays with the "
+                    "point above, over the intervals that both have."));
 }
 
 }  // namespace explain

@@ -8,8 +8,6 @@
 
 namespace explain {
 
-std::string NatureInWords(Nature nature);
-
 // The runs of high samples, the latest ones of many; empty where there is none beside the explained one.
 Markup EventTable(const Analysis& analysis, int64_t zoneOffset);
 

@@ -7,8 +7,8 @@
 
 namespace explain {
 
-// Each reason once, with the names of its points. Reasons that differ in a number only are one, with the
-// smallest and the largest number. Empty when there is none.
+// Each kind of reason once, with the smallest and the largest count and the names of its points. Empty when
+// there is none.
 std::string ReasonsText(const Analysis& analysis);
 
 }  // namespace explain

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 
 #include "explain/report.h"
 #include "explain/text/layout.h"
@@ -14,8 +13,6 @@ namespace {
 constexpr size_t MOST_ADVICE = 2000;  // bytes
 constexpr size_t MOST_CANDIDATES = 10;
 constexpr size_t MOST_EVENTS = 5;  // besides the one that is explained
-constexpr double MAJORITY = 0.5;
-constexpr double CLOSE = 0.05;  // shares that differ by less are nearly equal
 
 std::string Title(const std::string& title) {
     return "\n" + title + "\n";
@@ -30,47 +27,10 @@ std::string Microseconds(double delay) {
     return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
 }
 
-std::string Deviations(double deviations) {
-    const std::string size = Fixed(std::fabs(deviations), 1);
-    return size + " deviations " + (deviations < 0.0 ? "below" : "above") + " the usual";
-}
-
 // ---- the answer
 
-// The second candidate, where it is hardly behind the first.
-std::string Rival(const std::vector<Candidate>& candidates) {
-    if (candidates.size() < 2 || candidates[0].share - candidates[1].share > CLOSE) {
-        return {};
-    }
-    return " " + Printable(candidates[1].point) + " holds nearly as much: " + Percent(candidates[1].share) +
-           ".";
-}
-
-std::string PointAnswer(const Analysis& analysis) {
-    const Candidate& first = analysis.candidates.front();
-    const std::string share = Percent(first.share) + " of the extra delay";
-    const std::string point = Printable(first.point);
-    const std::string rival = Rival(analysis.candidates);
-    if (first.point != analysis.point) {
-        return point + " (" + Printable(first.graph) + ") holds " + share + "." + rival;
-    }
-    const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
-                                                      : "no single point below it explains more.";
-    return point + " itself holds " + share + ": " + below + rival;
-}
-
 std::string Answer(const Analysis& analysis) {
-    switch (analysis.verdict) {
-        case Verdict::POINT:
-            return PointAnswer(analysis);
-        case Verdict::LOAD:
-            return "Load: the requests rose and the delay with them. No point is to blame.";
-        case Verdict::NOTHING:
-            return "Nothing anomalous: " + analysis.reason + ".";
-        case Verdict::CANNOT_TELL:
-            break;
-    }
-    return "Cannot tell: " + analysis.reason + ".";
+    return Printable(AnswerOf(analysis, Percent));
 }
 
 std::string Subject(const Analysis& analysis) {
@@ -86,14 +46,10 @@ std::string Headline(const Analysis& analysis) {
 // ---- the event
 
 std::string When(const Event& event, int64_t zoneOffset) {
-    const std::string start = LocalTime(event.start, zoneOffset);
-    if (event.start == event.end) {
-        return start + ", one sample";
-    }
-    const std::string end = LocalTime(event.end, zoneOffset);
-    const bool isSameDay = start.substr(0, 10) == end.substr(0, 10);
-    return start + " to " + (isSameDay ? TimeOfDay(event.end, zoneOffset) : end) + ", " +
-           Duration(event.end - event.start) + ", " + Counted(event.count, "high sample");
+    const std::string when = LocalTimes(event.start, event.end, zoneOffset);
+    return event.start == event.end ? when + ", one sample, " + StateOf(event)
+                                    : when + ", " + Duration(event.end - event.start) + ", " +
+                                          Counted(event.count, "high sample") + ", " + StateOf(event);
 }
 
 std::string EventText(const Analysis& analysis, int64_t zoneOffset) {
@@ -101,7 +57,10 @@ std::string EventText(const Analysis& analysis, int64_t zoneOffset) {
     std::string text =
         Title("Event") + Field("when", When(event, zoneOffset)) +
         Field("peak", Microseconds(event.peakDelay) + " at " + LocalTime(event.peakTime, zoneOffset) + ", " +
-                          Deviations(event.peakDeviations));
+                          DeviationsOf(event.peakDeviations));
+    if (const std::string silence = SilenceOf(analysis); !silence.empty()) {
+        text += Field("detector", silence);
+    }
     size_t others = 0;
     for (const Event& other : analysis.events) {
         if (other.start == event.start) {
@@ -132,31 +91,12 @@ std::string Requests(double requests) {
     return Fixed(requests, requests < 100.0 ? 1 : 0) + " an interval";
 }
 
-std::string EqualLoad(const std::optional<double>& ratio) {
-    return ratio ? Fixed(*ratio, 2) + " times the delay of before"
-                 : "not known: too few intervals before had as many requests";
-}
-
-std::string Meaning(Nature nature) {
-    switch (nature) {
-        case Nature::DEVICE:
-            return "device: slower than before, not because of more requests";
-        case Nature::LOAD:
-            return "load: the delay follows the requests";
-        case Nature::USUAL:
-            return "no extra delay";
-        case Nature::UNKNOWN:
-            break;
-    }
-    return "cannot be told";
-}
-
 std::string LoadText(const Evidence& evidence) {
     return Title("Load") +
            Field("delay", Compared(evidence.eventDelay, evidence.baselineDelay, Microseconds)) +
            Field("requests", Compared(evidence.eventRequests, evidence.baselineRequests, Requests)) +
-           Field("equal load", EqualLoad(evidence.equalLoadRatio)) +
-           Field("so it is", Meaning(evidence.nature));
+           Field("equal load", EqualLoadOf(evidence.equalLoadRatio)) +
+           Field("so it is", MeaningOf(evidence.nature));
 }
 
 // ---- the ranking and how sure it is
@@ -190,34 +130,21 @@ std::string RankingText(const Analysis& analysis, int64_t zoneOffset) {
     if (shown < candidates.size()) {
         text += "  and " + Counted(candidates.size() - shown, "point") + " with less\n";
     }
-    const double second = candidates.size() > 1 ? candidates[1].share : 0.0;
-    return text + Paragraph("  ", "margin to the second: " + Percent(candidates.front().share - second));
+    return text + Paragraph("  ", MarginOf(candidates, Percent)) +
+           Paragraph("  ", Printable(ModulesOf(analysis, Percent)));
 }
 
 // The points that other parts of the baseline put first, by name.
 std::string CertaintyText(const Analysis& analysis) {
-    std::string text = Title("Certainty") +
-                       Paragraph("  ", "same point in " + std::to_string(analysis.Agreements()) + " of " +
-                                           std::to_string(analysis.trials.size()) + " baselines");
+    std::string text = Title("Certainty") + Paragraph("  ", WordOf(analysis.certainty)) +
+                       Paragraph("  ", AgreementOf(analysis));
     for (const Trial& trial : analysis.trials) {
         if (trial.first != analysis.candidates.front().point) {
-            text += Paragraph("  " + PadRight(trial.baseline, 21),
-                              trial.first ? Printable(*trial.first) : "cannot tell");
+            text += Paragraph("  " + PadRight(WordOf(trial.baseline), 21),
+                              Printable(trial.first.value_or(CANNOT_TELL_WHICH)));
         }
     }
     return text;
-}
-
-std::string WalkAnswer(const Analysis& analysis) {
-    if (!analysis.walk) {
-        return "has no result";
-    }
-    std::string named = "names " + Printable(*analysis.walk);
-    if (analysis.verdict != Verdict::POINT) {
-        return named;
-    }
-    const bool agrees = *analysis.walk == analysis.candidates.front().point;
-    return named + (agrees ? ": the two agree" : ": the two do not agree");
 }
 
 std::string AdviceText(const Candidate& first) {
@@ -239,8 +166,8 @@ std::string AnalysisText(const Analysis& analysis, int64_t zoneOffset) {
         text += RankingText(analysis, zoneOffset) + CertaintyText(analysis) +
                 AdviceText(analysis.candidates.front());
     }
-    if (!analysis.findings.empty()) {
-        text += Title("The plug-in's own walk") + Paragraph("  ", WalkAnswer(analysis));
+    if (analysis.walk) {
+        text += Title("The plug-in's own walk") + Paragraph("  ", Printable(WalkOf(analysis, zoneOffset)));
     }
     return text + ReasonsText(analysis);
 }
@@ -254,17 +181,21 @@ std::string Overview(const std::vector<Analysis>& analyses) {
     return text;
 }
 
-std::string RangeText(const Report& report) {
-    std::string text = Paragraph("", "From " + LocalTime(report.range.startTime, report.zoneOffset) + " to " +
-                                         LocalTime(report.range.endTime, report.zoneOffset) + ", zone " +
-                                         ZoneText(report.zoneOffset));
-    if (report.analyses.empty()) {
-        return text + "Nothing anomalous: the detector flags no point.\n";
+// No point was slow: how far each went.
+std::string AllClear(const Report& report) {
+    std::string text = Paragraph("", NothingOf(report));
+    for (const Look& look : report.looks) {
+        text += Paragraph("  " + PadRight(Printable(look.point), 22), LargestOf(look, report.zoneOffset));
     }
-    return text +
-           Paragraph("", std::to_string(report.flags.flagged) + " of " +
-                             Counted(report.flags.samples, "sample") + " lie beyond three deviations; " +
-                             Fixed(report.flags.expected, 1) + " would by chance.");
+    return text;
+}
+
+std::string RangeText(const Report& report) {
+    std::string text = Paragraph("", "From " + LocalTime(report.question.range.start, report.zoneOffset) +
+                                         " to " + LocalTime(report.question.range.end, report.zoneOffset) +
+                                         ", zone " + ZoneText(report.zoneOffset));
+    text += Paragraph("", BasisOf(report));
+    return report.analyses.empty() ? text + AllClear(report) : text + Paragraph("", ChanceOf(report.flags));
 }
 
 }  // namespace

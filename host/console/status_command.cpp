@@ -20,6 +20,7 @@
 #include "host/services/alarm.h"
 #include "host/services/startup.h"
 #include "text/local_time.h"
+#include "text/counted.h"
 #include "text/printable.h"
 
 namespace {

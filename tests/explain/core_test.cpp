@@ -8,6 +8,7 @@
 
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/statistics.h"
+#include "explain/wording.h"
 
 namespace explain {
 namespace {
@@ -119,8 +120,8 @@ std::string Text(const Evidence& evidence) {
     std::string text = (evidence.takesPart ? "+" : "-") + natures[static_cast<size_t>(evidence.nature)] +
                        number(evidence.onset, STEP) + number(evidence.deviations, 1) +
                        number(evidence.excess, 1);
-    for (const std::string& reason : evidence.reasons) {
-        text += "; " + reason.substr(0, 16);
+    for (const Reason& reason : evidence.reasons) {
+        text += "; " + SentenceOf(reason).substr(0, 16);
     }
     return text;
 }

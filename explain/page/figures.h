@@ -26,8 +26,4 @@ std::string PlaceFigure(double x, double y);
 std::string DelayFigure(const std::optional<double>& microseconds);
 std::string DelayFigure(double microseconds, double largest);
 
-// "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
-// it is the same.
-std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
-
 }  // namespace explain

@@ -1,4 +1,4 @@
-#include "explain/figures.h"
+#include "explain/page/figures.h"
 
 #include <cmath>
 
@@ -44,14 +44,6 @@ std::string DelayFigure(double microseconds, double largest) {
     return size < MOST_OF_A_UNIT * MILLISECOND ? Figure(microseconds, 0) + SPACE + "\u00b5s"
            : size < MOST_OF_A_UNIT * SECOND    ? Figure(microseconds / MILLISECOND, 1) + SPACE + "ms"
                                                : Figure(microseconds / SECOND, 1) + SPACE + "s";
-}
-
-std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset) {
-    const std::string first = LocalTime(start, zoneOffset);
-    const std::string last = LocalTime(end, zoneOffset);
-    const size_t day = first.find(' ');
-    const bool isSameDay = first.compare(0, day, last, 0, last.find(' ')) == 0;
-    return start == end ? first : first + " to " + (isSameDay ? TimeOfDay(end, zoneOffset) : last);
 }
 
 }  // namespace explain

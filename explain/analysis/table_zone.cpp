@@ -1,0 +1,93 @@
+#include "explain/analysis/table_zone.h"
+
+#include <algorithm>
+#include <string>
+
+#include "fault_common/fault_common.h"
+#include "fault_common/fault_number.h"
+#include "fault_database/fault_database.h"
+#include "fault_database/fault_database_table.h"
+
+namespace explain {
+namespace {
+
+constexpr int64_t HOUR = 3600;
+constexpr int64_t WEST = -12 * HOUR;  // the zones of the earth
+constexpr int64_t EAST = 14 * HOUR;
+constexpr int64_t TOLERANCE = 300;    // a table may be made some seconds after its first row's time
+constexpr size_t MOST_AT_AN_END = 3;  // tables that are looked at
+
+// The catalogue's names, without those in the middle.
+std::vector<std::string> OuterTables() {
+    std::vector<std::string> names = FaultListTables(FaultGetQueryTableCallBack);
+    if (names.size() > 2 * MOST_AT_AN_END) {
+        names.erase(names.begin() + MOST_AT_AN_END, names.end() - MOST_AT_AN_END);
+    }
+    return names;
+}
+
+uint32_t TakeEnds(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& ends,
+                  std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
+    FaultCheckColumns(rowCount, columnCount, 2);
+    for (int32_t i = 0; rowCount > 0 && i < 2; ++i) {
+        const char* cell = result[columnCount + i];
+        if (cell != nullptr) {  // of a table without rows
+            ends.push_back(FaultToInt64(cell));
+        }
+    }
+    return 0;
+}
+
+// Seconds since 1970 of a compact local time, as if it were UTC.
+int64_t AsUtc(const std::string& compact) {
+    std::string seconds;
+    std::string offset;
+    TransDateToTime(compact, seconds);
+    GetTimeZoneOffset(offset);
+    return FaultToInt64(seconds) + FaultToInt64(offset);
+}
+
+bool Fits(const std::vector<TableSpan>& tables, int64_t zone) {
+    for (size_t i = 0; i < tables.size(); ++i) {
+        const bool isLate =
+            i + 1 < tables.size() && tables[i].rows.end + zone > tables[i + 1].named + TOLERANCE;
+        if (isLate || tables[i].rows.start + zone < tables[i].named - TOLERANCE) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+std::vector<TableSpan> TableSpans() {
+    std::vector<TableSpan> tables;
+    for (const std::string& name : OuterTables()) {
+        std::vector<int64_t> ends;
+        std::vector<int64_t> second;
+        std::vector<std::string> texts;
+        const std::string sql = "select min(curtime), max(curtime) from " + name + ";";
+        if (FaultDataBaseExcuteSql(sql, TakeEnds, ends, second, texts) != 0) {
+            return {};
+        }
+        if (ends.size() == 2) {
+            tables.push_back({AsUtc(name.substr(FAULT_TABLE_PREFIX_LENGTH)), {ends[0], ends[1]}});
+        }
+    }
+    return tables;
+}
+
+std::optional<int64_t> ZoneOfTables(const std::vector<TableSpan>& tables, int64_t zoneOffset) {
+    if (Fits(tables, zoneOffset)) {
+        return zoneOffset;
+    }
+    // The last table has no end: of the zones that fit, the one in which the rows begin with their tables.
+    for (int64_t zone = WEST; zone <= EAST; zone += HOUR) {
+        if (Fits(tables, zone)) {
+            return zone;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace explain

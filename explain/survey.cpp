@@ -1,0 +1,207 @@
+#include "explain/survey.h"
+
+#include <json/value.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "explain/analysis/table_zone.h"
+#include "fault_common/fault_vocabulary.h"
+#include "fault_spectrum_graph/fault_detect_object.h"
+
+namespace explain {
+namespace {
+
+constexpr int64_t HOUR = 3600;
+
+// How far back before a range what is usual is looked for.
+constexpr int64_t LOOK_BACK_RANGES = 2;
+constexpr int64_t LEAST_LOOK_BACK = 4 * HOUR;
+constexpr int64_t MOST_LOOK_BACK = 24 * HOUR;
+
+// What is loaded: the range and what tells what is usual of it.
+std::vector<Window> StretchesOf(const Question& question) {
+    const Window& range = question.range;
+    if (question.baseline) {
+        std::vector<Window> stretches{range, *question.baseline};
+        if (range.end >= question.baseline->start && question.baseline->end >= range.start) {
+            stretches = {{std::min(range.start, question.baseline->start),
+                          std::max(range.end, question.baseline->end)}};
+        } else if (question.baseline->start < range.start) {
+            std::swap(stretches.front(), stretches.back());
+        }
+        return stretches;
+    }
+    const int64_t back =
+        std::clamp(LOOK_BACK_RANGES * (range.end - range.start), LEAST_LOOK_BACK, MOST_LOOK_BACK);
+    return {{range.start - back, range.end}};
+}
+
+// Why there are no rows in the range.
+Reason WhyNoRows(const Request& request) {
+    const std::vector<TableSpan> tables = TableSpans();
+    if (tables.empty()) {
+        return {ReasonKind::NO_ROWS_AT_ALL};
+    }
+    Reason reason{ReasonKind::OUTSIDE_STATISTICS};
+    reason.zoneOffset = request.zoneOffset;
+    reason.from = tables.front().rows.start;
+    reason.until = tables.front().rows.end;
+    for (const TableSpan& table : tables) {
+        reason.from = std::min(reason.from, table.rows.start);
+        reason.until = std::max(reason.until, table.rows.end);
+    }
+    const Window& range = request.question.range;
+    if (range.end >= reason.from && range.start <= reason.until) {
+        reason.kind = ReasonKind::NO_ROWS_OF_DETECTOR;
+    }
+    return reason;
+}
+
+// The zone in which the tables are named, where their rows contradict the request's.
+std::optional<Reason> WhyZone(const Request& request) {
+    const std::optional<int64_t> zone = ZoneOfTables(TableSpans(), request.zoneOffset);
+    if (zone == request.zoneOffset) {
+        return std::nullopt;
+    }
+    Reason reason{zone ? ReasonKind::ANOTHER_ZONE : ReasonKind::NO_ZONE};
+    reason.zoneOffset = zone.value_or(0);
+    return reason;
+}
+
+// Answers one report's questions, point by point.
+class Surveyor {
+public:
+    Surveyor(const Request& toAnswer, Report& toFill)
+        : request(toAnswer), question(toAnswer.question), report(toFill), store(StretchesOf(question)) {}
+
+    void Look() {
+        for (const PointRequest& point : request.points) {
+            report.looks.push_back(
+                LookAt(point.name, store.Of(point.name).samples, question.range, question.baseline));
+        }
+        report.coverage = CoverageOf(store.Points(), question.range);
+        CheckRows();
+    }
+
+    void Analyse() {
+        for (size_t i = 0; i < report.looks.size(); ++i) {
+            const explain::Look& look = report.looks[i];
+            if (IsAsked(request.points[i].when, look)) {
+                for (const std::string& graph : request.GraphsOf(look.point)) {
+                    ++subjects;
+                    AnalyseGuarded(look, graph);
+                }
+            }
+        }
+        if (failures > 0 && failures == subjects) {
+            throw NoData(*report.analyses.back().reason);
+        }
+        // What is within the usual comes last: it is told because a time was named.
+        std::stable_partition(report.analyses.begin(), report.analyses.end(),
+                              [](const Analysis& analysis) { return !analysis.isWeak; });
+        report.coverage = CoverageOf(store.Points(), question.range);
+        report.flags = CountFlags(store.Points(), question.range);
+    }
+
+private:
+    // Throws NoData when an answer would look like an all clear although nothing was looked at.
+    void CheckRows() const {
+        const bool hasRows = report.coverage.intervals > 0;
+        if (!hasRows || report.coverage.IsPart()) {
+            if (const std::optional<Reason> zone = WhyZone(request)) {
+                throw NoData(*zone);
+            }
+        }
+        if (!hasRows) {
+            throw NoData(WhyNoRows(request));
+        }
+        size_t most = 0;
+        for (const explain::Look& look : report.looks) {
+            most = std::max(most, store.Points().at(look.point).samples.size());
+        }
+        const bool isNamed =
+            std::any_of(request.points.begin(), request.points.end(),
+                        [](const PointRequest& point) { return point.when != PointRequest::IF_SLOW; });
+        if (most < FEWEST_FOR_EVENTS && !isNamed) {
+            throw NoData({ReasonKind::FEW_ROWS_OF_DETECTOR, most, FEWEST_FOR_EVENTS});
+        }
+    }
+
+    static bool IsAsked(PointRequest::When when, const explain::Look& look) {
+        return when == PointRequest::ALWAYS || (when == PointRequest::IF_THERE && look.samples > 0) ||
+               look.flagged > 0 || !look.events.empty();
+    }
+
+    void AnalyseGuarded(const explain::Look& look, const std::string& graph) {
+        try {
+            AnalyseEvents(look, graph);
+        } catch (...) {
+            ++failures;
+            AddWithout(look, graph, Verdict::CANNOT_TELL, ReasonOfFailure());
+        }
+    }
+
+    void AnalyseEvents(const explain::Look& look, const std::string& graph) {
+        const auto world = std::make_shared<const GraphWorld>(LoadGraphWorld(look.point, graph, store));
+        const Samples& samples = world->points.at(look.point).samples;
+        if (look.samples == 0) {
+            throw NoData({ReasonKind::NO_ROWS_OF_POINT, 0, 0, look.point});
+        }
+        const std::vector<Event> events = EventsToExplain(question, look, samples);
+        for (const Event& event : events) {
+            report.analyses.push_back(Explain(question, look, graph, world, event));
+        }
+        if (!events.empty()) {
+            return;
+        }
+        if (look.finding.deviations.empty()) {
+            AddWithout(look, graph, Verdict::CANNOT_TELL,
+                       {ReasonKind::FEW_FOR_SIGMA, samples.size(), FEWEST_FOR_EVENTS});
+        } else {
+            AddWithout(look, graph, question.during ? Verdict::CANNOT_TELL : Verdict::NOTHING,
+                       {question.during ? ReasonKind::NO_ROWS_IN_EVENT : ReasonKind::NO_HIGH_SAMPLE});
+        }
+        report.analyses.back().world = world;
+    }
+
+    void AddWithout(const explain::Look& look, const std::string& graph, Verdict verdict,
+                    const Reason& reason) {
+        Analysis& analysis = report.analyses.emplace_back();
+        analysis.point = look.point;
+        analysis.graph = graph;
+        analysis.verdict = verdict;
+        analysis.reason = reason;
+        analysis.events = look.events;
+    }
+
+    const Request& request;
+    const Question& question;
+    Report& report;
+    SampleStore store;
+    size_t subjects = 0;
+    size_t failures = 0;
+};
+
+}  // namespace
+
+Reason ReasonOfFailure() {
+    try {
+        throw;
+    } catch (const NoData& error) {
+        return error.Why();
+    } catch (const Json::Exception& error) {
+        return {ReasonKind::BAD_CONFIGURATION, 0, 0, error.what()};
+    } catch (const std::logic_error& error) {  // of a conversion
+        return {ReasonKind::BAD_VALUE, 0, 0, error.what()};
+    }
+}
+
+void Survey(const Request& request, Report& report) {
+    Surveyor surveyor(request, report);
+    surveyor.Look();
+    surveyor.Analyse();
+}
+
+}  // namespace explain

@@ -1,0 +1,18 @@
+// The way from a question to all that is answered.
+#pragma once
+
+#include "explain/report.h"
+#include "explain/request.h"
+
+namespace explain {
+
+// Why an exception that is being handled left somebody without an answer. One that says nothing of the data
+// is thrown on.
+Reason ReasonOfFailure();
+
+// Fills what the report says of the data: looks, coverage, analyses. The databases must be open; blocks on
+// them. What cannot be explained of a point leaves the others their answers. Throws NoData where there is no
+// row to look at, or nothing at all can be explained.
+void Survey(const Request& request, Report& report);
+
+}  // namespace explain
