@@ -157,7 +157,10 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
         section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
                    Element("h3", "How sure that is") + TrialTable(analysis);
     }
-    section += Walk(analysis) + Series(analysis, report, number);
+    section += Walk(analysis);
+    if (!analysis.world.nodes.empty()) {
+        section += Series(analysis, report, number);
+    }
     if (!analysis.findings.empty()) {
         section += Element("h3", "Evidence per point") + EvidenceTables(analysis, report.zoneOffset);
     }
