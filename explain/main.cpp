@@ -17,6 +17,7 @@
 #include "explain/stamp.h"
 #include "explain/survey.h"
 #include "explain/wording.h"
+#include "host/capture/inputs.h"
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
@@ -34,7 +35,11 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.madeAt = clock.time;
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
-    Survey(request, report);
+    try {
+        Survey(request, report);
+    } catch (...) {
+        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
+    }
     return report;
 }
 
@@ -75,11 +80,22 @@ void WritePage(const std::string& path, const std::string& page) {
     }
 }
 
+// Nothing that is read is written to, and nothing in a capture.
+void RefuseInputs(const Options& options) {
+    const Inputs inputs = {options.capture.value_or(options.root.value_or("")), options.capture.has_value()};
+    for (const std::string& path : {options.html.value_or(""), options.log}) {
+        const std::optional<std::string> reason = path.empty() ? std::nullopt : WhyNotWritten(path, inputs);
+        if (reason) {
+            throw cli::UsageError(*reason);
+        }
+    }
+}
+
 int Run(const Options& options, const std::vector<std::string>& arguments) {
     if (options.zone) {
         SetZone(*options.zone);
     }
-    // Before a large capture is copied for nothing.
+    RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
     const LocalClock clock = ClockAt(std::time(nullptr));
     const Request request = RequestOf(options, clock);
     const Input input(options);
@@ -92,14 +108,6 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
     return StatusOf(report);
 }
 
-int RunWithReasons(const Options& options, const std::vector<std::string>& arguments) {
-    try {
-        return Run(options, arguments);
-    } catch (...) {
-        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
-    }
-}
-
 }  // namespace
 }  // namespace explain
 
@@ -110,6 +118,6 @@ int main(int argc, char** argv) {
         return *status;
     }
     return cli::RunProgram("zorv-explain", explain::STATUS_NO_DATA, [&] {
-        return explain::RunWithReasons(options, {argv, argv + argc});
+        return explain::Run(options, {argv, argv + argc});
     });
 }

@@ -58,6 +58,12 @@ std::string ZoneOption(int64_t zoneOffset) {
     return zone;
 }
 
+// A reason behind what it is a reason for. What others say in it may end as it likes.
+std::string AnswerFor(const std::string& what, const Reason& reason) {
+    const std::string sentence = SentenceOf(reason);
+    return what + ": " + sentence + (sentence.back() == '.' ? "" : ".");
+}
+
 std::string CountOf(size_t least, size_t most) {
     return (least == most ? "" : std::to_string(least) + " to ") + std::to_string(most);
 }
@@ -208,11 +214,11 @@ std::string AnswerOf(const Analysis& analysis, ShareFigure figure) {
         case Verdict::LOAD:
             return "Load: the requests rose and the delay with them. No point is to blame.";
         case Verdict::NOTHING:
-            return "Nothing anomalous: " + SentenceOf(*analysis.reason) + ".";
+            return AnswerFor("Nothing anomalous", *analysis.reason);
         case Verdict::CANNOT_TELL:
             break;
     }
-    return "Cannot tell: " + SentenceOf(*analysis.reason) + ".";
+    return AnswerFor("Cannot tell", *analysis.reason);
 }
 
 std::string DeviationsOf(double deviations) {

@@ -157,7 +157,10 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
         section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
                    Element("h3", "How sure that is") + TrialTable(analysis);
     }
-    section += WalkPart(analysis, report.zoneOffset) + Series(analysis, report, number);
+    section += WalkPart(analysis, report.zoneOffset);
+    if (analysis.world != nullptr) {
+        section += Series(analysis, report, number);
+    }
     if (!analysis.findings.empty()) {
         section += Element("h3", "Evidence per point") + EvidenceTables(analysis, report.zoneOffset);
     }

@@ -10,7 +10,7 @@ import xml.etree.ElementTree as ElementTree
 from console import BIN, CONFIG, DATABASE, ConsoleTest
 
 HOSTILE = '"><script>x</script><a onclick=x href="http://x">&amp;\x1b[31m\u202e\udcff\udced\udca0\udc80\u4e2d'  # not all is UTF-8
-SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\ufffd\ufffd\ufffd\ufffd\u4e2d'
+SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\\xff\\xed\\xa0\\x80\u4e2d'
 
 
 class Page(ConsoleTest):
