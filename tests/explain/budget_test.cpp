@@ -45,9 +45,11 @@ struct Reference {
                 sum += wanted[taker];
             }
         }
-        own[node] += sum < 1.0 ? share * (1.0 - sum) : 0.0;
+        const double kept =
+            std::min(std::max(0.0, 1.0 - sum), std::max(0.0, nodes[node].own / nodes[node].excess));
+        own[node] += sum + kept > 0.0 ? share * kept / (sum + kept) : share;
         for (const auto& [taker, part] : wanted) {
-            Enter(taker, sum > 1.0 ? share * part / sum : share * part, way);
+            Enter(taker, share * part / (sum + kept), way);
         }
     }
 };
@@ -71,6 +73,7 @@ TEST(Budget, IsThatOfARecursionOverAllWays) {
         for (BudgetNode& node : nodes) {
             node.takesPart = &node == nodes.data() || random() % 4 > 0;
             node.excess = std::pow(1.0 + static_cast<double>(random() % 4), seed % 2 == 0 ? 1.0 : 9.5);
+            node.own = node.excess * (static_cast<double>(random() % 9) - 2) / 4;
             std::generate_n(std::back_inserter(node.children), random() % 5, any);
         }
         for (size_t i = random() % 4; i > 0; --i) {
@@ -82,6 +85,7 @@ TEST(Budget, IsThatOfARecursionOverAllWays) {
         for (BudgetNode& node : nodes) {
             std::shuffle(node.children.begin(), node.children.end(), random);
             node.excess *= 1e-6;
+            node.own *= 1e-6;
         }
         ExpectShares(nodes, handOvers, reference.own);
     }
@@ -90,7 +94,7 @@ TEST(Budget, IsThatOfARecursionOverAllWays) {
 TEST(Budget, EndsOnLargeGraphs) {
     Nodes chain(100000);
     for (size_t i = 0; i < chain.size(); ++i) {
-        chain[i] = {{(i + 1) % chain.size()}, i % 3 == 0, 1.0};
+        chain[i] = {{(i + 1) % chain.size()}, i % 3 == 0, 1.0, 0.0};
     }
     EXPECT_EQ(DivideBudget(chain, {}, 0).back(), 0.0);  // a circle: only its beginning is divided
     chain.back().children.clear();
@@ -99,14 +103,15 @@ TEST(Budget, EndsOnLargeGraphs) {
     ExpectShares(chain, {}, expected);
     Nodes ladder;  // of 40 diamonds: 2^40 ways
     for (size_t i = 0; i < 120; i += 3) {
-        ladder.insert(ladder.end(), {{{i + 1, i + 2}, true, 1}, {{i + 3}, true, 0.6}, {{i + 3}, true, 0.5}});
+        ladder.insert(ladder.end(),
+                      {{{i + 1, i + 2}, true, 1, 0}, {{i + 3}, true, 0.6, 0}, {{i + 3}, true, 0.5, 0}});
     }
-    ladder.push_back({{}, true, 1.0});
+    ladder.push_back({{}, true, 1.0, 0.0});
     expected.erase(expected.begin(), expected.end() - 121);
     ExpectShares(ladder, {}, expected);
     expected.assign(12, 1.0 / 11);
     expected.front() = 0.0;
-    ExpectShares(Nodes(12, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, true, 1.0}), {}, expected);
+    ExpectShares(Nodes(12, {{0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, true, 1.0, 0.0}), {}, expected);
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 #include <cmath>
 #include <map>
 #include <random>
+#include <set>
 
+#include "explain/analysis/analysis.h"
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/statistics.h"
 #include "explain/wording.h"
@@ -23,7 +25,7 @@ const std::map<char, std::pair<double, double>> LETTERS = {
 
 struct Series {
     Samples samples;
-    Event event;  // from '|' to the end
+    Window event;  // from '|' to the end
 };
 
 // '=' are twenty usual intervals, '_' is one without a row; what follows '~' is two seconds later, and what
@@ -42,35 +44,152 @@ Series Written(const std::string& letters) {
     return series;
 }
 
-std::string Text(const Event& event) {
-    return " " + std::to_string(event.start / STEP) + "-" + std::to_string(event.end / STEP) + " x" +
-           std::to_string(event.count) + " @" + std::to_string(event.peakTime / STEP);
-}
-
-TEST(Explain, FindsRunsOfHighSamples) {
-    for (const std::string row :
-         {"", "H", "0000000", "=", "=5", "=ll", "00000000000. 11-11 x1 @11", "=6 20-20 x1 @20",
-          "H= 0-0 x1 @0", "=hHh.. 20-22 x3 @21", "=h.H.h 20-24 x3 @22", "=h..H 20-20 x1 @20 23-23 x1 @23"}) {
-        std::string found = row.substr(0, row.find(' '));
-        for (const Event& event : FindEvents(Written(found).samples)) {
-            found += Text(event);
-        }
-        EXPECT_EQ(found, row);
-    }
-    const Samples samples = Written("=h.H.").samples;
-    const std::vector<Event> runs = FindEvents(samples);
-    EXPECT_EQ(Text(*EventAt(samples, runs, 21 * STEP)), " 20-22 x2 @22");
-    EXPECT_EQ(Text(*EventAt(samples, runs, 5 * STEP + 14)), " 5-5 x1 @5");
-    EXPECT_EQ(Text(*EventAt(samples, runs, INT64_MIN)), " 0-0 x1 @0");
-    EXPECT_EQ(Text(*EventAt(samples, runs, INT64_MAX)), " 23-23 x1 @23");
-    EXPECT_FALSE(EventAt({}, {}, 0));
-    EXPECT_EQ(SamplesBetween(samples, 2 * STEP, 4 * STEP).size(), 2U);
-    EXPECT_TRUE(SamplesBetween(samples, 4 * STEP, 2 * STEP).empty());
-}
+// The rule for events by itself, word for word.
+using Positions = std::set<size_t>;
 
 double SortedMedian(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return (values[(values.size() - 1) / 2] + values[values.size() / 2]) / 2;
+}
+
+std::vector<double> NaiveDeviations(const std::vector<double>& values, const Positions& inside) {
+    std::vector<double> usual, distances, deviations;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (inside.count(i) == 0) {
+            usual.push_back(values[i]);
+        }
+    }
+    const double median = SortedMedian(usual);
+    for (const double value : usual) {
+        distances.push_back(std::fabs(value - median));
+    }
+    const double scale = std::max(1.4826 * SortedMedian(distances), 0.02 * std::fabs(median));
+    for (const double value : values) {
+        deviations.push_back((value - median) / (scale > 0.0 ? scale : 1.0));
+    }
+    return deviations;
+}
+
+Positions NaiveHigh(const std::vector<double>& values) {
+    Positions inside;
+    while (true) {
+        const std::vector<double> deviations = NaiveDeviations(values, inside);
+        Positions now = inside;
+        for (size_t i = 0; i < values.size(); ++i) {
+            const bool bridges =
+                i > 0 && i + 1 < values.size() && deviations[i - 1] > 5.0 && deviations[i + 1] > 5.0;
+            if (deviations[i] > 5.0 || bridges) {
+                now.insert(i);
+            }
+        }
+        const double left = static_cast<double>(values.size() - now.size());
+        if (now == inside || left < 5.0 || left < 0.1 * static_cast<double>(values.size())) {
+            return inside;
+        }
+        inside = now;
+    }
+}
+
+// First and last positions of the events.
+std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& values) {
+    Positions inside = NaiveHigh(values);
+    const std::vector<double> deviations = NaiveDeviations(values, inside);
+    std::vector<size_t> left;
+    std::vector<double> means;
+    for (size_t i = 0; i < values.size(); ++i) {
+        if (inside.count(i) == 0) {
+            left.push_back(i);
+        }
+    }
+    for (size_t i = 0; i + 4 <= left.size(); ++i) {
+        means.push_back((values[left[i]] + values[left[i + 1]] + values[left[i + 2]] + values[left[i + 3]]) /
+                        4);
+    }
+    for (const size_t window : means.size() > 10 ? NaiveHigh(means) : Positions()) {
+        for (size_t i = window; i < window + 4; ++i) {
+            deviations[left[i]] > 1.0 ? void(inside.insert(left[i])) : void();
+        }
+    }
+    std::vector<std::pair<size_t, size_t>> events;
+    for (const size_t i : inside) {
+        if (!events.empty() && i <= events.back().second + 2) {
+            events.back().second = i;
+        } else {
+            events.emplace_back(i, i);
+        }
+    }
+    return events;
+}
+
+TEST(Explain, FindsTheEventsOfTheNaiveRule) {
+    size_t found = 0;
+    for (unsigned seed = 1; seed <= 1500; ++seed) {
+        std::mt19937 random(seed);
+        Samples samples;
+        const size_t count = 11 + random() % 120, begin = random() % count, length = 1 + random() % 60;
+        const double slow = 1.0 + 0.1 * static_cast<double>(random() % 30), noise = 0.02 * (seed % 8);
+        for (size_t i = 0; i < count; ++i) {
+            const double wave = noise * (static_cast<double>(random() % 2001) / 1000 - 1);
+            const double factor = i >= begin && i < begin + length && random() % 9 > 0 ? slow : 1.0;
+            samples.push_back({static_cast<int64_t>(i) * STEP, std::round(1000 * (1 + wave) * factor), 10});
+        }
+        std::vector<std::pair<size_t, size_t>> events;
+        for (const Event& event : FindEvents(samples).events) {
+            events.emplace_back(event.first, event.last);
+        }
+        EXPECT_EQ(events, NaiveEvents(DelaysOf(samples))) << seed;
+        found += events.size();
+    }
+    EXPECT_GT(found, 1000U);
+}
+
+std::string Text(const Event& event) {
+    return " " + std::to_string(event.start / STEP) + "-" + std::to_string(event.end / STEP) + " x" +
+           std::to_string(event.count) + " @" + std::to_string(event.peakTime / STEP) +
+           (event.isOngoing ? "+" : "");
+}
+
+// What of a series is looked at: the events of all, or, with a time, the one then.
+TEST(Explain, LooksAtARangeWithWhatWasBefore) {
+    const struct {
+        std::string letters;
+        int64_t since = 0, at = -1;  // intervals
+        std::string events;
+        Silence silence = Silence::NONE;
+    } cases[] = {
+        {"HHHHH", 0, -1, "", Silence::NONE},
+        {"H=", 0, -1, " 0-0 x1 @0", Silence::NONE},
+        {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED},
+        {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE},
+        {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE},
+        {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED},
+        {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED},
+        {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE},
+        {"=hh==", 22, -1, "", Silence::NONE},
+        {"=HHHHHHHHH", 25, -1, " 20-28 x9 @20+", Silence::FEW},
+        {"=hhh=", 0, 21, " 20-22 x3 @20", Silence::NONE},
+        {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE},
+        {"==5===", 0, 42, " 40-40 x1 @40", Silence::NONE},
+        {"==5===", 0, 43, " 41-41 x0 @41", Silence::NONE},
+    };
+    for (const auto& row : cases) {
+        const Samples samples = Written(row.letters).samples;
+        const int64_t end = static_cast<int64_t>(samples.size()) * STEP;
+        Question question{{row.since * STEP, end}, {}, {}, {}};
+        const Look look = LookAt("P", samples, question.range, {});
+        std::string events;
+        for (const Event& event : look.events) {
+            events += Text(event);
+        }
+        if (row.at >= 0) {
+            question.at = row.at * STEP;
+            events = Text(EventsToExplain(question, look, samples).front());
+        }
+        EXPECT_EQ(events, row.events) << row.letters;
+        if (!look.events.empty()) {
+            EXPECT_EQ(look.SilenceOn(look.events.back()), row.silence) << row.letters;
+        }
+    }
 }
 
 TEST(Explain, StatisticsAreThoseOfTheirDefinitions) {
@@ -81,17 +200,10 @@ TEST(Explain, StatisticsAreThoseOfTheirDefinitions) {
             value = (seed % 2 == 0 ? 1.0 : 1e15) * (static_cast<double>(random() % (seed % 30 + 1)) - 5);
         }
         const double median = SortedMedian(values);
-        const auto count = static_cast<double>(values.size());
-        double squares = 0.0;  // of the distances between all pairs
         for (const double value : values) {
             distances.push_back(std::fabs(value - median));
-            for (const double other : values) {
-                squares += (value - other) * (value - other);
-            }
         }
-        const double deviation = std::sqrt(squares / (2 * count * (count - 1)));
-        const double scale =
-            std::max({1.4826 * SortedMedian(distances), 0.3 * deviation, 0.02 * std::fabs(median)});
+        const double scale = std::max(1.4826 * SortedMedian(distances), 0.02 * std::fabs(median));
         EXPECT_DOUBLE_EQ(UsualOf(values).median, median) << seed;
         EXPECT_NEAR(UsualOf(values).scale, scale > 0.0 ? scale : 1.0, 1e-9 * scale) << seed;
     }
@@ -131,35 +243,35 @@ TEST(Explain, EvidenceOfAPoint) {
         std::string letters, expected;  // takes part, nature, onset, deviations, excess; reasons
         bool isObservation = false, hasGoneBack = false;
     } cases[] = {
-        {"=|HH", "+device 20 450 9000 "},
-        {"=|.HHh.", "+device 21 450 5380 "},
-        {"=|H.", "-usual 20 450 4500 "},
+        {"=|HH", "+device 20 450 18000 "},
+        {"=|.HHh.", "+device 21 269 26900 "},
+        {"=|H.", "+device 20 225 9000 "},
         {"=|H", "+device 20 450 9000 "},
-        {"=|66", "+unknown 20 5 110 "},
-        {"=|5l", "-usual 21 -45 -400 "},
-        {"=|nn", "-usual 20 -45 900 "},
+        {"=|66", "+unknown 20 5 220 "},
+        {"=|5l", "-usual none -20 -800 "},
+        {"=|nn", "-usual none -45 1800 "},
         {"=|zz", "-usual 20 450 0 "},
-        {"=|SS", "+load 20 450 90000 "},
-        {"=H|SSS", "+load 21 15 90000 "},
-        {"=HHHH|SS", "+device 24 8 90000 "},
-        {"=SSS|SS", "+load 23 9 90000 "},
-        {"=sss|SSSSSS", "+device 23 450 90000 "},
-        {".u.u.u.u.u.u.u.u.u.u|UU", "+load 20 450 36000 "},
+        {"=|SS", "+load 20 450 180000 "},
+        {"=H|SSS", "+load 21 450 270000 "},
+        {"=HHHH|SS", "+device 24 450 180000 "},
+        {"=SSS|SS", "+load 23 450 180000 "},
+        {"=sss|SSSSSS", "+device 23 450 540000 "},
+        {".u.u.u.u.u.u.u.u.u.u|UU", "+load 20 450 72000 "},
         {"=|HH", "-unknown 20 450 none ; an observation p", true},
         {"=|..", "-usual none 0 0 ; constant over th; the clock jumped", false, true},
         {"|H", "-unknown none none none ; only 1 sample: t; only 0 samples b"},
         {"....|HH", "-unknown none none none ; only 6 samples: ; only 4 samples b"},
-        {".....|HH", "+device 5 450 9000 ; only 7 samples: "},
-        {".........|HH", "+device 9 450 9000 "},
+        {".....|HH", "+device 5 450 18000 ; only 7 samples: "},
+        {".........|HH", "+device 9 450 18000 "},
         {"=|__", "-unknown none none none ; no rows during t; constant over th"},
         {"__|_", "-unknown none none none ; no rows in the r"},
-        {".._....~.....~__.........|HH", "+device 23 450 9000 ; 3 intervals with"},
-        {".....<.<.<.<.<.<.|HH", "+device 5 450 9000 "},
+        {".._....~.....~__.........|HH", "+device 23 450 18000 ; 3 intervals with"},
+        {".....<.<.<.<.<.<.|HH", "+device 5 450 18000 "},
     };
     for (const auto& row : cases) {
         const auto [samples, event] = Written(row.letters);
-        const PointData point{samples, row.isObservation, row.hasGoneBack};
-        EXPECT_EQ(Text(EvidenceOf(point, BaselineOf(samples, event), event)), row.expected) << row.letters;
+        const PointData point{samples, DelaysOf(samples), row.isObservation, row.hasGoneBack};
+        EXPECT_EQ(Text(EvidenceOf(point, {{0, event.start - 1}}, event, false)), row.expected) << row.letters;
     }
 }
 
