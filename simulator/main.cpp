@@ -8,6 +8,7 @@
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
 #include "simulator/progress.h"
+#include "text/printable.h"
 
 namespace {
 
@@ -22,7 +23,8 @@ void PlayWithEvents(const lumosim::Request& request) {
     std::optional<lumosim::TerminalProgress> progress(std::in_place);
     const auto tell = [&](int64_t time, const std::string& event) {
         progress.reset();  // its line is there while the history is written, before any event
-        std::printf("%s %s\n", lumosim::CompactTime(time, request.world.zoneOffset).c_str(), event.c_str());
+        std::printf("%s %s\n", lumosim::CompactTime(time, request.world.zoneOffset).c_str(),
+                    Printable(event).c_str());
         std::fflush(stdout);
     };
     lumosim::PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
@@ -46,7 +48,7 @@ void Run(int argc, char** argv) {
     }
     const lumosim::WorldSummary summary = WriteWithProgress(request.world);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
-                summary.pointCount, summary.rowCount, summary.truthFile.c_str());
+                summary.pointCount, summary.rowCount, Printable(summary.truthFile.string()).c_str());
 }
 
 }  // namespace
@@ -58,10 +60,10 @@ int main(int argc, char** argv) {
         CheckTold();
         return EXIT_WRITTEN;
     } catch (const lumosim::BadInput& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
+        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
         return EXIT_USAGE;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
+        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
         return EXIT_NOT_WRITTEN;
     }
 }

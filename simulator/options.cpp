@@ -95,6 +95,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         ->type_name("TYPE");
     app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
         ->type_name("NAME");
+    app.add_flag("--force", world.mayReplace, "Also replaces databases and a configuration of no world");
     app.add_flag("--list", list, "Lists the scenarios");
     LiveArguments live(app);
     try {

@@ -36,6 +36,7 @@ struct WorldOptions {
     std::string errorType = {}, errorPoint = {};
     int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds
     bool hasWal = false;                // statistics with a write-ahead log, not a rollback journal
+    bool mayReplace = false;            // also files below `root` that are not of a world
     // UTC, also after `end`: when faults of the second half begin, at the next sample; 0: in that half.
     int64_t faultAt = 0;
 

@@ -50,10 +50,15 @@ TEST(CommandLineTest, AnswersWithoutWritingAWorld) {
         {"--root out", 2, "cannot create the folder out"},
         {"--root out/w", 2, "cannot create the folder out/w"},
         {"--root blocked", 1, "blocked/VRA"},
+        {"--root evidence", 2, "there is no evidence/truth.json; --force replaces it"},
+        {"--hours 1 --root $(printf '\\033')", 0, "the truth is in \\x1b/truth.json"},
+        {"--root w --live --for -9223372036854775808 --speed 2", 2, "--for must be from 1 to 31622400"},
     };
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path / "blocked");
     std::ofstream(folder.path / "blocked" / "VRA") << "a file where a folder must be";
+    std::filesystem::create_directories(folder.path / "evidence/VRA/data/zorv");
+    std::filesystem::create_symlink("kept", (folder.path / "evidence").string() + ZORV_HEAL_DATABASE_FILE);
     for (const Case& one : cases) {
         const Outcome outcome = RunTool(folder, one.arguments);
         EXPECT_EQ(one.status, outcome.status) << one.arguments;
