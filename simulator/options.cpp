@@ -60,6 +60,26 @@ int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t be
     return *end;
 }
 
+// What is planted otherwise than the scenario has it.
+void AddFaultOptions(CLI::App& app, WorldOptions& world, std::optional<int64_t>& faultStart) {
+    CLI::App& options = *app.add_option_group("Fault", "In place of what the scenario has");
+    const auto add = [&](const char* name, auto& value, const char* type, const char* text) {
+        options.add_option(name, value, text)->type_name(type);
+    };
+    add("--fault-start", faultStart, "SECONDS",
+        "When the fault begins, after the first sample; below 0: before it");
+    add("--fault-length", world.faultLength, "SECONDS", "How long the fault lasts, one sample at least");
+    add("--fault-strength", world.faultStrength, "FACTOR",
+        "How many times as slow hosts see it at its worst");
+    add("--second-fault", world.secondFault, "FACTOR",
+        "What hosts see of a second fault, against the first; 1: as much");
+    add("--spike", world.spike, "FACTOR", "Makes the host point so many times as slow for a moment before");
+    add("--spike-before", world.spikeBefore, "SECONDS", "How long before the fault; 1800 when left out");
+    add("--noise", world.noise, "PERCENT",
+        "How far delays stray by chance; 7 at host points, 3 of others' own part when left out");
+    add("--swing", world.swing, "PERCENT", "How far delays rise and fall with the day; 2 when left out");
+}
+
 }  // namespace
 
 Request ParseCommandLine(int argc, const char* const* argv) {
@@ -68,6 +88,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     std::string root;
     std::string end;
     bool list = false;
+    std::optional<int64_t> faultStart;
     CLI::App app(DESCRIPTION, "lumo-sim");
     app.footer(std::string(EXAMPLES) + LIVE_HELP + EXIT_STATUS);
     app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
@@ -97,7 +118,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         ->type_name("NAME");
     app.add_flag("--force", world.mayReplace, "Also replaces databases and a configuration of no world");
     app.add_flag("--list", list, "Lists the scenarios");
+    AddFaultOptions(app, world, faultStart);
     LiveArguments live(app);
+    app.get_option("--fault-start")->excludes(app.get_option("--fault-after"));
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -123,6 +146,12 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     world.zoneOffset = ZoneOffset();
     world.end = EndTime(end, world, live.SecondsBehind());
     CheckOptions(world);
+    if (faultStart) {
+        // Refused when it is out of its range, before it can overflow.
+        CheckRange("--fault-start", *faultStart, -MAXIMUM_HOURS * SECONDS_PER_HOUR,
+                   world.hours * SECONDS_PER_HOUR - world.step);
+        world.faultAt = world.Start() + *faultStart;
+    }
     request.live = live.Options(world);
     return request;
 }

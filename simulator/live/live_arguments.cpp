@@ -53,7 +53,10 @@ std::optional<LiveOptions> LiveArguments::Options(WorldOptions& world) const {
     options.way = way == "rename" ? Recreation::RENAME : Recreation::DELETE;
     options.keptHours = keptHours.value_or(std::max(live.keptHours, world.hours));
     CheckLiveOptions(options, world, std::time(nullptr));
-    world.faultAt = world.end + live.faultAfter;
+    world.isLive = true;
+    if (world.faultAt == 0) {
+        world.faultAt = world.end + live.faultAfter;
+    }
     return options;
 }
 
