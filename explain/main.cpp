@@ -198,7 +198,7 @@ Request RequestOf(const Options& options) {
     Request request;
     request.range = RangeOf(CompactTimes(options.times, clock));
     if (options.at) {
-        request.at = SecondsOf(TurnTime(*options.at, clock));
+        request.at = TimeOf(*options.at, clock);
         if (*request.at < request.range.startTime || *request.at > request.range.endTime) {
             throw UsageError("the time of --at is not within the range");
         }

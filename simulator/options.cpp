@@ -5,9 +5,10 @@
 #include <charconv>
 #include <ctime>
 
-#include "simulator/files/local_time.h"
-#include "simulator/live/live_arguments.h"
+#include "simulator/live_arguments.h"
 #include "simulator/plan/scenario.h"
+#include "text/local_time.h"
+#include "text/time_words.h"
 
 namespace lumosim {
 namespace {
@@ -49,15 +50,45 @@ std::string CheckSeed(const std::string& text) {
 
 // `behind`: how many seconds before now a range ends of which nothing else is said.
 int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t behind) {
+    constexpr int64_t FIRST = 31536000, LAST = 32503679999;  // of the years 1971 to 2999
+    const int64_t now = std::time(nullptr);
     if (text.empty()) {
-        const int64_t end = std::time(nullptr) - behind;
+        const int64_t end = now - behind;
         return options.step > 0 ? end - end % options.step : end;
     }
-    const auto end = ParseCompactTime(text, options.zoneOffset);
-    if (!end) {
-        throw BadInput("--end must be a local date and time as YYYYMMDDhhmmss, not \"" + text + "\"");
+    try {
+        const int64_t end = TimeOf(text, {now, options.zoneOffset});
+        if (end < FIRST || end > LAST) {
+            throw TimeError("between 1971 and 2999");
+        }
+        return end;
+    } catch (const TimeError& error) {
+        throw BadInput(std::string("--end must be a time: ") + error.what());
     }
-    return *end;
+}
+
+void AddWorldOptions(CLI::App& app, WorldOptions& world) {
+    app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
+        ->type_name("NAME")
+        ->capture_default_str();
+    app.add_option("--seed", world.seed, "The same seed gives the same world")
+        ->check(CheckSeed)
+        ->type_name("N")
+        ->capture_default_str();
+    app.add_option("--hours", world.hours, "Length of the range; 4, or more where the scenario needs it")
+        ->type_name("H");
+    app.add_option("--step", world.step, "Time between two samples")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_option("--period", world.period, "How long a data table lasts")
+        ->type_name("SECONDS")
+        ->capture_default_str();
+    app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
+    app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
+        ->type_name("TYPE");
+    app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
+        ->type_name("NAME");
+    app.add_flag("--force", world.mayReplace, "Also replaces databases and a configuration of no world");
 }
 
 // What is planted otherwise than the scenario has it.
@@ -94,29 +125,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
     app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
         ->type_name("DIR");
-    app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
-        ->type_name("NAME")
-        ->capture_default_str();
-    app.add_option("--seed", world.seed, "The same seed gives the same world")
-        ->check(CheckSeed)
-        ->type_name("N")
-        ->capture_default_str();
-    app.add_option("--hours", world.hours, "Length of the range; 4, or more where the scenario needs it")
-        ->type_name("H");
-    app.add_option("--step", world.step, "Time between two samples")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_option("--period", world.period, "How long a data table lasts")
-        ->type_name("SECONDS")
-        ->capture_default_str();
-    app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
+    AddWorldOptions(app, world);
     app.add_option("--end", end, "End of the range, local time; now when left out")
         ->type_name("YYYYMMDDhhmmss");
-    app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
-        ->type_name("TYPE");
-    app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
-        ->type_name("NAME");
-    app.add_flag("--force", world.mayReplace, "Also replaces databases and a configuration of no world");
     app.add_flag("--list", list, "Lists the scenarios");
     AddFaultOptions(app, world, faultStart);
     LiveArguments live(app);
@@ -143,7 +154,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         world.hours = std::max(world.hours, scenario->minimumHours);
     }
     world.root = root;
-    world.zoneOffset = ZoneOffset();
+    world.zoneOffset = ZoneOffsetAt(std::time(nullptr));
     world.end = EndTime(end, world, live.SecondsBehind());
     CheckOptions(world);
     if (faultStart) {

@@ -1,5 +1,6 @@
 #include "text/local_time.h"
 
+#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstdio>
@@ -29,6 +30,14 @@ std::string LocalTime(int64_t time, int64_t zoneOffset) {
                   int64_t{date.tm_year} + 1900, date.tm_mon + 1, date.tm_mday, date.tm_hour, date.tm_min,
                   date.tm_sec);
     return text.data();
+}
+
+std::string CompactTime(int64_t time, int64_t zoneOffset) {
+    std::string text = LocalTime(time, zoneOffset);
+    text.erase(
+        std::remove_if(text.begin(), text.end(), [](char letter) { return letter < '0' || letter > '9'; }),
+        text.end());
+    return text;
 }
 
 std::string ZoneText(int64_t zoneOffset) {

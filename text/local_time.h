@@ -15,5 +15,8 @@ void SetZone(const std::string& zone);
 // Local time as "2023-01-05 14:03:00". `zoneOffset` is in seconds east of UTC.
 std::string LocalTime(int64_t time, int64_t zoneOffset);
 
+// The same in compact form, "20230105140300".
+std::string CompactTime(int64_t time, int64_t zoneOffset);
+
 // "+08:00".
 std::string ZoneText(int64_t zoneOffset);

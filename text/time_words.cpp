@@ -185,13 +185,6 @@ Parts TakeParts(const std::vector<std::string>& words, size_t& index) {
     const bool isFollowed = index < words.size() && words[index].find(':') < 3;
     return {word, isFollowed ? words[index++] : ""};
 }
-
-std::string Compact(int64_t local) {
-    std::string text = LocalTime(local, 0);
-    text.erase(std::remove_if(text.begin(), text.end(), [](char letter) { return !IsDigit(letter); }),
-               text.end());
-    return text;
-}
 }  // namespace
 
 LocalClock ClockAt(int64_t time) {
@@ -212,11 +205,11 @@ std::string TurnRange(std::vector<std::string>& words, size_t first, const Local
     const int64_t end = Reader(TakeParts(words, index), clock).Read();
     const auto at = [&](size_t position) { return words.begin() + static_cast<std::ptrdiff_t>(position); };
     words.erase(at(first), at(index));
-    words.insert(at(first), {Compact(start), Compact(end)});
+    words.insert(at(first), {CompactTime(start, 0), CompactTime(end, 0)});
     return LocalTime(start, 0) + " to " + LocalTime(end, 0) + ", zone " + ZoneText(clock.zoneOffset);
 }
 
-std::string TurnTime(const std::string& text, const LocalClock& clock) {
+int64_t TimeOf(const std::string& text, const LocalClock& clock) {
     size_t index = 0;
-    return Compact(Reader(TakeParts({text}, index), clock).Read());
+    return Reader(TakeParts({text}, index), clock).Read() - clock.zoneOffset;
 }

@@ -34,5 +34,5 @@ public:
 // one of the two is no time or the end is missing; `words` is then unchanged.
 std::string TurnRange(std::vector<std::string>& words, size_t first, const LocalClock& clock);
 
-// `text` as compact local time. Throws TimeError.
-std::string TurnTime(const std::string& text, const LocalClock& clock);
+// The UTC second that `text` means. Throws TimeError.
+int64_t TimeOf(const std::string& text, const LocalClock& clock);

@@ -49,8 +49,8 @@ private:
     std::vector<Sample> samples;
 };
 
-// Writes a new database at `path`, where no file may be, that others may see only afterwards: all samples
-// from `first` to before `end`. Throws std::runtime_error.
+// Writes a new database at `path`, where at most an empty file may be, that others may see only afterwards:
+// all samples from `first` to before `end`. Throws std::runtime_error.
 void WriteStatistics(const std::filesystem::path& path, const WorldModel& model, int64_t first, int64_t end,
                      const RowObserver& observe, const Progress& progress);
 

@@ -4,8 +4,8 @@
 #include <numeric>
 
 #include "simulator/files/json_text.h"
-#include "simulator/files/local_time.h"
 #include "simulator/plan/error_choice.h"
+#include "text/local_time.h"
 
 namespace lumosim {
 namespace {
@@ -24,6 +24,16 @@ const char* NameOf(FaultKind kind) {
             return "load";
     }
     return "";
+}
+
+// Local time as the diagnosis lists it, without leading zeros: 2023/1/5 14:3:0.
+std::string ReadableTime(int64_t utc, int64_t zoneOffset) {
+    const std::string compact = CompactTime(utc, zoneOffset);
+    std::string text = compact.substr(0, 4);
+    for (size_t part = 0; part < 5; ++part) {
+        text += "// ::"[part] + std::to_string(std::stoi(compact.substr(4 + 2 * part, 2)));
+    }
+    return text;
 }
 
 std::string_view DetectorPoint(const PlantedFault& fault) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "agent/agent_storage.h"
+#include "simulator/files/heal_database.h"
 #include "simulator/files/replaced_file.h"
 #include "simulator/files/route_config.h"
 #include "simulator/files/sqlite_file.h"

@@ -1,4 +1,5 @@
 #include "text/time_words.h"
+#include "text/local_time.h"
 
 #include <gtest/gtest.h>
 
@@ -85,8 +86,9 @@ TEST(TimeWordsTest, TakesTheZoneOfTheMomentInWholeHours) {
     for (const auto& row : cases) {
         setenv("TZ", row.zone, 1);
         tzset();
-        EXPECT_EQ(TurnTime("now", ClockAt(row.time)), row.now);
-        EXPECT_EQ(TurnTime("today", ClockAt(row.time)), row.today);
+        const LocalClock clock = ClockAt(row.time);
+        EXPECT_EQ(CompactTime(TimeOf("now", clock), clock.zoneOffset), row.now);
+        EXPECT_EQ(CompactTime(TimeOf("today", clock), clock.zoneOffset), row.today);
     }
 }
 }  // namespace

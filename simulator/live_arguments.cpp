@@ -1,4 +1,4 @@
-#include "simulator/live/live_arguments.h"
+#include "simulator/live_arguments.h"
 
 #include <algorithm>
 #include <ctime>
