@@ -3,29 +3,31 @@
 #include <exception>
 #include <stdexcept>
 
-#include "simulator/files/local_time.h"
 #include "simulator/files/world.h"
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
 #include "simulator/progress.h"
+#include "text/local_time.h"
+#include "text/printable.h"
 
+namespace lumosim {
 namespace {
 
 enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1, EXIT_USAGE = 2 };
 
-lumosim::WorldSummary WriteWithProgress(const lumosim::WorldOptions& options) {
-    lumosim::TerminalProgress progress;
-    return lumosim::WriteWorld(options, [&progress](double done) { progress.Show(done); });
+WorldSummary WriteWithProgress(const WorldOptions& options) {
+    TerminalProgress progress;
+    return WriteWorld(options, [&progress](double done) { progress.Show(done); });
 }
 
-void PlayWithEvents(const lumosim::Request& request) {
-    std::optional<lumosim::TerminalProgress> progress(std::in_place);
+void PlayWithEvents(const Request& request) {
+    std::optional<TerminalProgress> progress(std::in_place);
     const auto tell = [&](int64_t time, const std::string& event) {
         progress.reset();  // its line is there while the history is written, before any event
-        std::printf("%s %s\n", lumosim::CompactTime(time, request.world.zoneOffset).c_str(), event.c_str());
+        std::printf("%s %s\n", CompactTime(time, request.world.zoneOffset).c_str(), Printable(event).c_str());
         std::fflush(stdout);
     };
-    lumosim::PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
+    PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
 }
 
 void CheckTold() {
@@ -35,7 +37,7 @@ void CheckTold() {
 }
 
 void Run(int argc, char** argv) {
-    const lumosim::Request request = lumosim::ParseCommandLine(argc, argv);
+    const Request request = ParseCommandLine(argc, argv);
     if (request.text) {
         std::fputs(request.text->c_str(), stdout);
         return;
@@ -44,24 +46,25 @@ void Run(int argc, char** argv) {
         PlayWithEvents(request);
         return;
     }
-    const lumosim::WorldSummary summary = WriteWithProgress(request.world);
+    const WorldSummary summary = WriteWithProgress(request.world);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
-                summary.pointCount, summary.rowCount, summary.truthFile.c_str());
+                summary.pointCount, summary.rowCount, Printable(summary.truthFile.string()).c_str());
 }
 
 }  // namespace
+}  // namespace lumosim
 
 int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too long is an error as others are
     try {
-        Run(argc, argv);
-        CheckTold();
-        return EXIT_WRITTEN;
+        lumosim::Run(argc, argv);
+        lumosim::CheckTold();
+        return lumosim::EXIT_WRITTEN;
     } catch (const lumosim::BadInput& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
-        return EXIT_USAGE;
+        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
+        return lumosim::EXIT_USAGE;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", error.what());
-        return EXIT_NOT_WRITTEN;
+        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
+        return lumosim::EXIT_NOT_WRITTEN;
     }
 }

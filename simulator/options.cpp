@@ -5,9 +5,10 @@
 #include <charconv>
 #include <ctime>
 
-#include "simulator/files/local_time.h"
-#include "simulator/live/live_arguments.h"
+#include "simulator/live_arguments.h"
 #include "simulator/plan/scenario.h"
+#include "text/local_time.h"
+#include "text/time_words.h"
 
 namespace lumosim {
 namespace {
@@ -49,30 +50,24 @@ std::string CheckSeed(const std::string& text) {
 
 // `behind`: how many seconds before now a range ends of which nothing else is said.
 int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t behind) {
+    constexpr int64_t FIRST = 31536000, LAST = 32503679999;  // of the years 1971 to 2999
+    const int64_t now = std::time(nullptr);
     if (text.empty()) {
-        const int64_t end = std::time(nullptr) - behind;
+        const int64_t end = now - behind;
         return options.step > 0 ? end - end % options.step : end;
     }
-    const auto end = ParseCompactTime(text, options.zoneOffset);
-    if (!end) {
-        throw BadInput("--end must be a local date and time as YYYYMMDDhhmmss, not \"" + text + "\"");
+    try {
+        const int64_t end = TimeOf(text, {now, options.zoneOffset});
+        if (end < FIRST || end > LAST) {
+            throw TimeError("between 1971 and 2999");
+        }
+        return end;
+    } catch (const TimeError& error) {
+        throw BadInput(std::string("--end must be a time: ") + error.what());
     }
-    return *end;
 }
 
-}  // namespace
-
-Request ParseCommandLine(int argc, const char* const* argv) {
-    Request request;
-    WorldOptions& world = request.world;
-    std::string root;
-    std::string end;
-    bool list = false;
-    CLI::App app(DESCRIPTION, "lumo-sim");
-    app.footer(std::string(EXAMPLES) + LIVE_HELP + EXIT_STATUS);
-    app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
-    app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
-        ->type_name("DIR");
+void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
         ->type_name("NAME")
         ->capture_default_str();
@@ -89,14 +84,54 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         ->type_name("SECONDS")
         ->capture_default_str();
     app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
-    app.add_option("--end", end, "End of the range, local time; now when left out")
-        ->type_name("YYYYMMDDhhmmss");
     app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
         ->type_name("TYPE");
     app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
         ->type_name("NAME");
+    app.add_flag("--force", world.mayReplace, "Also replaces databases and a configuration of no world");
+}
+
+// What is planted otherwise than the scenario has it.
+void AddFaultOptions(CLI::App& app, WorldOptions& world, std::optional<int64_t>& faultStart) {
+    CLI::App& options = *app.add_option_group("Fault", "In place of what the scenario has");
+    const auto add = [&](const char* name, auto& value, const char* type, const char* text) {
+        options.add_option(name, value, text)->type_name(type);
+    };
+    add("--fault-start", faultStart, "SECONDS",
+        "When the fault begins, after the first sample; below 0: before it");
+    add("--fault-length", world.faultLength, "SECONDS", "How long the fault lasts, one sample at least");
+    add("--fault-strength", world.faultStrength, "FACTOR",
+        "How many times as slow hosts see it at its worst");
+    add("--second-fault", world.secondFault, "FACTOR",
+        "What hosts see of a second fault, against the first; 1: as much");
+    add("--spike", world.spike, "FACTOR", "Makes the host point so many times as slow for a moment before");
+    add("--spike-before", world.spikeBefore, "SECONDS", "How long before the fault; 1800 when left out");
+    add("--noise", world.noise, "PERCENT",
+        "How far delays stray by chance; 7 at host points, 3 of others' own part when left out");
+    add("--swing", world.swing, "PERCENT", "How far delays rise and fall with the day; 2 when left out");
+}
+
+}  // namespace
+
+Request ParseCommandLine(int argc, const char* const* argv) {
+    Request request;
+    WorldOptions& world = request.world;
+    std::string root;
+    std::string end;
+    bool list = false;
+    std::optional<int64_t> faultStart;
+    CLI::App app(DESCRIPTION, "lumo-sim");
+    app.footer(std::string(EXAMPLES) + LIVE_HELP + EXIT_STATUS);
+    app.set_version_flag("--version", "lumo-sim " LUMO_SIM_VERSION);
+    app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
+        ->type_name("DIR");
+    AddWorldOptions(app, world);
+    app.add_option("--end", end, "End of the range, local time; now when left out")
+        ->type_name("YYYYMMDDhhmmss");
     app.add_flag("--list", list, "Lists the scenarios");
+    AddFaultOptions(app, world, faultStart);
     LiveArguments live(app);
+    app.get_option("--fault-start")->excludes(app.get_option("--fault-after"));
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
@@ -119,9 +154,15 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         world.hours = std::max(world.hours, scenario->minimumHours);
     }
     world.root = root;
-    world.zoneOffset = ZoneOffset();
+    world.zoneOffset = ZoneOffsetAt(std::time(nullptr));
     world.end = EndTime(end, world, live.SecondsBehind());
     CheckOptions(world);
+    if (faultStart) {
+        // Refused when it is out of its range, before it can overflow.
+        CheckRange("--fault-start", *faultStart, -MAXIMUM_HOURS * SECONDS_PER_HOUR,
+                   world.hours * SECONDS_PER_HOUR - world.step);
+        world.faultAt = world.Start() + *faultStart;
+    }
     request.live = live.Options(world);
     return request;
 }

@@ -1,5 +1,12 @@
 #include "simulator/files/replaced_file.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <stdexcept>
 #include <system_error>
@@ -8,10 +15,52 @@
 namespace lumosim {
 namespace fs = std::filesystem;
 
-ReplacedFile::ReplacedFile(fs::path file) : target(std::move(file)), newPath(target) {
-    newPath += ".new";
+namespace {
+
+constexpr char MARK[] = ".lumo-sim-";     // nobody else's files have it behind their names
+constexpr char RANDOM_PART[] = "XXXXXX";  // as mkstemp() wants it
+
+void RemoveLeftOvers(const fs::path& target) {
+    const std::string begin = target.filename().string() + MARK;
+    for (const auto& entry : fs::directory_iterator(target.parent_path())) {
+        const std::string name = entry.path().filename().string();
+        if (name.size() == begin.size() + std::strlen(RANDOM_PART) &&
+            name.compare(0, begin.size(), begin) == 0 && fs::is_regular_file(entry.symlink_status())) {
+            fs::remove(entry.path());
+        }
+    }
+}
+
+// What the old file had, or what a new one gets.
+void SetAccess(int fd, const fs::path& target) {
+    struct stat old {};
+    if (stat(target.c_str(), &old) != 0) {
+        const mode_t mask = umask(0);
+        umask(mask);
+        old.st_mode = 0666 & ~mask;
+    } else if (fchown(fd, old.st_uid, old.st_gid) != 0) {
+        old.st_mode &= 0777;  // of another owner: without what stands for him
+    }
+    fchmod(fd, old.st_mode & 07777);
+}
+
+fs::path NewFileBeside(const fs::path& target) {
+    std::string name = target.string() + MARK + RANDOM_PART;
+    const int fd = mkostemp(name.data(), O_CLOEXEC);
+    if (fd < 0) {
+        throw std::system_error(errno, std::generic_category(), "cannot write beside " + target.string());
+    }
+    SetAccess(fd, target);
+    close(fd);
+    return name;
+}
+
+}  // namespace
+
+ReplacedFile::ReplacedFile(fs::path file) : target(std::move(file)) {
     fs::create_directories(target.parent_path());
-    fs::remove(newPath);
+    RemoveLeftOvers(target);
+    newPath = NewFileBeside(target);
 }
 
 ReplacedFile::ReplacedFile(ReplacedFile&& other) noexcept

@@ -9,8 +9,9 @@ namespace lumosim {
 
 class ReplacedFile {
 public:
-    // Creates the folder of `target`, and removes what an interrupted run left beside it. Throws
-    // std::filesystem::filesystem_error.
+    // Creates the folder of `target` and in it the new file, empty, under a name that was free, with the mode
+    // of the old file, if any, and its owner where that may be set. Removes what interrupted runs left there.
+    // Throws std::system_error.
     explicit ReplacedFile(std::filesystem::path target);
     // Removes the new file unless it was committed.
     ~ReplacedFile();
@@ -19,7 +20,7 @@ public:
     ReplacedFile& operator=(const ReplacedFile&) = delete;
     ReplacedFile& operator=(ReplacedFile&&) = delete;
 
-    // Where the new file is to be written. Nothing is there before.
+    // Where the new file is to be written.
     const std::filesystem::path& NewPath() const { return newPath; }
     // Writes `text` as the new file. Throws std::runtime_error.
     void Write(const std::string& text) const;

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "simulator/files/local_time.h"
 #include "simulator/files/sqlite_file.h"
+#include "text/local_time.h"
 
 namespace lumosim {
 namespace {

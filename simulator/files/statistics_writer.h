@@ -15,7 +15,7 @@ namespace lumosim {
 
 // Called for every row that was written, times ascending.
 using RowObserver = std::function<void(size_t point, int64_t time, const Sample& sample)>;
-// Called now and then with the part of the work that is done, from 0 to 1.
+// Called now and then with the part of the work that is done, from 0 to 1. What it throws ends the work.
 using Progress = std::function<void(double)>;
 
 // Each table begins where a period does (an hour: at a full hour), but the first one at the first sample.
@@ -49,8 +49,8 @@ private:
     std::vector<Sample> samples;
 };
 
-// Writes a new database at `path`, where no file may be, that others may see only afterwards: all samples
-// from `first` to before `end`. Throws std::runtime_error.
+// Writes a new database at `path`, where at most an empty file may be, that others may see only afterwards:
+// all samples from `first` to before `end`. Throws std::runtime_error.
 void WriteStatistics(const std::filesystem::path& path, const WorldModel& model, int64_t first, int64_t end,
                      const RowObserver& observe, const Progress& progress);
 

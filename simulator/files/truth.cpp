@@ -4,8 +4,8 @@
 #include <numeric>
 
 #include "simulator/files/json_text.h"
-#include "simulator/files/local_time.h"
 #include "simulator/plan/error_choice.h"
+#include "text/local_time.h"
 
 namespace lumosim {
 namespace {
@@ -24,6 +24,16 @@ const char* NameOf(FaultKind kind) {
             return "load";
     }
     return "";
+}
+
+// Local time as the diagnosis lists it, without leading zeros: 2023/1/5 14:3:0.
+std::string ReadableTime(int64_t utc, int64_t zoneOffset) {
+    const std::string compact = CompactTime(utc, zoneOffset);
+    std::string text = compact.substr(0, 4);
+    for (size_t part = 0; part < 5; ++part) {
+        text += "// ::"[part] + std::to_string(std::stoi(compact.substr(4 + 2 * part, 2)));
+    }
+    return text;
 }
 
 std::string_view DetectorPoint(const PlantedFault& fault) {
@@ -64,7 +74,17 @@ Json::Value LastPoint(const Json::Value& walk) {
     return points[points.size() - 1];
 }
 
-Json::Value PlantedValue(const Topology& topology, const PlantedFault& fault) {
+Json::Value StretchValue(const Stretch& stretch, int64_t zoneOffset) {
+    Json::Value value(Json::objectValue);
+    value["start"] = CompactTime(stretch.first, zoneOffset);
+    value["start_epoch"] = Json::Int64{stretch.first};
+    value["end"] = CompactTime(stretch.last, zoneOffset);
+    value["end_epoch"] = Json::Int64{stretch.last};
+    return value;
+}
+
+Json::Value PlantedValue(const WorldOptions& options, const Topology& topology, const Plan& plan,
+                         const PlantedFault& fault) {
     Json::Value value(Json::objectValue);
     value["kind"] = NameOf(fault.recipe.kind);
     value["point"] = std::string(fault.recipe.point);
@@ -73,12 +93,17 @@ Json::Value PlantedValue(const Topology& topology, const PlantedFault& fault) {
     value["path"] = PathValue(fault.path);
     value["start_epoch"] = Json::Int64{fault.start};
     value["end_epoch"] = Json::Int64{fault.last};
+    value["ongoing"] = plan.IsOngoing(fault);
+    for (const Stretch& burst : fault.bursts) {
+        value["times"].append(StretchValue(burst, options.zoneOffset));
+    }
     return value;
 }
 
-Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const PlantedFault& fault,
+Json::Value FaultValue(const WorldOptions& options, const Topology& topology, const Plan& plan,
                        const PeakFinder& peak) {
-    Json::Value value = PlantedValue(topology, fault);
+    const PlantedFault& fault = *plan.Fault();
+    Json::Value value = PlantedValue(options, topology, plan, fault);
     value["walk"] = Json::Value();
     value["answer"] = Json::Value();
     if (IsError(fault) ? BeginsErrorWalk(fault.recipe.graph) : fault.recipe.isWalked) {
@@ -90,6 +115,7 @@ Json::Value FaultValue(const WorldOptions& options, const Topology& topology, co
         value["error_type"] = std::string(ERROR_TYPES[static_cast<size_t>(fault.recipe.errorColumn)]);
         value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
     }
+    value["flagged"] = IsError(fault) ? Json::Value() : Json::Value(peak.StandsOut());
     value["peak_epoch"] = Json::Int64{peak.Time()};
     value["peak_local"] = ReadableTime(peak.Time(), options.zoneOffset);
     value["peak_compact"] = CompactTime(peak.Time(), options.zoneOffset);
@@ -164,6 +190,15 @@ void PeakFinder::Observe(size_t point, int64_t sampleTime, const Sample& sample)
         time = sampleTime;
         value = found;
     }
+    ++count;
+    const double distance = static_cast<double>(found) - mean;
+    mean += distance / count;
+    squares += distance * (static_cast<double>(found) - mean);
+}
+
+bool PeakFinder::StandsOut() const {
+    const double distance = static_cast<double>(value) - mean;
+    return distance * distance * (count - 1) > 9 * squares;
 }
 
 std::string Truth(const WorldOptions& options, const Topology& topology, const Plan& plan,
@@ -177,11 +212,10 @@ std::string Truth(const WorldOptions& options, const Topology& topology, const P
     truth["end"] = CompactTime(plan.End(), options.zoneOffset);
     truth["end_epoch"] = Json::Int64{plan.End()};
     truth["step"] = Json::Int64{options.step};
-    truth["fault"] =
-        plan.Fault() != nullptr ? FaultValue(options, topology, *plan.Fault(), peak) : Json::Value();
+    truth["fault"] = plan.Fault() != nullptr ? FaultValue(options, topology, plan, peak) : Json::Value();
     truth["other_faults"] = Json::Value(Json::arrayValue);
     for (size_t i = 1; i < plan.Faults().size(); ++i) {
-        truth["other_faults"].append(PlantedValue(topology, plan.Faults()[i]));
+        truth["other_faults"].append(PlantedValue(options, topology, plan, plan.Faults()[i]));
     }
     truth["explain"] = ExplanationValue(topology, plan);
     truth["heal_events"] = Json::Value(Json::arrayValue);

@@ -26,12 +26,16 @@ public:
     // 0 before any row came.
     int64_t Time() const { return time; }
     int64_t Value() const { return value; }
+    // Whether the worst one lies beyond three deviations of all rows of its point.
+    bool StandsOut() const;
 
 private:
     const Plan& plan;
     std::optional<size_t> watched;
     int64_t time = 0;
     int64_t value = 0;
+    // Of the delays that were observed.
+    double count = 0, mean = 0, squares = 0;
 };
 
 // The document; `events` are those that IsReported().

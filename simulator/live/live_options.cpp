@@ -15,7 +15,7 @@ void CheckLiveOptions(const LiveOptions& live, const WorldOptions& world, int64_
     CheckRange("--speed", live.speed, 1, MAXIMUM_SPEED);
     CheckRange("--for", live.duration.value_or(1), 1, MAXIMUM_SECONDS);
     CheckRange("--recreate", live.recreation.value_or(world.step), world.step, MAXIMUM_SECONDS);
-    CheckRange("--fault-after", world.faultAt - world.end, 0, MAXIMUM_SECONDS);
+    CheckRange("--fault-after", live.faultAfter, 0, MAXIMUM_SECONDS);
     CheckRange("--keep", live.keptHours, world.hours, MAXIMUM_KEPT_HOURS);
     if (world.end > now) {
         throw BadInput("--end must not be in the future, as live samples begin there");

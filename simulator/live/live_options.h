@@ -16,6 +16,7 @@ enum class Recreation {
 
 struct LiveOptions {
     int64_t speed = 1;                  // seconds of the storage system's clock per second
+    int64_t faultAfter = 60;            // seconds from the world's end until the fault begins
     std::optional<int64_t> duration;    // seconds; none: until a signal comes
     std::optional<int64_t> recreation;  // seconds between two re-creations; none: on SIGHUP only
     Recreation way = Recreation::DELETE;

@@ -64,11 +64,13 @@ private:
         }
         for (const PlantedFault& fault : model.plan.Faults()) {
             const std::string point(fault.recipe.point);
-            if (next == fault.start) {
-                tell(next, "fault begins at " + point);
-            }
-            if (next == fault.last) {
-                tell(next, "fault ends at " + point);
+            for (const Stretch& burst : fault.bursts) {
+                if (next == burst.first) {
+                    tell(next, "fault begins at " + point);
+                }
+                if (next == burst.last) {
+                    tell(next, "fault ends at " + point);
+                }
             }
         }
         next += model.options.step;

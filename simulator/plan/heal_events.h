@@ -1,8 +1,7 @@
-// The agent's healing actions: a database of its own.
+// The agent's healing actions.
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -23,8 +22,5 @@ std::vector<HealEvent> HealEvents(const WorldOptions& options, const Scenario& s
 // Whether an operator of the first node finds the event when asking for the whole range: an I/O hang or I/O
 // error of that node, within the range.
 bool IsReported(const HealEvent& event, const WorldOptions& options, const Plan& plan);
-
-// Writes a new database at `path`, where no file may be. Throws std::runtime_error.
-void WriteHealEvents(const std::filesystem::path& path, const std::vector<HealEvent>& events);
 
 }  // namespace lumosim

@@ -22,11 +22,30 @@ constexpr uint64_t FAULT_STREAM = Noise::Hash("fault");
 constexpr uint64_t GAP_STREAM = Noise::Hash("gap");
 constexpr uint64_t LOST_ROW_SALT = 15;
 
-// How much of the worst a fault of `length` samples shows at sample i: it comes, peaks in the middle, goes.
-double Shape(int64_t i, int64_t length) {
+// How much of the worst a burst of `length` samples shows at sample i.
+double ShapeAt(FaultShape shape, int64_t i, int64_t length) {
+    if (shape == FaultShape::LEVEL || length == 1) {
+        return 1;
+    }
+    if (shape == FaultShape::RAMP) {
+        return std::min(1.0, 2 * static_cast<double>(i + 1) / static_cast<double>(length));
+    }
     const double offCentre =
         static_cast<double>(std::abs(2 * i - (length - 1))) / static_cast<double>(length - 1);
     return 1 - 0.4 * offCentre;
+}
+
+void Scale(std::vector<double>& series, double unit) {
+    std::for_each(series.begin(), series.end(), [unit](double& value) { value *= unit; });
+}
+
+void Scale(PlantedFault& fault, double unit) {
+    std::for_each(fault.added.begin(), fault.added.end(), [unit](auto& series) { Scale(series, unit); });
+}
+
+// The most that the point sees of the fault, which reaches it.
+double WorstAt(const PlantedFault& fault, size_t point) {
+    return *std::max_element(fault.added[point].begin(), fault.added[point].end());
 }
 
 // Adds to every point what its children have, times the share that reaches it, part of it a sample later.
@@ -36,6 +55,10 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
     for (const size_t parent : dependencies.childrenFirst) {
         for (size_t i = 0; i < dependencies.children[parent].size(); ++i) {
             const std::vector<double>& child = series[dependencies.children[parent][i]];
+            if (child.empty()) {
+                continue;
+            }
+            series[parent].resize(child.size());
             double before = 0;
             for (size_t k = 0; k < child.size(); ++k) {
                 series[parent][k] += share(parent, i) * ((1 - LATE_SHARE) * child[k] + LATE_SHARE * before);
@@ -75,37 +98,76 @@ Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Top
             twins.emplace(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
         }
     }
+    FitToHosts(topology, levels);
     if (scenario.hasGaps) {
         PlanGaps();
     }
 }
 
-int64_t Plan::FirstSample(FaultTime when) const {
-    if (when == FaultTime::LATE && options.faultAt != 0) {
-        return (options.faultAt - options.Start() + options.step - 1) / options.step;
+int64_t Plan::SamplesOf(const FaultCourse& course) const {
+    if (course.seconds > 0) {
+        return std::max<int64_t>(course.seconds / options.step, 1);
     }
-    const double place = when == FaultTime::LATE ? 0.55 + 0.3 * noise.Uniform(FAULT_STREAM, 0, 0)
-                                                 : 0.1 + 0.2 * noise.Uniform(FAULT_STREAM, 1, 0);
+    // A fault without length is short against the range, whose deviation would otherwise widen until the
+    // fault hides in it.
+    const int64_t length =
+        course.share > 0 ? static_cast<int64_t>(course.share * static_cast<double>(options.SampleCount()))
+                         : FAULT_SECONDS / options.step;
+    return std::max(length, FAULT_MINIMUM_SAMPLES);
+}
+
+int64_t Plan::FirstSample(const FaultRecipe& recipe) const {
+    const bool isLate = recipe.when == FaultTime::LATE;
+    if (recipe.course.before > 0) {
+        return (faults.front().start - options.Start() - recipe.course.before) / options.step;
+    }
+    if (isLate && options.faultAt != 0) {
+        const int64_t after = options.faultAt - options.Start();
+        return after / options.step + (after % options.step > 0 ? 1 : 0);
+    }
+    const double place =
+        recipe.course.from + recipe.course.play * noise.Uniform(FAULT_STREAM, isLate ? 0 : 1, 0);
     return static_cast<int64_t>(place * static_cast<double>(options.SampleCount()));
+}
+
+// Sets when the fault happens; returns what the point itself has, in multiples of the worst.
+std::vector<double> Plan::PlaceBursts(PlantedFault& fault) const {
+    const FaultCourse& course = fault.recipe.course;
+    const int64_t first = FirstSample(fault.recipe);
+    const int64_t whole = SamplesOf(course);
+    const int64_t end = options.isLive ? whole : std::min(whole, options.SampleCount() - first);
+    if (first + end <= 0 || (first < 0 && fault.recipe.when == FaultTime::EARLY)) {
+        throw BadInput("what is planted would lie before the range");
+    }
+    const int64_t burst =
+        course.burst > 0 ? std::max(course.burst / options.step, FAULT_MINIMUM_SAMPLES) : whole;
+    const int64_t period = course.burst > 0 ? std::max(course.period / options.step, 2 * burst) : whole;
+    std::vector<double> own(static_cast<size_t>(end + ECHO_SAMPLES));
+    for (int64_t from = 0; from < end; from += period) {
+        const int64_t length = std::min(burst, end - from);
+        for (int64_t i = 0; i < length; ++i) {
+            own[static_cast<size_t>(from + i)] = ShapeAt(course.shape, i, burst);
+        }
+        fault.bursts.push_back({options.TimeOf(first + from), options.TimeOf(first + from + length - 1)});
+    }
+    fault.start = fault.bursts.front().first;
+    fault.last = fault.bursts.back().last;
+    return own;
 }
 
 // The fault as the point itself has it.
 PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) const {
-    GraphPath path = topology.FindPath(recipe.graph, recipe.point);
-    if (path.empty()) {
+    PlantedFault fault{recipe, topology.FindPath(recipe.graph, recipe.point), {}, 0, 0, {}};
+    if (fault.path.empty()) {
         throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
                                std::string(recipe.point));
     }
-    // Short against the range, whose deviation would otherwise widen until the fault hides in it.
-    const int64_t length = std::max(FAULT_SECONDS / options.step, FAULT_MINIMUM_SAMPLES);
-    const int64_t first = FirstSample(recipe.when);
-    const std::vector<double> none(static_cast<size_t>(length + ECHO_SAMPLES));
-    PlantedFault fault{recipe, std::move(path), options.TimeOf(first), options.TimeOf(first + length - 1),
-                       std::vector<std::vector<double>>(topology.Points().size(), none)};
+    fault.added.resize(topology.Points().size());
     std::vector<double>& own = fault.added[topology.IndexOf(recipe.point)];
-    for (int64_t i = 0; i < length; ++i) {
-        const double flicker = 1 + 0.05 * noise.Symmetric(FAULT_STREAM, i, 1);
-        own[static_cast<size_t>(i)] = recipe.strength * Shape(i, length) * flicker;
+    own = PlaceBursts(fault);
+    for (size_t i = 0; i < own.size(); ++i) {
+        const double flicker = 1 + 0.05 * noise.Symmetric(FAULT_STREAM, static_cast<int64_t>(i), 1);
+        own[i] = recipe.strength * own[i] * flicker;
     }
     return fault;
 }
@@ -114,19 +176,16 @@ PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) co
 void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& fault) {
     const size_t point = topology.IndexOf(fault.recipe.point);
     std::vector<double>& own = fault.added[point];
-    const auto scale = [&](double unit) {
-        std::for_each(own.begin(), own.end(), [unit](double& value) { value *= unit; });
-    };
     switch (fault.recipe.kind) {
         case FaultKind::DELAY:
-            scale(levels.usualDelay[point]);
+            Scale(own, levels.usualDelay[point]);
             SpreadToParents(
                 topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; },
                 fault.added);
             break;
         case FaultKind::ERROR: {
             const size_t counter = topology.ErrorCounterOf(point);
-            scale(levels.rate[counter] * static_cast<double>(options.step));
+            Scale(own, levels.rate[counter] * static_cast<double>(options.step));
             std::swap(own, fault.added[counter]);
             ClearErrorWalk(counter, topology);
             SpreadToParents(
@@ -140,6 +199,25 @@ void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& 
                     fault.added[other] = own;
                 }
             }
+        }
+    }
+}
+
+// What recipes say of how hosts see their faults, whose strength is that of the planted point until here.
+void Plan::FitToHosts(const Topology& topology, const Levels& levels) {
+    if (faults.empty()) {
+        return;
+    }
+    const size_t host = topology.IndexOf(faults.front().path.front().points.front());
+    const double factor = faults.front().recipe.hostFactor;
+    const double unit =
+        factor > 0 ? (factor - 1) * levels.usualDelay[host] / WorstAt(faults.front(), host) : 1;
+    for (PlantedFault& fault : faults) {
+        if (factor > 0 && fault.recipe.when == FaultTime::LATE) {
+            Scale(fault, unit);
+        }
+        if (fault.recipe.againstFirst > 0) {
+            Scale(fault, fault.recipe.againstFirst * WorstAt(faults.front(), host) / WorstAt(fault, host));
         }
     }
 }
@@ -176,7 +254,7 @@ void Plan::PlanGaps() {
 int64_t Plan::End() const {
     int64_t end = options.end;
     for (const PlantedFault& fault : faults) {
-        end = std::max(end, fault.last + (ECHO_SAMPLES + 1) * options.step);
+        end = !options.isLive ? end : std::max(end, fault.last + (ECHO_SAMPLES + 1) * options.step);
     }
     return end;
 }

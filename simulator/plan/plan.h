@@ -15,21 +15,27 @@
 
 namespace lumosim {
 
-// The samples of the planted point that are affected: from `start` to `last`, both included, UTC.
+// From the first to the last sample of something, both included, UTC.
+struct Stretch {
+    int64_t first, last;
+};
+
 struct PlantedFault {
     FaultRecipe recipe;
     GraphPath path;
-    int64_t start;
-    int64_t last;
+    std::vector<Stretch>
+        bursts;     // the samples of the planted point that are affected, ascending; never empty
+    int64_t start;  // of the first burst
+    int64_t last;   // of the last one
     // By point, then by sample from the start: microseconds on top of the usual delay, failed requests, or
-    // multiples of the usual requests.
+    // multiples of the usual requests. Nothing for points that the fault does not reach.
     std::vector<std::vector<double>> added;
 };
 
 class Plan {
 public:
     // The scenario must live as long as the plan. Throws std::logic_error when no way leads to the fault's
-    // point, std::out_of_range for a point that no graph has.
+    // point, std::out_of_range for a point that no graph has, BadInput when nothing of a fault would be seen.
     Plan(const WorldOptions& options, const Scenario& scenario, const Topology& topology,
          const Levels& levels, const Noise& noise);
 
@@ -37,8 +43,10 @@ public:
     const std::vector<PlantedFault>& Faults() const { return faults; }
     // Null: the scenario plants none.
     const PlantedFault* Fault() const { return faults.empty() ? nullptr : &faults.front(); }
-    // When all is over: the end of the range, or of what faults after it leave behind.
+    // When all is over: the end of the range, or, in a world that goes on, of what faults leave behind.
     int64_t End() const;
+    // Whether the fault has not ended when all is over.
+    bool IsOngoing(const PlantedFault& fault) const { return fault.last + options.step >= End(); }
     // Microseconds on top of the point's usual delay at a sample's time.
     double AddedDelay(size_t point, int64_t time) const { return Added(FaultKind::DELAY, point, time); }
     // Requests on top of the point's usual ones at a sample's time, in multiples of these.
@@ -59,9 +67,12 @@ public:
     bool IsMissing(size_t point, int64_t time) const;
 
 private:
-    int64_t FirstSample(FaultTime when) const;
+    int64_t SamplesOf(const FaultCourse& course) const;
+    int64_t FirstSample(const FaultRecipe& recipe) const;
+    std::vector<double> PlaceBursts(PlantedFault& fault) const;
     PlantedFault Place(const FaultRecipe& recipe, const Topology& topology) const;
     void Spread(const Topology& topology, const Levels& levels, PlantedFault& fault);
+    void FitToHosts(const Topology& topology, const Levels& levels);
     void ClearErrorWalk(size_t point, const Topology& topology);
     void PlanGaps();
     // Nothing is missing close to a fault, so that it can be seen.

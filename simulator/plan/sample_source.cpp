@@ -7,11 +7,7 @@
 namespace lumosim {
 namespace {
 
-constexpr double LOAD_SWING = 0.4;    // of the request rate, over a day
-constexpr double DELAY_SWING = 0.05;  // of a delay, per doubling of the load
-constexpr double USUAL_USE = 0.15;    // of a point's time by its requests
-constexpr double OWN_JITTER = 0.03;   // of the own part
-constexpr double HOST_JITTER = 0.07;  // of the whole delay, at points that nobody waits for but hosts
+constexpr double USUAL_USE = 0.15;  // of a point's time by its requests
 constexpr double COUNT_JITTER = 0.05;
 constexpr double RETRY_CHANCE = 0.003;
 constexpr double DENIED_CHANCE = 0.0005;
@@ -37,9 +33,11 @@ double Queueing(double load, double added) {
 
 }  // namespace
 
-SampleSource::SampleSource(const WorldOptions& worldOptions, const Topology& worldTopology,
-                           const Levels& worldLevels, const Plan& worldPlan, const Noise& worldNoise)
+SampleSource::SampleSource(const WorldOptions& worldOptions, const Variation& worldVariation,
+                           const Topology& worldTopology, const Levels& worldLevels, const Plan& worldPlan,
+                           const Noise& worldNoise)
     : options(worldOptions),
+      variation(worldVariation),
       topology(worldTopology),
       levels(worldLevels),
       plan(worldPlan),
@@ -58,10 +56,11 @@ double SampleSource::Load(int64_t time) const {
 // All noise is uniform, hence bounded, and at the points that hosts see one part of it outweighs the sum of
 // the others. A sum of many equals would, over thousands of samples, stray beyond three deviations by chance.
 double SampleSource::OwnDelay(size_t point, int64_t time, double load) const {
-    const double swing = 1 + DELAY_SWING * (load - 1);
-    const double own = levels.ownDelay[point] * (1 + OWN_JITTER * noise.Symmetric(streams[point], time, OWN));
+    const double swing = 1 + variation.swing * (load - 1);
+    const double own =
+        levels.ownDelay[point] * (1 + variation.own * noise.Symmetric(streams[point], time, OWN));
     const double host = topology.Flow().hasParent[point] ? 0
-                                                         : levels.usualDelay[point] * HOST_JITTER *
+                                                         : levels.usualDelay[point] * variation.host *
                                                                noise.Symmetric(streams[point], time, HOST);
     return swing * Queueing(load, plan.AddedLoad(point, time)) * (own + host);
 }

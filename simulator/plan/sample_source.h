@@ -9,6 +9,8 @@
 #include "simulator/plan/levels.h"
 #include "simulator/plan/noise.h"
 #include "simulator/plan/plan.h"
+#include "simulator/plan/scenario.h"
+#include "simulator/plan/world_options.h"
 
 namespace lumosim {
 
@@ -22,9 +24,9 @@ struct Sample {
 // A pure function of world and time: samples may be asked for in any order.
 class SampleSource {
 public:
-    // Keeps references to all but the options and the noise.
-    SampleSource(const WorldOptions& options, const Topology& topology, const Levels& levels,
-                 const Plan& plan, const Noise& noise);
+    // Keeps references to topology, levels and plan.
+    SampleSource(const WorldOptions& options, const Variation& variation, const Topology& topology,
+                 const Levels& levels, const Plan& plan, const Noise& noise);
 
     // Replaces `samples` by one per point, groups included (theirs mean nothing).
     void Fill(int64_t time, std::vector<Sample>& samples) const;
@@ -36,6 +38,7 @@ private:
     void FillCounts(size_t point, int64_t time, double load, Sample& sample) const;
 
     WorldOptions options;
+    Variation variation;
     const Topology& topology;
     const Levels& levels;
     const Plan& plan;

@@ -1,6 +1,9 @@
 #include "simulator/plan/scenario.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "simulator/plan/world_options.h"
 
 namespace lumosim {
 namespace {
@@ -17,6 +20,7 @@ constexpr FaultRecipe Delay(std::string_view graph, std::string_view point, doub
 }
 constexpr FaultRecipe Early(FaultRecipe fault) {
     fault.when = FaultTime::EARLY;
+    fault.course = {0.1, 0.2};
     return fault;
 }
 constexpr FaultRecipe NotWalked(FaultRecipe fault) {
@@ -26,6 +30,11 @@ constexpr FaultRecipe NotWalked(FaultRecipe fault) {
 constexpr FaultRecipe WithTwin(FaultRecipe fault, std::string_view twin) {
     fault.twin = twin;
     return fault;
+}
+
+constexpr FaultRecipe With(FaultCourse course, FaultRecipe fault) {
+    fault.course = course;
+    return NotWalked(fault);
 }
 
 constexpr FaultRecipe SLOW_DISK = Delay("SAN_IO_READ", "BDM_DISK_READ", 20);
@@ -94,6 +103,43 @@ std::vector<Scenario> Explanations() {
     };
 }
 
+// Delays that are more than a moment, and what else makes them hard to see.
+std::vector<Scenario> Courses() {
+    constexpr int64_t MINUTE = 60;
+    constexpr FaultRecipe DISK = Delay("SAN_IO_READ", "BDM_DISK_READ", 8);
+    FaultRecipe outlier = Early(Delay("SAN_IO_READ", "TGT_LUMO_HOST_READ", 8));
+    outlier.course.seconds = 1;  // one sample
+    Scenario daily{"daily-curve",
+                   "Delays rise and fall with the day, and on the second one a data disk is slow.",
+                   {With({0.6, 0.3, FaultShape::LEVEL, 0.02}, DISK)}};
+    daily.minimumHours = 48;
+    daily.variation.swing = 0.3 / LOAD_SWING;
+    return {
+        {"long-fault",
+         "A data disk answers slowly for a third of the range.",
+         {With({0.4, 0.15, FaultShape::LEVEL, 0.33}, DISK)}},
+        {"ongoing",
+         "A data disk has become slow, and still is at the end.",
+         {With({0.7, 0.15, FaultShape::LEVEL, 1}, DISK)}},
+        {"ramp",
+         "A data disk becomes slower and slower, stays so for a while, and is well again.",
+         {With({0.4, 0.15, FaultShape::RAMP, 0.33}, DISK)}},
+        {"flapping",
+         "A data disk is slow for two minutes, well for two, and so on for a while.",
+         {With({0.5, 0.2, FaultShape::LEVEL, 0.2, 0, 2 * MINUTE, 4 * MINUTE}, DISK)}},
+        {"repeated",
+         "A data disk is slow for three minutes every half hour.",
+         {With({0.2, 0.15, FaultShape::LEVEL, 0.6, 0, 3 * MINUTE, 30 * MINUTE}, DISK)}},
+        {"begun-before",
+         "A data disk was slow already before the statistics begin, and recovers.",
+         {With({-0.2, 0.1, FaultShape::LEVEL, 0.4}, DISK)}},
+        {"outlier",
+         "A single sample of host reads stands out, and later a data disk is slow, but less.",
+         {With({0.55, 0.3, FaultShape::LEVEL, 0.05}, DISK), outlier}},
+        std::move(daily),
+    };
+}
+
 std::vector<Scenario> Others() {
     return {
         {"error-burst",
@@ -138,7 +184,7 @@ std::vector<Scenario> Others() {
 
 std::vector<Scenario> AllScenarios() {
     std::vector<Scenario> all;
-    for (const auto& group : {Delays, Explanations, Others}) {
+    for (const auto& group : {Delays, Explanations, Courses, Others}) {
         const std::vector<Scenario> scenarios = group();
         all.insert(all.end(), scenarios.begin(), scenarios.end());
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "simulator/plan/error_choice.h"
+#include "simulator/plan/fault_choice.h"
 
 namespace lumosim {
 namespace {
@@ -21,6 +22,7 @@ std::vector<GraphTable> GraphsOf(const Scenario& scenario) {
 Scenario ScenarioOf(const WorldOptions& options, const Topology& topology) {
     Scenario scenario = *FindScenario(options.scenario);
     ChooseErrors(options, topology, scenario);
+    ChooseFaults(options, topology, scenario);
     return scenario;
 }
 
@@ -33,7 +35,7 @@ WorldModel::WorldModel(const WorldOptions& worldOptions)
       noise(options.seed),
       levels(UsualLevels(topology)),
       plan(options, scenario, topology, levels, noise),
-      source(options, topology, levels, plan, noise) {}
+      source(options, scenario.variation, topology, levels, plan, noise) {}
 
 size_t WorldModel::PointCount() const {
     return static_cast<size_t>(std::count_if(topology.Points().begin(), topology.Points().end(),

@@ -1,5 +1,7 @@
 #include "simulator/plan/world_options.h"
 
+#include <sstream>
+
 #include "simulator/plan/scenario.h"
 #include "text/nearest_name.h"
 
@@ -17,6 +19,29 @@ const Scenario& CheckScenario(const std::string& name) {
     throw BadInput(NoSuchName("scenario", name, names) + " (--list shows all)");
 }
 
+template <typename Number>
+void CheckWithin(const char* option, Number value, Number least, Number most) {
+    if (!(value >= least && value <= most)) {
+        std::ostringstream text;
+        text << option << " must be from " << least << " to " << most << ", not " << value;
+        throw BadInput(text.str());
+    }
+}
+
+void CheckFault(const WorldOptions& options) {
+    constexpr int64_t MAXIMUM_SECONDS = MAXIMUM_HOURS * SECONDS_PER_HOUR;
+    constexpr double LEAST_FACTOR = 1.01;
+    constexpr double MAXIMUM_FACTOR = 1000;
+    CheckRange("--fault-length", options.faultLength.value_or(1), 1, MAXIMUM_SECONDS);
+    CheckRange("--fault-strength", options.faultStrength.value_or(LEAST_FACTOR), LEAST_FACTOR,
+               MAXIMUM_FACTOR);
+    CheckRange("--second-fault", options.secondFault.value_or(1), 0.01, MAXIMUM_FACTOR);
+    CheckRange("--spike", options.spike.value_or(LEAST_FACTOR), LEAST_FACTOR, MAXIMUM_FACTOR);
+    CheckRange("--spike-before", options.spikeBefore, options.step, MAXIMUM_SECONDS);
+    CheckRange("--noise", options.noise.value_or(0), 0, MAXIMUM_NOISE);
+    CheckRange("--swing", options.swing.value_or(0), 0, MAXIMUM_NOISE);
+}
+
 }  // namespace
 
 std::string NoSuchName(const std::string& kind, const std::string& name,
@@ -27,10 +52,11 @@ std::string NoSuchName(const std::string& kind, const std::string& name,
 }
 
 void CheckRange(const char* option, int64_t value, int64_t least, int64_t most) {
-    if (value < least || value > most) {
-        throw BadInput(std::string(option) + " must be from " + std::to_string(least) + " to " +
-                       std::to_string(most) + ", not " + std::to_string(value));
-    }
+    CheckWithin(option, value, least, most);
+}
+
+void CheckRange(const char* option, double value, double least, double most) {
+    CheckWithin(option, value, least, most);
 }
 
 void CheckOptions(const WorldOptions& options) {
@@ -47,6 +73,7 @@ void CheckOptions(const WorldOptions& options) {
                        " samples per point; possible are " + std::to_string(MINIMUM_SAMPLES) + " to " +
                        std::to_string(MAXIMUM_SAMPLES));
     }
+    CheckFault(options);
 }
 
 }  // namespace lumosim

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -14,9 +15,11 @@ constexpr int64_t SECONDS_PER_HOUR = 3600;
 constexpr int64_t MAXIMUM_HOURS = 168;
 constexpr int64_t MAXIMUM_STEP = 300;
 constexpr int64_t MAXIMUM_PERIOD = 86400;
+constexpr int64_t MAXIMUM_NOISE = 60;
 // A burst of two samples must stand out of its range.
 constexpr int64_t MINIMUM_SAMPLES = 60;
 constexpr int64_t MAXIMUM_SAMPLES = 172800;
+constexpr double LOAD_SWING = 0.4;  // of the request rate, over a day
 
 // A request that cannot be served as it is; the text is for the user.
 class BadInput : public std::runtime_error {
@@ -36,8 +39,20 @@ struct WorldOptions {
     std::string errorType = {}, errorPoint = {};
     int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds
     bool hasWal = false;                // statistics with a write-ahead log, not a rollback journal
-    // UTC, also after `end`: when faults of the second half begin, at the next sample; 0: in that half.
+    bool mayReplace = false;            // also files below `root` that are not of a world
+    bool isLive = false;                // samples go on after `end`
+    // UTC, also before the range, or after it in a world that goes on: when LATE faults begin, at the next
+    // sample; 0: as the scenario has it.
     int64_t faultAt = 0;
+    // Other than the scenario has it; none: as it has it.
+    std::optional<int64_t> faultLength = {};  // of LATE faults, seconds
+    std::optional<double> faultStrength =
+        {};                                  // how many times as slow hosts see the first fault at its worst
+    std::optional<double> secondFault = {};  // what hosts see of the second fault, against the first
+    std::optional<double> spike = {};        // how many times as slow the host point is once before
+    int64_t spikeBefore = 1800;              // how long before the fault that is, seconds
+    std::optional<int64_t> noise = {};       // how far delays stray by chance, percent
+    std::optional<int64_t> swing = {};       // how far delays stray over the day, percent
 
     int64_t Start() const { return end - hours * SECONDS_PER_HOUR; }
     int64_t SampleCount() const { return hours * SECONDS_PER_HOUR / step; }
@@ -50,6 +65,7 @@ std::string NoSuchName(const std::string& kind, const std::string& name,
 
 // Throws BadInput, in the option's name, when the value is out of its range.
 void CheckRange(const char* option, int64_t value, int64_t least, int64_t most);
+void CheckRange(const char* option, double value, double least, double most);
 
 // Throws BadInput when the scenario is unknown, or a number is out of its range or too small for the
 // scenario.

@@ -35,7 +35,11 @@ ARROWS = {
     "host/services": {"host/process", "text"},
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
-    "simulator": {"cli", "text"},
+    "simulator/graphs": set(),
+    "simulator/plan": {"simulator/graphs", "text"},
+    "simulator/files": {"simulator/plan", "simulator/graphs", "text"},
+    "simulator/live": {"simulator/files", "simulator/plan"},
+    "simulator": {"simulator/live", "simulator/files", "simulator/plan", "text"},
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
 ARROWS["explain"] = {unit for unit in ARROWS if unit.startswith("fault_")} | {

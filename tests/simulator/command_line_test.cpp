@@ -43,6 +43,11 @@ TEST(CommandLineTest, AnswersWithoutWritingAWorld) {
         {"--root w --hours 168 --step 1", 2, "make 604800 samples per point"},
         {"--root w --scenario gaps --hours 3", 2, "needs at least 4 hours"},
         {"--root w --seed 18446744073709551616", 2, "--seed"},
+        {"--root w --fault-start 14371", 2, "--fault-start must be from -604800 to 14370, not 14371"},
+        {"--root w --fault-start -600 --fault-length 600", 2, "what is planted would lie before the range"},
+        {"--root w --scenario healthy --spike 3", 2, "are for scenarios with a slow point, not for healthy"},
+        {"--root w --second-fault 1", 2, "for scenarios with two faults at a time, not for slow-disk"},
+        {"--root w --fault-strength nan", 2, "--fault-strength must be from 1.01 to 1000, not nan"},
         {"--root w --end 2023", 2, "--end must be"},
         {"--root w --end 2023010500000x", 2, "--end must be"},
         {"--root w --end 20230229000000", 2, "--end must be"},
@@ -50,10 +55,15 @@ TEST(CommandLineTest, AnswersWithoutWritingAWorld) {
         {"--root out", 2, "cannot create the folder out"},
         {"--root out/w", 2, "cannot create the folder out/w"},
         {"--root blocked", 1, "blocked/VRA"},
+        {"--root evidence", 2, "there is no evidence/truth.json; --force replaces it"},
+        {"--hours 1 --root $(printf '\\033')", 0, "the truth is in \\x1b/truth.json"},
+        {"--root w --live --for -9223372036854775808 --speed 2", 2, "--for must be from 1 to 31622400"},
     };
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path / "blocked");
     std::ofstream(folder.path / "blocked" / "VRA") << "a file where a folder must be";
+    std::filesystem::create_directories(folder.path / "evidence/VRA/data/zorv");
+    std::filesystem::create_symlink("kept", (folder.path / "evidence").string() + ZORV_HEAL_DATABASE_FILE);
     for (const Case& one : cases) {
         const Outcome outcome = RunTool(folder, one.arguments);
         EXPECT_EQ(one.status, outcome.status) << one.arguments;
@@ -78,6 +88,33 @@ TEST(CommandLineTest, WritesAWorldInTheLocalZone) {
             world.Value("select format('%d %s %s', truth->>'end_epoch', truth->>'start', min(tablename))"
                         " from json, table_flag"))
             << zone;
+    }
+}
+
+TEST(CommandLineTest, PlantsTheFaultThatIsAskedFor) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"1 --fault-start -600 --fault-length 1800 --fault-strength 3",
+         "fault->>'start_epoch' = truth->>'start_epoch' - 600 and fault->>'end_epoch' = "
+         "truth->>'start_epoch' + 1170"
+         " and fault->>'peak_value' between 2.8 * usual and 3.2 * usual"},
+        {"1 --scenario two-faults --second-fault 1 --fault-strength 3 --fault-length 1",
+         "fault->>'peak_value' between 4.7 * usual and 5.3 * usual and fault->>'end_epoch' = "
+         "fault->>'start_epoch'"},
+        {"1 --spike 10 --spike-before 600",
+         "fault->>'peak_value' between 8 * usual and 11 * usual"
+         " and truth->>'$.other_faults[0].start_epoch' = fault->>'start_epoch' - 600"},
+        {"1 --fault-start 60 --noise 30", "highest between 1.5 * lowest and 2.5 * lowest"},
+        {"24 --step 300 --fault-start 60 --swing 50", "highest between 2.8 * lowest and 3.8 * lowest"},
+    };
+    const TemporaryFolder folder;
+    for (const auto& [arguments, isRight] : cases) {
+        const Outcome run =
+            RunTool(folder, "--root w --end 20230105143000 --hours " + std::string(arguments));
+        EXPECT_EQ(0, run.status) << run.errors;
+        EXPECT_EQ("1", World(folder.path / "w").Value(std::string("select ") + isRight + R"(
+            from json, (select avg(avgdelay) as usual, max(avgdelay) as highest, min(avgdelay) as lowest from samples, json
+                where locatename = 'TGT_LUMO_HOST_READ' and curtime > fault->>'end_epoch' + 300))"))
+            << arguments;
     }
 }
 

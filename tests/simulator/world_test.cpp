@@ -80,7 +80,7 @@ TEST(WorldTest, IsReplacedAsAWholeUnderARunningReader) {
 
     const std::string database = world.path.string() + LUMO_DATABASE_FILE;
     std::ofstream(database + "-journal") << "left by a killed producer";
-    std::ofstream(database + ".new") << "left by a killed simulator";
+    std::ofstream(database + ".lumo-sim-a1B2c3") << "left by a killed simulator";
     Write(world.path, options);
     EXPECT_TRUE(Files(WrittenWorld(options)) == Files(world));
     EXPECT_EQ(usual, world.Value(sum));

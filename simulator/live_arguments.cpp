@@ -1,4 +1,4 @@
-#include "simulator/live/live_arguments.h"
+#include "simulator/live_arguments.h"
 
 #include <algorithm>
 #include <ctime>
@@ -27,7 +27,7 @@ LiveArguments::LiveArguments(CLI::App& app) {
     options.add_flag("--live", isLive, "Goes on writing as time goes by");
     add("--speed", live.speed, "N", "Runs N times as fast as real time, from the past on");
     add("--for", live.duration, "SECONDS", "Stops after that time; runs on when left out");
-    add("--fault-after", faultAfter, "SECONDS", "When the fault begins")->capture_default_str();
+    add("--fault-after", live.faultAfter, "SECONDS", "When the fault begins")->capture_default_str();
     add("--recreate", live.recreation, "SECONDS", "Re-creates the statistics database so often");
     add("--recreate-by", way, "WAY", "delete: the old file, then write a new one; rename: a new one over it")
         ->check(CLI::IsMember({"delete", "rename"}).description(""))
@@ -36,7 +36,8 @@ LiveArguments::LiveArguments(CLI::App& app) {
 }
 
 int64_t LiveArguments::SecondsBehind() const {
-    return live.speed > 1 ? live.duration.value_or(SECONDS_PER_HOUR) : 0;
+    // What is out of its range is refused later.
+    return live.speed > 1 ? std::max<int64_t>(0, live.duration.value_or(SECONDS_PER_HOUR)) : 0;
 }
 
 std::optional<LiveOptions> LiveArguments::Options(WorldOptions& world) const {
@@ -51,8 +52,11 @@ std::optional<LiveOptions> LiveArguments::Options(WorldOptions& world) const {
     LiveOptions options = live;
     options.way = way == "rename" ? Recreation::RENAME : Recreation::DELETE;
     options.keptHours = keptHours.value_or(std::max(live.keptHours, world.hours));
-    world.faultAt = world.end + faultAfter;
     CheckLiveOptions(options, world, std::time(nullptr));
+    world.isLive = true;
+    if (world.faultAt == 0) {
+        world.faultAt = world.end + live.faultAfter;
+    }
     return options;
 }
 

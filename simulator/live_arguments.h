@@ -30,7 +30,6 @@ public:
 private:
     const CLI::App* group;
     bool isLive = false;
-    int64_t faultAfter = 60;  // seconds
     std::string way = "delete";
     std::optional<int64_t> keptHours;
     LiveOptions live;
