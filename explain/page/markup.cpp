@@ -1,90 +1,44 @@
 #include "explain/page/markup.h"
 
-#include <array>
-#include <cstdint>
-#include <cstdio>
 #include <cstring>
+
+#include "text/printable.h"
+#include "text/utf8.h"
 
 namespace explain {
 namespace {
 
-constexpr char32_t REPLACEMENT = 0xfffd;
 constexpr const char* ELLIPSIS = "\u2026";
 constexpr size_t LONGEST_ATTRIBUTE = size_t{1} << 20;  // outlines of drawings are long
 
-// Takes the first character off `text`, which must not be empty. Of what is no UTF-8, one byte.
-char32_t TakeLetter(std::string_view& text) {
-    const auto byte = [&](size_t i) { return static_cast<unsigned char>(text[i]); };
-    const size_t length = byte(0) < 0x80                      ? 1
-                          : byte(0) >= 0xc2 && byte(0) < 0xe0 ? 2
-                          : byte(0) >= 0xe0 && byte(0) < 0xf0 ? 3
-                          : byte(0) >= 0xf0 && byte(0) < 0xf5 ? 4
-                                                              : 0;
-    char32_t letter = length < 2 ? byte(0) : byte(0) & (0x7fU >> length);
-    bool valid = length > 0 && length <= text.size();
-    for (size_t i = 1; valid && i < length; ++i) {
-        valid = (byte(i) & 0xc0U) == 0x80;
-        letter = letter << 6 | (byte(i) & 0x3fU);
-    }
-    const bool tooLong = (length == 3 && letter < 0x800) || (length == 4 && letter < 0x10000);
-    valid = valid && !tooLong && letter <= 0x10ffff && (letter < 0xd800 || letter > 0xdfff);
-    text.remove_prefix(valid ? length : 1);
-    return valid ? letter : REPLACEMENT;
-}
-
-// Controls, and what reorders or hides the text around it; and what no XML document may hold.
-bool IsUnseen(char32_t letter) {
-    return letter < 0x20 || (letter >= 0x7f && letter < 0xa0) || letter == 0xad || letter == 0x61c ||
-           (letter >= 0x200b && letter <= 0x200f) || (letter >= 0x2028 && letter <= 0x202e) ||
-           (letter >= 0x2060 && letter <= 0x206f) || letter == 0xfeff || (letter & 0xfffeU) == 0xfffe ||
-           (letter >= 0xfdd0 && letter <= 0xfdef);
-}
-
-std::string EscapeOf(char32_t letter) {
-    std::array<char, 16> escape{};
-    std::snprintf(escape.data(), escape.size(), letter < 0x100 ? "\\x%02x" : "\\u%04x",
-                  static_cast<unsigned>(letter));
-    return letter == '\n' ? "\\n" : letter == '\t' ? "\\t" : escape.data();
-}
-
-// Each character as it can be shown, one string each.
-std::vector<std::pair<std::string, char32_t>> VisibleLetters(std::string_view text, size_t most) {
-    std::vector<std::pair<std::string, char32_t>> letters;
+// Each character as it can be shown.
+std::vector<std::string> VisibleLetters(std::string_view text, size_t most) {
+    std::vector<std::string> letters;
     while (!text.empty() && letters.size() < most) {
-        const std::string_view before = text;
-        const char32_t letter = TakeLetter(text);
-        const std::string_view bytes = before.substr(0, before.size() - text.size());
-        letters.emplace_back(IsUnseen(letter)        ? EscapeOf(letter)
-                             : letter == REPLACEMENT ? "\ufffd"
-                                                     : std::string(bytes),
-                             letter);
+        const ShownCharacter letter = FirstShown(text);
+        letters.push_back(letter.text);
+        text.remove_prefix(letter.length);
     }
     if (!text.empty()) {
-        letters.emplace_back(ELLIPSIS, U'.');
+        letters.emplace_back(ELLIPSIS);
     }
     return letters;
 }
 
-const char* EntityOf(char32_t letter) {
-    switch (letter) {
-        case '&':
-            return "&amp;";
-        case '<':
-            return "&lt;";
-        case '>':
-            return "&gt;";
-        case '"':
-            return "&quot;";
-        case '\'':
-            return "&#39;";
-        default:
-            return nullptr;
-    }
+// As it stands in a page.
+std::string EntityOf(const std::string& letter) {
+    return letter == "&"    ? "&amp;"
+           : letter == "<"  ? "&lt;"
+           : letter == ">"  ? "&gt;"
+           : letter == "\"" ? "&quot;"
+           : letter == "'"  ? "&#39;"
+                            : letter;
 }
 
 // East Asian letters and pictures take two cells; what is counted double without need is cut a little early.
-size_t CellsOf(const std::string& visible, char32_t letter) {
-    return IsUnseen(letter) ? visible.size() : letter >= 0x1100 ? 2 : 1;
+size_t CellsOf(const std::string& letter) {
+    const Utf8Character first = FirstCharacter(letter);
+    return first.code < 0x80 ? letter.size() : first.code >= 0x1100 ? 2 : 1;
 }
 
 bool StandsAlone(const char* name) {
@@ -95,9 +49,8 @@ bool StandsAlone(const char* name) {
 
 std::string Escaped(std::string_view text, size_t most) {
     std::string out;
-    for (const auto& [visible, letter] : VisibleLetters(text, most)) {
-        const char* entity = EntityOf(letter);
-        out += entity != nullptr ? entity : visible;
+    for (const std::string& letter : VisibleLetters(text, most)) {
+        out += EntityOf(letter);
     }
     return out;
 }
@@ -106,9 +59,9 @@ std::string Shortened(std::string_view text, size_t cells) {
     std::string whole;
     std::vector<std::pair<std::string, size_t>> letters;
     size_t width = 0;
-    for (const auto& [visible, letter] : VisibleLetters(text, MOST_LETTERS)) {
-        letters.emplace_back(visible, CellsOf(visible, letter));
-        whole += visible;
+    for (const std::string& letter : VisibleLetters(text, MOST_LETTERS)) {
+        letters.emplace_back(letter, CellsOf(letter));
+        whole += letter;
         width += letters.back().second;
     }
     if (width <= cells) {

@@ -13,9 +13,8 @@ namespace explain {
 // Longer texts are cut there. Enough for any sentence, and no hostile text fills a page.
 constexpr size_t MOST_LETTERS = 600;
 
-// `text` made harmless for a page, in an attribute too: invalid UTF-8 is replaced, control characters and
-// marks that reorder text are shown as escapes. Of more than `most` characters the first ones are shown, and
-// an ellipsis.
+// `text` made harmless for a page, in an attribute too, with its characters as FirstShown() has them. Of more
+// than `most` characters the first ones are shown, and an ellipsis.
 std::string Escaped(std::string_view text, size_t most = MOST_LETTERS);
 
 // `text` within `cells` cells of a fixed-width font, at least 4, with the same characters replaced; of a

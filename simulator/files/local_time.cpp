@@ -5,6 +5,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "text/local_time.h"
+
 namespace lumosim {
 namespace {
 
@@ -24,10 +26,7 @@ std::string Format(const char* format, int64_t utc, int64_t zoneOffset) {
 }  // namespace
 
 int64_t ZoneOffset() {
-    const time_t now = std::time(nullptr);
-    std::tm date{};
-    localtime_r(&now, &date);
-    return date.tm_gmtoff / 3600 * 3600;
+    return ZoneOffsetAt(std::time(nullptr));
 }
 
 std::string CompactTime(int64_t utc, int64_t zoneOffset) {
