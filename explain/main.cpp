@@ -14,8 +14,8 @@
 #include "explain/input.h"
 #include "explain/report.h"
 #include "explain/request.h"
-#include "explain/stamp.h"
 #include "explain/wording.h"
+#include "host/capture/inputs.h"
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
@@ -65,7 +65,11 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.zoneOffset = request.zoneOffset;
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
-    report.analyses = AnalyseAll(SubjectsOf(options, request.range), request);
+    try {
+        report.analyses = AnalyseAll(SubjectsOf(options, request.range), request);
+    } catch (...) {
+        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
+    }
     report.flags = CountFlags(report.analyses);
     return report;
 }
@@ -105,11 +109,22 @@ void WritePage(const std::string& path, const std::string& page) {
     }
 }
 
+// Nothing that is read is written to, and nothing in a capture.
+void RefuseInputs(const Options& options) {
+    const Inputs inputs = {options.capture.value_or(options.root.value_or("")), options.capture.has_value()};
+    for (const std::string& path : {options.html.value_or(""), options.log}) {
+        const std::optional<std::string> reason = path.empty() ? std::nullopt : WhyNotWritten(path, inputs);
+        if (reason) {
+            throw cli::UsageError(*reason);
+        }
+    }
+}
+
 int Run(const Options& options, const std::vector<std::string>& arguments) {
     if (options.zone) {
         SetZone(*options.zone);
     }
-    // Before a large capture is copied for nothing.
+    RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
     const Request request = RequestOf(options, ClockAt(std::time(nullptr)));
     const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
@@ -119,14 +134,6 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
         WritePage(*options.html, HtmlReport(report));
     }
     return StatusOf(report);
-}
-
-int RunWithReasons(const Options& options, const std::vector<std::string>& arguments) {
-    try {
-        return Run(options, arguments);
-    } catch (...) {
-        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
-    }
 }
 
 }  // namespace
@@ -139,6 +146,6 @@ int main(int argc, char** argv) {
         return *status;
     }
     return cli::RunProgram("zorv-explain", explain::STATUS_NO_DATA, [&] {
-        return explain::RunWithReasons(options, {argv, argv + argc});
+        return explain::Run(options, {argv, argv + argc});
     });
 }

@@ -1,5 +1,6 @@
 #include <json/writer.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "explain/report.h"
@@ -66,7 +67,7 @@ private:
     Json::Value Time(int64_t time) const {
         Json::Value value;
         std::string local = LocalTime(time, report.zoneOffset) + ZoneText(report.zoneOffset);
-        local[local.find(' ')] = 'T';
+        std::replace(local.begin(), local.end(), ' ', 'T');
         value["epoch"] = static_cast<Json::Int64>(time);
         value["local"] = local;
         return value;

@@ -51,25 +51,33 @@ Range RangeOf(std::vector<std::string> words, const LocalClock& clock) {
     return RangeBetween(start, end, clock.zoneOffset);
 }
 
+// The points that the detector flags; one whose rows it cannot take is there as well: its analysis says why.
 std::vector<std::string> FlaggedPoints(const Range& range) {
-    FaultDetectObject detector;
-    detector.InitObject();
-    detector.GetData(range.startDate, range.endDate);
+    FaultDetectObject all;
+    all.InitObject();
+    std::vector<std::string> flagged;
     size_t most = 0;
-    for (auto& [point, series] : detector.data) {
-        most = std::max(most, series["avgdelay"].size());
+    for (const std::string& point : all.points) {
+        FaultDetectObject detector;
+        detector.points = {point};
+        try {
+            detector.GetData(range.startDate, range.endDate);
+        } catch (const std::logic_error&) {  // of a conversion
+            flagged.push_back(point);
+            continue;
+        }
+        most = std::max(most, detector.data[point]["avgdelay"].size());
+        if (!detector.DoDetect(range.startDate, range.endDate).empty()) {
+            flagged.push_back(point);
+        }
     }
-    if (most == 0) {
+    if (flagged.empty() && most == 0) {
         throw NoData({ReasonKind::NO_ROWS_OF_DETECTOR});
     }
-    if (most < FEWEST_FOR_SIGMA) {
+    if (flagged.empty() && most < FEWEST_FOR_SIGMA) {
         throw NoData({ReasonKind::FEW_ROWS_OF_DETECTOR, most, FEWEST_FOR_SIGMA});
     }
-    std::vector<std::string> points;
-    for (const AnomalyDetectResult& result : detector.DoDetect(range.startDate, range.endDate)) {
-        points.push_back(result.lumoLocName);
-    }
-    return points;
+    return flagged;
 }
 
 }  // namespace

@@ -47,6 +47,12 @@ constexpr struct {
     {ReasonKind::BAD_VALUE, "the configuration or the statistics hold a bad value: {subject}"},
 };
 
+// A reason behind what it is a reason for. What others say in it may end as it likes.
+std::string AnswerFor(const std::string& what, const Reason& reason) {
+    const std::string sentence = SentenceOf(reason);
+    return what + ": " + sentence + (sentence.back() == '.' ? "" : ".");
+}
+
 std::string CountOf(size_t least, size_t most) {
     return (least == most ? "" : std::to_string(least) + " to ") + std::to_string(most);
 }
@@ -181,11 +187,11 @@ std::string AnswerOf(const Analysis& analysis, ShareFigure figure) {
         case Verdict::LOAD:
             return "Load: the requests rose and the delay with them. No point is to blame.";
         case Verdict::NOTHING:
-            return "Nothing anomalous: " + SentenceOf(*analysis.reason) + ".";
+            return AnswerFor("Nothing anomalous", *analysis.reason);
         case Verdict::CANNOT_TELL:
             break;
     }
-    return "Cannot tell: " + SentenceOf(*analysis.reason) + ".";
+    return AnswerFor("Cannot tell", *analysis.reason);
 }
 
 std::string DeviationsOf(double deviations) {

@@ -1,9 +1,8 @@
 #include "explain/page/analysis_section.h"
 
-#include "explain/page/charts.h"
+#include "explain/page/drawings.h"
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
-#include "explain/page/graph.h"
 #include "explain/page/tables.h"
 #include "explain/wording.h"
 
@@ -157,7 +156,10 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
         section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
                    Element("h3", "How sure that is") + TrialTable(analysis);
     }
-    section += Walk(analysis) + Series(analysis, report, number);
+    section += Walk(analysis);
+    if (!analysis.world.nodes.empty()) {
+        section += Series(analysis, report, number);
+    }
     if (!analysis.findings.empty()) {
         section += Element("h3", "Evidence per point") + EvidenceTables(analysis, report.zoneOffset);
     }
