@@ -14,7 +14,6 @@
 #include "explain/input.h"
 #include "explain/report.h"
 #include "explain/request.h"
-#include "explain/stamp.h"
 #include "explain/survey.h"
 #include "explain/wording.h"
 #include "host/capture/inputs.h"

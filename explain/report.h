@@ -20,6 +20,11 @@ struct Stamp {
     std::string command;  // as it was typed, quoted for a shell where needed
 };
 
+// Versions, hashes and command line. Reads the configuration and the database below `directory` as plain
+// files: call it before the first connection to the database is opened, because closing a plain file drops
+// SQLite's locks on it. Blocks on file I/O.
+Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& directory);
+
 struct Report {
     Stamp stamp;
     std::optional<std::string> node;  // whose statistics these are

@@ -1,4 +1,4 @@
-#include "explain/stamp.h"
+#include "explain/report.h"
 
 #include <json/version.h>
 #include <openssl/evp.h>

@@ -3,6 +3,7 @@
 #include <json/value.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <stdexcept>
 
@@ -78,11 +79,18 @@ public:
 
     void Look() {
         for (const PointRequest& point : request.points) {
-            report.looks.push_back(
-                LookAt(point.name, store.Of(point.name).samples, question.range, question.baseline));
+            try {
+                report.looks.push_back(
+                    LookAt(point.name, store.Of(point.name).samples, question.range, question.baseline));
+            } catch (const std::logic_error&) {  // of a conversion: the other points keep their answers
+                unreadable.emplace(point.name, ReasonOfFailure());
+                report.looks.emplace_back().point = point.name;
+            }
         }
         report.coverage = CoverageOf(store.Points(), question.range);
-        CheckRows();
+        if (unreadable.empty()) {
+            CheckRows();
+        }
     }
 
     void Analyse() {
@@ -129,8 +137,8 @@ private:
         }
     }
 
-    static bool IsAsked(PointRequest::When when, const explain::Look& look) {
-        return when == PointRequest::ALWAYS || (when == PointRequest::IF_THERE && look.samples > 0) ||
+    bool IsAsked(PointRequest::When when, const explain::Look& look) const {
+        return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS || (when == PointRequest::IF_THERE && look.samples > 0) ||
                look.flagged > 0 || !look.events.empty();
     }
 
@@ -144,6 +152,9 @@ private:
     }
 
     void AnalyseEvents(const explain::Look& look, const std::string& graph) {
+        if (const auto found = unreadable.find(look.point); found != unreadable.end()) {
+            throw NoData(found->second);
+        }
         const auto world = std::make_shared<const GraphWorld>(LoadGraphWorld(look.point, graph, store));
         const Samples& samples = world->points.at(look.point).samples;
         if (look.samples == 0) {
@@ -180,6 +191,7 @@ private:
     const Question& question;
     Report& report;
     SampleStore store;
+    std::map<std::string, Reason> unreadable;  // points with a bad value
     size_t subjects = 0;
     size_t failures = 0;
 };

@@ -26,16 +26,22 @@ std::vector<std::string> OuterTables() {
     return names;
 }
 
-uint32_t TakeEnds(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& ends,
+uint32_t TakeTime(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& times,
                   std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
-    FaultCheckColumns(rowCount, columnCount, 2);
-    for (int32_t i = 0; rowCount > 0 && i < 2; ++i) {
-        const char* cell = result[columnCount + i];
-        if (cell != nullptr) {  // of a table without rows
-            ends.push_back(FaultToInt64(cell));
-        }
+    FaultCheckColumns(rowCount, columnCount, 1);
+    if (rowCount > 0) {
+        times.push_back(FaultToInt64(FaultCellText(result[columnCount])));
     }
     return 0;
+}
+
+// Appends the time of the first row or of the last one, in the order of time; nothing for a table without rows.
+// Connections allow no functions, not even min(). Returns success.
+bool TakeEnd(const std::string& table, const char* order, std::vector<int64_t>& times) {
+    std::vector<int64_t> second;
+    std::vector<std::string> texts;
+    const std::string sql = "select curtime from " + table + " order by curtime " + order + " limit 1;";
+    return FaultDataBaseExcuteSql(sql, TakeTime, times, second, texts) == 0;
 }
 
 // Seconds since 1970 of a compact local time, as if it were UTC.
@@ -64,10 +70,7 @@ std::vector<TableSpan> TableSpans() {
     std::vector<TableSpan> tables;
     for (const std::string& name : OuterTables()) {
         std::vector<int64_t> ends;
-        std::vector<int64_t> second;
-        std::vector<std::string> texts;
-        const std::string sql = "select min(curtime), max(curtime) from " + name + ";";
-        if (FaultDataBaseExcuteSql(sql, TakeEnds, ends, second, texts) != 0) {
+        if (!TakeEnd(name, "asc", ends) || !TakeEnd(name, "desc", ends)) {
             return {};
         }
         if (ends.size() == 2) {

@@ -1,9 +1,8 @@
 #include "explain/page/analysis_section.h"
 
-#include "explain/page/charts.h"
+#include "explain/page/drawings.h"
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
-#include "explain/page/graph.h"
 #include "explain/page/tables.h"
 #include "explain/wording.h"
 

@@ -1,4 +1,4 @@
-#include "explain/page/charts.h"
+#include "explain/page/drawings.h"
 
 #include <algorithm>
 #include <array>

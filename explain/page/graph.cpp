@@ -1,4 +1,4 @@
-#include "explain/page/graph.h"
+#include "explain/page/drawings.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "explain/text/reasons.h"
+#include "explain/text/sections.h"
 
 #include <algorithm>
 #include <map>

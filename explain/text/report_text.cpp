@@ -2,8 +2,7 @@
 
 #include "explain/report.h"
 #include "explain/text/layout.h"
-#include "explain/text/reasons.h"
-#include "explain/text/tree.h"
+#include "explain/text/sections.h"
 #include "explain/wording.h"
 #include "text/printable.h"
 

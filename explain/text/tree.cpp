@@ -1,4 +1,4 @@
-#include "explain/text/tree.h"
+#include "explain/text/sections.h"
 
 #include <cmath>
 #include <vector>
@@ -77,6 +77,17 @@ std::string Indented(const std::string& text, size_t depth, size_t room) {
                                              : "[" + std::to_string(depth) + "] " + text;
 }
 
+// A number with its sign, of at most seven characters; "-" for none.
+std::string SignedText(const std::optional<double>& value, int decimals) {
+    if (!value) {
+        return "-";
+    }
+    if (std::fabs(*value) > MOST_SHOWN) {
+        return *value > 0.0 ? ">+9999" : "<-9999";
+    }
+    return (*value < 0.0 ? "" : "+") + Fixed(*value, decimals);
+}
+
 std::string Columns(const NodeFinding& finding) {
     const Evidence& evidence = finding.evidence;
     return PadLeft(evidence.takesPart ? Percent(finding.share) : "-", 8) + "  " +
@@ -96,16 +107,6 @@ std::string NodeLine(const std::vector<NodeFinding>& findings, const Line& line)
 }
 
 }  // namespace
-
-std::string SignedText(const std::optional<double>& value, int decimals) {
-    if (!value) {
-        return "-";
-    }
-    if (std::fabs(*value) > MOST_SHOWN) {
-        return *value > 0.0 ? ">+9999" : "<-9999";
-    }
-    return (*value < 0.0 ? "" : "+") + Fixed(*value, decimals);
-}
 
 std::string TreeText(const Analysis& analysis) {
     std::string text =

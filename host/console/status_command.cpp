@@ -19,8 +19,8 @@
 #include "host/process/settings.h"
 #include "host/services/alarm.h"
 #include "host/services/startup.h"
-#include "text/local_time.h"
 #include "text/counted.h"
+#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace {

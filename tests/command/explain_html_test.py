@@ -1,4 +1,5 @@
 """The page of zorv-explain: harmless, the same again; and what its drawings show."""
+import itertools
 import json
 import os
 import re
@@ -9,8 +10,8 @@ import xml.etree.ElementTree as ElementTree
 
 from console import BIN, CONFIG, DATABASE, ConsoleTest
 
-HOSTILE = '"><script>x</script><a onclick=x href="http://x">&amp;\x1b[31m\u202e\udcff\udced\udca0\udc80\u4e2d'  # not all is UTF-8
-SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\\xff\\xed\\xa0\\x80\u4e2d'
+HOSTILE = '"><script>x</script><a onclick=x href="http://x">&amp;\x1b[31m\u202e\udcff\udced\udca0\udc80\u061c\ufffe\U000e0041\u4e2d'  # not all is UTF-8
+SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\\xff\\xed\\xa0\\x80\\u061c\\ufffe\\ue0041\u4e2d'
 
 
 class Page(ConsoleTest):
@@ -56,6 +57,15 @@ class Page(ConsoleTest):
             heights = re.findall(r",([\d.]+)", page.find(".//*[@class='series']").get("d"))
             self.assertTrue(len(heights) <= 600 and "20.0" in heights, "a lone peak goes up to the end of the axis")
 
+    def test_a_bad_graph_leaves_the_others_their_answers(self):
+        self.simulate("--scenario", "nas-slow", "--end", "20230105143000")
+        graphs = json.loads((self.root / CONFIG).read_text())
+        for bad in None, {"nodes": [5], "edges": []}, {"nodes": [{"id": "x", "label": "NAS_TRANS_ALL"}], "edges": []}:
+            (self.root / CONFIG).write_text(json.dumps({**graphs, "NAS_IO_NFSV4": bad} if bad else
+                                                       {name: graphs[name] for name in graphs if name != "NAS_IO_NFSV4"}))
+            headlines = ["".join(one.itertext()) for one in self.page().iterfind(".//*[@class='verdict']")]
+            self.assertEqual([one.startswith("Cannot tell: the configuration ") for one in headlines], [False, True, False])
+
     def test_what_the_page_is_written_to(self):
         self.simulate("--scenario", "healthy", "--end", "20230105143000")
         file, new, pipe, link, ahead = (self.root / name for name in ("p", "new", "pipe", "link", "ahead"))
@@ -66,6 +76,12 @@ class Page(ConsoleTest):
             page = pipe.read_text() if path == pipe else None
             self.assertEqual(explain.wait(), 1)
             self.assertTrue((page or path.read_text()).endswith("</html>\n"))
+        run = [BIN / "zorv-explain", "--root", self.root, "20230105063000", "20230105143000"]
+        for option, path in itertools.product(("--html", "--log"), (CONFIG, DATABASE, "evidence")):
+            (self.root / "evidence").unlink(missing_ok=True), (self.root / "evidence").symlink_to(DATABASE)
+            before = (self.root / path).read_bytes()
+            refused = subprocess.run([*run, option, self.root / path], capture_output=True, text=True)
+            self.assertEqual((refused.returncode, refused.stdout, (self.root / path).read_bytes()), (2, "", before))
         self.assertTrue(link.is_symlink() and file.exists() and new.exists() and pipe.is_fifo())
 
 

@@ -15,8 +15,8 @@ from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, ConsoleTest, compact
 
 SCHEMA = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/explain.schema.json").read_text()))
 POINT, DISK = "TGT_LUMO_HOST_READ", "BDM_DISK_READ"
-LABEL = b'<b>&"\x1b[31m\xff\xc3\n\xc2\x9b2J\xe2\x80\xae\xe7\xa3\x81\xe7\x9b\x98'  # two ideographs at the end
-SHOWN = '<b>&"\\x1b[31m\\xff\\xc3\\n\\u009b2J\\u202e磁盘'
+LABEL = b'<b>&"\x1b[31m\xff\xc3\n\xc2\x9b2J\xe2\x80\xae' + "\u061c\ufff9\ufe0f\uffff\U000e0041磁盘".encode()
+SHOWN = '<b>&"\\x1b[31m\\xff\\xc3\\n\\u009b2J\\u202e\\u061c\\ufff9\\ufe0f\\uffff\\ue0041磁盘'
 ADVICE = b"Replace\x1b]0;x\x07 \xe7\xa3\x81\xe7\x9b\x98\xff\xc0\xaf\xed\xa0\x80 " + b"\xe7\xa3\x81" * 3000
 
 
@@ -88,7 +88,7 @@ class Explain(ConsoleTest):
         (self.root / CONFIG).write_bytes(config.replace(advice, json_text(ADVICE)))
         self.sql("update version_nmaps set locatename = cast(? as text) where locatename = ?", LABEL, DISK)
         status, text, found = self.explain()
-        self.assertIn(f"\n{SHOWN} (SAN_IO_READ) holds ", text)
+        self.assertIn(f"\n{SHOWN}\n(SAN_IO_READ) holds ", text)
         self.assertIn("\n  Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
         first = found["analyses"][0]["candidates"][0]
         self.assertEqual((status, first["point"], first["advice"]),

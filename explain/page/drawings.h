@@ -1,4 +1,4 @@
-// The picture of a series: the delay of a point over time.
+// The pictures of an analysis.
 #pragma once
 
 #include <cstdint>
@@ -23,5 +23,9 @@ struct SeriesFrame {
 // median of its baseline. Of long series about 600 samples are drawn, every peak among them.
 Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
                      const SeriesFrame& frame, const std::string& id);
+
+// An SVG of the graph below the point, where the extra delay flows; `number` tells it from others on the
+// page. The width of a line is the share that flows along it. `analysis` must have an answer.
+Markup GraphDrawing(const Analysis& analysis, size_t number);
 
 }  // namespace explain

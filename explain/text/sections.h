@@ -1,0 +1,19 @@
+// The longer sections of the terminal's report.
+#pragma once
+
+#include <string>
+
+#include "explain/analysis/analysis.h"
+
+namespace explain {
+
+// The points below the slow one as an indented tree with their shares: a heading and a line for each node of
+// an analysis with findings, under the node through which it is first reached. Of a large graph, nodes
+// without a part and with none below them that has one are only counted.
+std::string TreeText(const Analysis& analysis);
+
+// What could not be told of the points: each kind of reason once, with the smallest and the largest count and
+// the names of its points. Empty when there is none.
+std::string ReasonsText(const Analysis& analysis);
+
+}  // namespace explain
