@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Writes the man pages and the shell completion from what the programs say of themselves and from the documents:
-# manuals.sh SOURCE_DIR BIN_DIR PLUGIN OUTPUT_DIR
+# Writes the man pages and the shell completion from what the programs say of themselves and from the documents, and the
+# packages' changelog: manuals.sh SOURCE_DIR BIN_DIR PLUGIN OUTPUT_DIR VERSION CONTACT
 set -euo pipefail
 export LC_ALL=C
-source=$1 bin=$2 plugin=$3 output=$4
+source=$1 bin=$2 plugin=$3 output=$4 release=$5 contact=$6
 programs=(zorv-local zorv-explain lumo-sim)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
@@ -57,3 +57,12 @@ done
     printf '_zorv_scenarios="%s"\n\n' "$("$bin/lumo-sim" --list | cut -d ' ' -f 1 | paste -sd ' ')"
     cat "$source/cli/completion.bash"
 } >"$output/completion"
+
+gzip -9n "$output"/*.[15]
+
+# The changelog as Debian writes it.
+{
+    printf 'libsmartdiagnose (%s) unstable; urgency=medium\n\n' "$release"
+    sed -n '/^- /,$p' "$source/CHANGELOG.md" | sed -e 's/^- /* /' | fmt -t -w 76 | sed -e 's/^/  /'
+    printf '\n -- %s  %s\n' "$contact" "$(date -R -u -d "@${SOURCE_DATE_EPOCH:-$(stat -c %Y "$source/CHANGELOG.md")}")"
+} | gzip -9n >"$output/changelog.gz"

@@ -15,33 +15,47 @@ configure_file(cmake/zorv-agent.pc.in ${PROJECT_BINARY_DIR}/zorv-agent.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ZorvAgentConfigVersion.cmake DESTINATION ${config_dir} COMPONENT headers)
 install(FILES ${PROJECT_BINARY_DIR}/zorv-agent.pc DESTINATION ${CMAKE_INSTALL_DATADIR}/pkgconfig COMPONENT headers)
 
+set(CPACK_PACKAGE_CONTACT "The developers of libsmartdiagnose <developers@libsmartdiagnose.invalid>" CACHE STRING
+  "Who answers for the packages, with an address")
+
+# What every package says of itself.
+function(install_texts component package)
+  set(doc_dir ${CMAKE_INSTALL_DATADIR}/doc/${package})
+  install(FILES README.md cmake/package/copyright ${manuals}/changelog.gz DESTINATION ${doc_dir} COMPONENT ${component})
+endfunction()
+
 # Manuals are made by running the programs.
 find_program(HELP2MAN help2man)
 find_program(LOWDOWN lowdown)
 if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANITIZE)
   set(manuals ${PROJECT_BINARY_DIR}/manuals)
-  set(sources cmake/manuals.sh cli/completion.bash docs/file-formats.md
+  set(sources cmake/manuals.sh CHANGELOG.md cli/completion.bash docs/file-formats.md
     docs/man/zorv-local.h2m docs/man/zorv-explain.h2m docs/man/lumo-sim.h2m)
   list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${manuals}/completion
     COMMAND ${PROJECT_SOURCE_DIR}/cmake/manuals.sh ${PROJECT_SOURCE_DIR} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
-      $<TARGET_FILE:smartdiagnose> ${manuals}
+      $<TARGET_FILE:smartdiagnose> ${manuals} ${PROJECT_VERSION} ${CPACK_PACKAGE_CONTACT}
     DEPENDS ${sources} zorv-local zorv-explain lumo-sim smartdiagnose
     COMMENT "Writing the manuals"
     VERBATIM)
   add_custom_target(manuals ALL DEPENDS ${manuals}/completion)
-  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN *.1)
-  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 FILES_MATCHING PATTERN *.5)
-  foreach(program zorv-local zorv-explain lumo-sim)
-    install(FILES ${manuals}/completion
-      DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${program})
+  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 FILES_MATCHING PATTERN *.1.gz)
+  install(DIRECTORY ${manuals}/ DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 FILES_MATCHING PATTERN *.5.gz)
+  set(completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES ${manuals}/completion DESTINATION ${completions} RENAME zorv-local)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
+  foreach(program zorv-explain lumo-sim)
+    file(CREATE_LINK zorv-local ${PROJECT_BINARY_DIR}/links/${program} SYMBOLIC)
+    install(FILES ${PROJECT_BINARY_DIR}/links/${program} DESTINATION ${completions})
   endforeach()
+  install_texts(plugin libsmartdiagnose)
+  install_texts(tools zorv-tools)
+  install_texts(headers libsmartdiagnose-dev)
 else()
   message(STATUS "Without manuals: they need help2man and lowdown, and programs that run here.")
 endif()
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_CONTACT "The developers of libsmartdiagnose")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL plugin tools headers)

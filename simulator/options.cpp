@@ -21,6 +21,7 @@ constexpr char EXAMPLES[] =
     "Examples:\n"
     "  lumo-sim --root /tmp/world  the last four hours, with a slow disk\n"
     "  lumo-sim --root /tmp/world --scenario nas-slow --seed 7  another fault, other noise\n"
+    "  lumo-sim --root /tmp/world --scenario ongoing --fault-strength 1.5  a mild one that goes on\n"
     "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY  errors of another type\n"
     "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000  two days of 2023\n"
     "  lumo-sim --root /tmp/world --live --step 1  goes on, with samples every second\n"
@@ -126,7 +127,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     app.add_option("--root", root, "Folder of the world; created when missing, a world in it is replaced")
         ->type_name("DIR");
     AddWorldOptions(app, world);
-    app.add_option("--end", end, "End of the range, local time; now when left out")
+    app.add_option("--end", end, "End of the range, local time, also as -30m; now when left out")
         ->type_name("YYYYMMDDhhmmss");
     app.add_flag("--list", list, "Lists the scenarios");
     AddFaultOptions(app, world, faultStart);

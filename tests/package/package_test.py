@@ -1,4 +1,5 @@
 """The Debian packages: makes them, installs them in an empty root, and uses what is there."""
+import gzip
 import os
 import re
 import subprocess
@@ -39,6 +40,11 @@ class PackageTest(unittest.TestCase):
             self.assertEqual(installed, built)
             self.assertIn("anal" if words == ["help"] else "BDM_DISK_READ", installed)
 
+    def test_lintian_finds_no_error(self):
+        packages = sorted((self.place / "packages").glob("*.deb"))
+        self.assertEqual(len(packages), 3)
+        run("lintian", "--allow-root", "--fail-on", "error", *packages)
+
     def test_packages_need_each_other_and_their_libraries(self):
         needs = {name: run("dpkg-query", "--admindir", self.root / "var/lib/dpkg", "-W", "-f", "${Depends}", name)
                  for name in ("libsmartdiagnose", "zorv-tools", "libsmartdiagnose-dev")}
@@ -51,16 +57,16 @@ class PackageTest(unittest.TestCase):
                  if line.startswith("  ")]
         self.assertIn("switch", names)
         for program in PROGRAMS:
-            page = (self.root / f"usr/share/man/man1/{program}.1").read_text().replace("\\-", "-")
+            page = gzip.decompress((self.root / f"usr/share/man/man1/{program}.1.gz").read_bytes()).decode().replace("\\-", "-")
             options = re.findall("--[a-z-]+", run(self.root / "usr/bin" / program, "--help"))
             for text in options + (names if program == "zorv-local" else []):
                 self.assertIn(text, page)
-        self.assertIn("subGraph", (self.root / "usr/share/man/man5/route_config.5").read_text())
+        self.assertIn(b"subGraph", gzip.decompress((self.root / "usr/share/man/man5/route_config.5.gz").read_bytes()))
 
     def test_completion(self):
         for line, expected in (("zorv-local --root x dela", ["delaydetect", "delayanal"]),
                                ("zorv-local --plu", ["--plugin"]), ("lumo-sim --scenario two", ["two-faults"]),
-                               ("zorv-explain --ht", ["--html"]), ("lumo-sim err", [])):
+                               ("zorv-explain --ht", ["--html"]), ("lumo-sim --fault-st", ["--fault-start", "--fault-strength"]), ("lumo-sim err", [])):
             words = line.split()
             script = (f'. "{self.root}/usr/share/bash-completion/completions/{words[0]}"; '
                       f'_zorv_complete {words[0]} {words[-1]} {words[-2]}; echo "${{COMPREPLY[*]}}"')
