@@ -130,22 +130,29 @@ uint32_t FaultDataBaseExcuteSql(const std::string& sql, FaultRowsCallBack callba
                                 std::vector<std::string>& texts) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter}, callback, first, second,
-                  texts);
+    return Excute(sql,
+                  {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                   FAULT_HERE, &endLimiter},
+                  callback, first, second, texts);
 }
 
 uint32_t FaultDataBaseExcuteFullSql(const std::string& sql, FaultFullRowsCallBack callback,
                                     std::map<std::string, FaultSeries>& series) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter}, callback, series);
+    return Excute(sql,
+                  {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                   FAULT_HERE, &endLimiter},
+                  callback, series);
 }
 
 uint32_t FaultGetDataTimeRange(std::string& earliest) {
     FaultResultTable table;
     if (!QueryWithRetry(FaultLumoDataBase(),
                         "SELECT tablename FROM table_flag ORDER BY reporttime ASC LIMIT 1;",
-                        {FAULT_HERE, nullptr, FAULT_HERE, nullptr}, table)) {
+                        {FAULT_HERE, nullptr,  // each line has a number of its own
+                         FAULT_HERE, nullptr},
+                        table)) {
         return 1;
     }
     if (table.cells == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
@@ -182,7 +189,9 @@ uint32_t FaultQueryHealEvent(const std::string& beginTime, const std::string& en
         beginTime + " and healtime <= " + endTime + " and nodeid = " + node.data() +
         " and (healcause == 'IOHANG' or healcause == 'IOERR');";
     FaultResultTable table;
-    if (!QueryWithRetry(FaultZorvHealDataBase(), sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter},
+    if (!QueryWithRetry(FaultZorvHealDataBase(), sql,
+                        {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                         FAULT_HERE, &endLimiter},
                         table)) {
         return 1;
     }

@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "fault_debug/fault_debug_errors.h"
+#include "fault_debug/fault_debug_command.h"
 #include "fault_server/fault_diagnose.h"
 #include "tests/fault_debug/console.h"
 
