@@ -18,9 +18,7 @@ const FaultSeries* DelaysOf(const FaultCausalityGraph& graph, const Node& node) 
         const auto observed = graph.mapObserveData.find(node.locName);
         return observed != graph.mapObserveData.end() ? &observed->second : nullptr;
     }
-    const auto& columns = graph.mapLumoData.at(node.locName);
-    const auto delays = columns.find("avgdelay");
-    return delays != columns.end() ? &delays->second : nullptr;
+    return &FaultCausalityGraph::ColumnOf(graph.mapLumoData.at(node.locName), "avgdelay");
 }
 
 FaultFactor FactorOf(const FaultCausalityGraph& graph, const Node& node) {

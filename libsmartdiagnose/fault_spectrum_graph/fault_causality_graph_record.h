@@ -9,7 +9,8 @@
 
 // The kinds of points.
 constexpr const char* FAULT_LUMO_POINT = "LUMO_POINT";  // a trace point of the statistics facility
-constexpr const char* FAULT_OB_POINT = "OB_POINT";      // an observation point: "OB_" is part of its name
+constexpr const char* FAULT_OB_POINT = "OB_POINT";      // an observation point
+constexpr const char* FAULT_OB_MARK = "OB_";            // which is part of its name
 
 // The delay of `sourceId` (the parent) can be caused by `targetId` (the child). `coff` stays 0: coefficients
 // are computed during a walk.

@@ -76,7 +76,7 @@ void FaultCausalityGraph::GetNodeResult(const NodeBase& node, const std::map<std
     result.locName = node.locName;
     result.coff = node.coff;
     // An observation point always ends the path.
-    result.endFlag = node.locName.find("OB_") != std::string::npos ? 1 : 0;
+    result.endFlag = node.locName.find(FAULT_OB_MARK) != std::string::npos ? 1 : 0;
     if (result.endFlag != 0) {
         return;
     }

@@ -234,9 +234,12 @@ TEST_F(ErrorCodes, AnswersEveryMistakeAndLives) {
     // Graphs that cannot be read.
     const Lines searches[] = {
         {"showallerr", FROM, TO}, {"errcodeshowall", FROM, TO}, {"errcodeshow", "IORETRY", "ALL", FROM, TO}};
-    const std::string graphs[] = {"", "7", R"({"nodes": [], "edges": []})",
+    const std::string graphs[] = {"",
+                                  "7",
+                                  R"({"nodes": [], "edges": []})",
                                   R"({"nodes": [{"info": {"erridx": "one"}}], "edges": []})",
-                                  R"({"nodes": [{"label": []}], "edges": []})"};
+                                  R"({"nodes": [{"label": []}], "edges": []})",
+                                  R"({"nodes": [{"id": 5, "description": "MODULE"}], "edges": []})"};
     for (const std::string& graph : graphs) {
         for (const Lines& words : searches) {
             Configure({{"ERRCODE_SMB", graph}});
