@@ -271,13 +271,9 @@ TEST_F(ErrorCodes, AFailingDatabaseIsNoAnswer) {
         for (const Lines& words : {Lines{"showallerr", FROM, TO}, Lines{"errcodeshowall", FROM, TO},
                                    Lines{"errcodeshow", "IORETRY", "ALL", FROM, TO}}) {
             EXPECT_EQ(Type(words), SEARCH_FAILED) << words[0] << failure;
-            const Lines lines = Agent::TakeLines();
-            EXPECT_EQ(
-                testing::Value(lines, testing::Contains(testing::HasSubstr("GetData: get data failed."))),
-                failure != 0);
-            EXPECT_EQ(testing::Value(lines, testing::Contains(testing::HasSubstr(
-                                                "GetErrCodeData: get lumodata from database failed."))),
-                      failure == 2);
+            EXPECT_EQ(Agent()->Count("get data failed.") > 0, failure != 0);
+            EXPECT_EQ(Agent()->Count("get lumodata from database failed.") > 0, failure == 2);
+            Agent()->logs.clear();
         }
     }
 }

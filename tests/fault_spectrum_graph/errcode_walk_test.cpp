@@ -1,7 +1,9 @@
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <json/value.h>
 
 #include <random>
 #include <set>
+#include <sstream>
 
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_causality_errcode_graph.h"
@@ -158,24 +160,14 @@ TEST(ErrCodeWalk, AgreesWithAReferenceOnRandomGraphs) {
 
 // The last node of an id, and the last attributes of a name, are those that count; a frame has nodes only.
 TEST(ErrCodeWalk, ReadsNodes) {
-    Json::Value nodes(Json::arrayValue);
-    const std::tuple<int, const char*, const char*, const char*> cases[] = {{1, "P", "", "automic"},
-                                                                            {2, "P", " -2x", "follow"},
-                                                                            {3, "M", "-3", "whole"},
-                                                                            {4, "Q", "", ""},
-                                                                            {4, "Q_OB_1", "-7", "whole"}};
-    for (const auto& [id, label, erridx, attr] : cases) {
-        Json::Value& node = nodes.append({});
-        node["id"] = id;
-        node["label"] = label;
-        node["name"] = "N";
-        node["info"]["attr"] = attr;
-        if (*erridx != '\0') {
-            node["info"]["erridx"] = erridx;
-        }
-        node["info"][*label == 'M' ? "subGraph" : "suggestion"] = "S";
-        node["description"] = *label == 'M' ? "a MODULE" : "";
-    }
+    Json::Value nodes;
+    std::istringstream(R"([
+        {"id": 1, "label": "P", "name": "N", "info": {"attr": "automic", "suggestion": "S"}},
+        {"id": 2, "label": "P", "name": "N", "info": {"attr": "follow", "erridx": " -2x"}},
+        {"id": 3, "label": "M", "description": "a MODULE", "info": {"attr": "whole", "erridx": "-3", "subGraph": "G"}},
+        {"id": 4, "label": "Q"},
+        {"id": 4, "label": "Q_OB_1", "name": "N", "info": {"attr": "whole", "erridx": "-7", "subGraph": "G"}}])") >>
+        nodes;
     FaultCausalityErrCodeGraph graph, frame;
     frame.SetFrameGraphFlag(false);
     EXPECT_TRUE(frame.frameGraphFlag);
@@ -185,7 +177,7 @@ TEST(ErrCodeWalk, ReadsNodes) {
         for (const auto& [id, node] : one->mapNodeInfo) {
             read += std::to_string(id) + node.locName + node.nextGraph + node.suggestion + node.attr + " ";
         }
-        EXPECT_EQ(read, "1PNSautomic 2PNSfollow 3MS 4Q_OB_1NSwhole ");
+        EXPECT_EQ(read, "1PNSautomic 2PNfollow 3MG 4Q_OB_1Gwhole ");
     }
     std::string attributes;
     for (const auto& [label, attr] : graph.mapErrCodeAttr) {
