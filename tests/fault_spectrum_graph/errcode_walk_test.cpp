@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <json/value.h>
+#include <json/reader.h>
 
 #include <random>
 #include <set>
