@@ -169,7 +169,7 @@ FaultAttempt FaultPrepareToRead(sqlite3* handle, int32_t cacheKib) {
         views += HasWord(sql, "view") ? (HasWord(sql, "with") ? MOST_VIEWS + 1 : 1) : 0;
         if (views > MOST_VIEWS) {
             attempt.ok = false;
-            attempt.error = "too many views";
+            attempt.error = "views refused";
         }
     }
     return attempt;

@@ -151,6 +151,44 @@ TEST_F(Query, ReadsEachPageOnce) {
     EXPECT_LT(bytesRead[2] - bytesRead[1], 100'000);
 }
 
+// Whatever the statement says and the schema holds, reading is all that happens, and it ends.
+TEST_F(Query, ReadsTablesAlone) {
+    const std::string join = " FROM table_flag a, t b, t c, t d, t e, t f, t g, t h, t i, t j, t k;";
+    std::string views = "CREATE VIEW v0 AS SELECT 1;";
+    for (int i = 1; i <= 20; ++i) {
+        views += "CREATE VIEW v" + std::to_string(i) + " AS SELECT * FROM v" + std::to_string(i - 1) + ";";
+    }
+    const std::string denied = "not authorized", second = "more than one statement";
+    const std::tuple<std::string, std::string, std::string> cases[] = {
+        {"", "vacuum into '" + world.Path("/beside") + "';", "authorization denied"},
+        {"", "attach '" + world.Path("/beside") + "' as other;", denied},
+        {"", "delete from table_flag;", denied},
+        {"", "pragma journal_mode = off;", denied},
+        {"", "select load_extension('x');", denied + " to use function: load_extension"},
+        {"", "select tablename from table_flag; vacuum into 'beside'; --';", second},
+        {"", "select 1; select 2;", second},
+        {"", "select x from (with r as (select 1 as x) select x from r);", denied},
+        {"CREATE VIEW v AS WITH RECURSIVE r(x) AS (SELECT 1 UNION ALL SELECT x FROM r) SELECT * FROM r;",
+         "select x from v;", "views refused"},
+        {views, "select 1;", "views refused"},
+        {"CREATE TABLE t AS VALUES (1), (2), (3), (4); CREATE VIEW v AS SELECT 1" + join, "select * from v;",
+         "too large a result"},
+        {"CREATE VIRTUAL TABLE v USING fts5(x);", "select x from v;", "no such module: fts5"},
+        {"CREATE VIEW v AS SELECT tablename FROM table_flag;", "select * from v; -- the end", ""},
+        {"", "select 'with', tablename from table_flag;", ""}};
+    Agent()->onSleep = [](size_t) { FaultDataBaseRelease(); };
+    for (const auto& [schema, sql, error] : cases) {
+        Open({{"generation0"}});
+        world.Exec(LUMO_DATABASE_FILE, schema);
+        texts.clear();
+        EXPECT_EQ(Run(sql), error.empty() ? 0U : 1U) << sql;
+        EXPECT_EQ(Agent()->Count(" 1 time:" + error + ", "), error.empty() ? 0U : 1U) << sql;
+        EXPECT_EQ(texts.empty() ? "" : texts.back(), error.empty() ? "generation0" : "") << sql;
+        Agent()->jiffies += 20000;
+    }
+    EXPECT_FALSE(std::filesystem::exists(world.Path("/beside")));
+}
+
 using Catalogue = DatabaseTest;
 
 TEST_F(Catalogue, TheEarliestTimeIsTheNameOfTheFirstReportedTable) {
