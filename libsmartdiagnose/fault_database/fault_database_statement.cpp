@@ -56,20 +56,40 @@ bool IsPartOfWord(char letter) {
            ((letter | 0x20) >= 'a' && (letter | 0x20) <= 'z');
 }
 
-// Whether SQL text has the word, in whatever case, which is given in lower case; also in a text or a comment.
-bool HasWord(std::string_view sql, std::string_view word) {
+// Where SQL text stands behind the word, in whatever case, which is given in lower case; also in a text or a
+// comment. Looks from `start` on; npos without one.
+size_t BehindWord(std::string_view sql, std::string_view word, size_t start = 0) {
     const auto isSame = [](char letter, char lower) { return (letter | 0x20) == lower; };
-    for (auto found = sql.begin();; ++found) {
+    for (auto found = sql.begin() + static_cast<std::ptrdiff_t>(start);; ++found) {
         found = std::search(found, sql.end(), word.begin(), word.end(), isSame);
         if (found == sql.end()) {
-            return false;
+            return std::string_view::npos;
         }
         const auto end = found + static_cast<std::ptrdiff_t>(word.size());
         const bool begins = found == sql.begin() || !IsPartOfWord(*std::prev(found));
         if (begins && (end == sql.end() || !IsPartOfWord(*end))) {
+            return static_cast<size_t>(end - sql.begin());
+        }
+    }
+}
+
+bool HasWord(std::string_view sql, std::string_view word) {
+    return BehindWord(sql, word) != std::string_view::npos;
+}
+
+// Whether a table of the schema has columns that are computed: AS, and an expression in brackets. Each may
+// hold the one before, and a call of any function.
+bool HasComputedColumn(std::string_view sql) {
+    constexpr std::string_view VIEW = "CREATE VIEW ";
+    size_t behind = sql.substr(0, VIEW.size()) == VIEW ? std::string_view::npos : BehindWord(sql, "as");
+    for (; behind != std::string_view::npos; behind = BehindWord(sql, "as", behind)) {
+        const size_t next = sql.find_first_not_of(" \t\r\n\f", behind);
+        if (next != std::string_view::npos &&
+            std::string_view("(/-").find(sql[next]) != std::string_view::npos) {
             return true;
         }
     }
+    return false;
 }
 
 // Whether a statement names intermediate results. A quoted text is none of its words, unless other quotes and
@@ -166,11 +186,10 @@ FaultAttempt FaultPrepareToRead(sqlite3* handle, int32_t cacheKib) {
     for (int32_t row = 1; attempt.ok && row <= attempt.table.rowCount; ++row) {
         const char* const text = attempt.table.cells[static_cast<size_t>(row)];
         const std::string_view sql = text != nullptr ? text : "";
-        views += HasWord(sql, "view") ? (HasWord(sql, "with") ? MOST_VIEWS + 1 : 1) : 0;
-        if (views > MOST_VIEWS) {
-            attempt.ok = false;
-            attempt.error = "views refused";
-        }
+        const bool isView = HasWord(sql, "view");
+        views += isView ? 1 : 0;
+        attempt.ok = views <= MOST_VIEWS && !(isView && HasWord(sql, "with")) && !HasComputedColumn(sql);
+        attempt.error = attempt.ok ? "" : "schema refused";
     }
     return attempt;
 }

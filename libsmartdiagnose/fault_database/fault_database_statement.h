@@ -32,7 +32,8 @@ struct FaultAttempt {
 void FaultAllowReadingAlone(sqlite3* handle);
 
 // The first attempt of all on such a connection: bounds the memory, KiB, in which pages of the file wait for
-// the next statement, and fails where views could keep SQLite busy before a statement even runs.
+// the next statement, and fails where views or computed columns could keep SQLite busy, or take the stack,
+// before a statement even runs.
 FaultAttempt FaultPrepareToRead(sqlite3* handle, int32_t cacheKib);
 
 // Runs a statement once. It fails as well when another one stands behind it, when it names intermediate
