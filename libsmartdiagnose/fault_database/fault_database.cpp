@@ -74,7 +74,7 @@ uint32_t Excute(const std::string& sql, const FaultRetryReport& report, CallBack
         return 1;
     }
     if (callback != nullptr) {
-        callback(table.cells.get(), table.rowCount, table.columnCount, containers...);
+        callback(table.cells.data(), table.rowCount, table.columnCount, containers...);
     }
     return 0;
 }
@@ -84,12 +84,12 @@ std::string TextOrEmpty(const char* cell) {
 }
 
 void FaultGetHealEventData(const FaultResultTable& table, std::vector<FaultHealEvent>& events) {
-    if (table.cells == nullptr) {
+    if (table.cells.data() == nullptr) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "DB pointer pResult is null.");
         return;
     }
     FaultCheckColumns(table.rowCount, table.columnCount, 4);
-    char** cells = table.cells.get();
+    char* const* cells = table.cells.data();
     for (int32_t row = 0; row < table.rowCount; ++row) {
         cells += table.columnCount;
         events.emplace_back(TextOrEmpty(cells[0]), TextOrEmpty(cells[1]), TextOrEmpty(cells[2]),
@@ -155,12 +155,12 @@ uint32_t FaultGetDataTimeRange(std::string& earliest) {
                         table)) {
         return 1;
     }
-    if (table.cells == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
+    if (table.cells.data() == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Query from database failed, data(%s), dataCol(%d).",
-                  table.cells == nullptr ? "NULL" : "not NULL", table.columnCount);
+                  table.cells.data() == nullptr ? "NULL" : "not NULL", table.columnCount);
         return 1;
     }
-    const std::string name(FaultCellText(table.cells.get()[table.columnCount]));
+    const std::string name(FaultCellText(table.cells.data()[table.columnCount]));
     FAULT_LOG(FAULT_HERE, FAULT_DEBUG, "The tableName:%s", name.c_str());
     if (name.size() <= FAULT_TABLE_PREFIX_LENGTH) {
         FAULT_LOG(FAULT_HERE, FAULT_WARNING, "The tableName:%s", name.c_str());

@@ -165,9 +165,9 @@ class OnTerminal(ConsoleTest):
         self.assertIn(FOUND, terminal.type(f"delaydetect {RANGE}\r"))
 
         endless = sqlite3.connect(self.root / DATABASE)
-        endless.executescript(f"""drop table {TABLE}; create view {TABLE} as
-            with recursive c(x) as (select 1 union all select x + 1 from c)
-            select 0 as locateid, x as curtime, 1 as avgdelay from c where x < 0""")
+        endless.executescript(f"""create table t as select column1 as x from (values {",".join(["(0)"] * 200)});
+            drop table {TABLE}; create view {TABLE} as select x as locateid, x as curtime, 1 as avgdelay
+            from (select a.x + b.x + c.x + d.x + e.x + f.x as x from t a, t b, t c, t d, t e, t f)""")
         endless.close()
         terminal.type(f"delaydetect {RANGE}\r", "\r\n")
         self.assertFalse(terminal.read(1), terminal.screen[terminal.seen:])
