@@ -8,6 +8,7 @@
 
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
+#include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
 
 namespace {
@@ -84,6 +85,7 @@ private:
             return fs::create_symlink(files.path, taken);
         }
         Tell(path, files, CopyDatabase(files, taken));
+        TellLosses(path, files, taken);
         writes.emplace_back([=] { SettleCopy(taken, path); });
     }
 
@@ -101,11 +103,24 @@ private:
                                               : " has a -wal file beside it";
         notes.push_back(path + why + ": working on a copy of " + std::to_string(bytes) + " bytes in " + root +
                         ".");
-        if (files.isWal && !files.isWalSound) {
+        if (files.isWal && files.walSize == 0) {
             notes.push_back(
-                path + "-wal is " + (files.walSize == 0 ? "missing or empty" : "damaged") +
-                ": unless the node had closed the database, its newest rows are missing. Copy both "
-                "from the node again.");
+                path +
+                "-wal is missing or empty: unless the node had closed the database, its newest rows "
+                "are missing. Copy both from the node again.");
+        }
+    }
+
+    // Looks at the copy, which nobody changes. What lies beside a database that is in another mode may be
+    // anything.
+    void TellLosses(const std::string& path, const CapturedDatabase& files, const std::string& copy) {
+        if (files.walSize == 0) {
+            return;
+        }
+        const WriteAheadLog log = ReadWriteAheadLog(copy + "-wal");
+        const std::string losses = LossesOf(log, path + "-wal");
+        if (!losses.empty() && (files.isWal || log.isSound)) {
+            notes.push_back(losses);
         }
     }
 

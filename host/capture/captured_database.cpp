@@ -148,10 +148,6 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
     if (database.isHot) {
         CheckJournal(journal, database.journalSize);
     }
-    if (database.walSize > 0) {
-        const uint32_t magic = BigEndian(HeaderOf(wal).data());
-        database.isWalSound = (magic & ~1U) == 0x377F0682U;
-    }
     if (database.size == 0) {
         throw CaptureError(path + " is empty" + AGAIN);
     }

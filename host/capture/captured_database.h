@@ -20,9 +20,8 @@ struct CapturedDatabase {
     uint64_t promisedSize = 0;  // as its header tells; 0: not told
     uint64_t walSize = 0;       // 0 for a file that is not there, too
     uint64_t journalSize = 0;
-    bool isWal = false;       // by its header
-    bool isWalSound = false;  // the -wal begins as one
-    bool isHot = false;       // the -journal is one that SQLite would roll back
+    bool isWal = false;  // by its header
+    bool isHot = false;  // the -journal is one that SQLite would roll back
 
     bool NeedsCopy() const { return isWal || walSize > 0 || isHot; }
 };
