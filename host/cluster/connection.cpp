@@ -141,6 +141,10 @@ BusFrame Connection::Receive() {
     return DecodeFrame(received).value();
 }
 
+void Connection::CutOff() {
+    nng_stream_close(stream.get());
+}
+
 void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length) {
     while (length > 0) {
         const nng_iov part = {bytes, length};
