@@ -31,6 +31,13 @@ uint64_t SizeOf(const std::string& path) {
                                                                        : 0;
 }
 
+// Whether there is something, and it is no file.
+bool IsOdd(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && !fs::is_regular_file(status);
+}
+
 // The first bytes of the file `path`; zeros where it is shorter.
 Header HeaderOf(const std::string& path) {
     const OwnedFd file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
@@ -107,21 +114,19 @@ private:
     const std::string shown;
 };
 
-void CheckSpace(const CapturedDatabase& database, const std::string& directory) {
-    // The rows of the -wal go into the database before it is removed.
-    const uint64_t needed = database.size + 2 * database.walSize + database.journalSize;
+void CheckSpace(const std::string& what, uint64_t needed, const std::string& directory) {
     std::error_code ignored;
     const fs::space_info space = fs::space(directory, ignored);
     if (!ignored && space.available < needed) {
-        throw CaptureError("there is no space for a copy of " + database.path + ": it takes " +
+        throw CaptureError("there is no space for a copy of " + what + ": it takes " +
                            std::to_string(needed) + " bytes, and " + directory + " has " +
                            std::to_string(space.available) + ". Name a larger place with TMPDIR.");
     }
 }
-
 }  // namespace
 
 void CopyFile(const std::string& from, const std::string& to) {
+    CheckSpace(from, SizeOf(from), fs::path(to).parent_path());
     std::error_code error;
     fs::copy_file(from, to, error);
     if (!error) {
@@ -144,6 +149,8 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
     database.size = SizeOf(database.path);
     database.walSize = SizeOf(wal);
     database.journalSize = SizeOf(journal);
+    database.hasWal = database.walSize > 0 || IsOdd(wal);
+    database.hasOddJournal = IsOdd(journal);
     database.isHot = database.journalSize > 0 && HeaderOf(journal)[0] != 0;
     if (database.isHot) {
         CheckJournal(journal, database.journalSize);
@@ -161,15 +168,17 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
 }
 
 uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path) {
-    CheckSpace(database, fs::path(path).parent_path());
+    const uint64_t bytes = database.size + database.walSize + (database.isHot ? database.journalSize : 0);
+    // The rows of the -wal go into the database before it is removed.
+    CheckSpace(database.path, bytes + database.walSize, fs::path(path).parent_path());
     CopyFile(database.path, path);
     if (database.walSize > 0) {
         CopyFile(database.path + "-wal", path + "-wal");
     }
-    if (database.journalSize > 0) {
+    if (database.isHot) {
         CopyFile(database.path + "-journal", path + "-journal");
     }
-    return database.size + database.walSize + database.journalSize;
+    return bytes;
 }
 
 void SettleCopy(const std::string& path, const std::string& shownPath) {

@@ -73,17 +73,19 @@ public:
 
 private:
     void Take(Bytes frame) {
-        const Pair sum =
-            Checksum(Checksum(last, frame, 8, isBigEndian), frame + FRAME_HEADER, pageSize, isBigEndian);
-        const bool follows = sum == NumbersAt(frame + 16) && Number(frame) != 0;
-        last = NumbersAt(frame + 16);  // so what follows a broken frame is still known
         isOwn = NumbersAt(frame + 8) == salts;
         if (isOwn) {
-            TakeOwn(follows, Number(frame + 4) != 0);
+            TakeOwn(!isBroken && Follows(frame), Number(frame + 4) != 0);
         } else {
             isBroken = true;
-            log.strange += follows || IsOlder(frame) ? 0U : 1U;
+            log.strange += IsOlder(frame) || Follows(frame) ? 0U : 1U;
         }
+        last = NumbersAt(frame + 16);  // so what follows a broken frame is still known
+    }
+
+    bool Follows(Bytes frame) const {
+        return Number(frame) != 0 && Checksum(Checksum(last, frame, 8, isBigEndian), frame + FRAME_HEADER,
+                                              pageSize, isBigEndian) == NumbersAt(frame + 16);
     }
 
     // A broken commit is one that was not finished, unless another one stands behind it.
