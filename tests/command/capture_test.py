@@ -136,6 +136,24 @@ class Capture(ConsoleTest):
         self.assertEqual(out.count("0xF00C90150"), 2, err)
         self.assertRegex(out, f"statistics     {self.database}\n.*, changed 1970-01-01 08:00:00, ")
 
+    def test_a_log_is_no_file_that_is_read(self):
+        self.seize()
+        beside, world = self.root / "beside", self.root / DATABASE
+        beside.mkdir()
+        (beside / "to_new").symlink_to("../capture/VRA/new")
+        (beside / "folder").symlink_to(self.capture)
+        (self.capture / "notes").touch()
+        for name, file in (("notes", self.capture / "notes"), ("configuration", self.root / CONFIG)):
+            os.link(file, beside / name)
+        for option, directory, log, why in (
+                ("--capture", self.capture, self.capture / "VRA/../log", "in the capture"), ("--capture", self.capture, beside / "to_new", "in the capture"),
+                ("--capture", self.capture, beside / "folder/a/log", "in the capture"), ("--capture", self.capture, beside / "notes", "in the capture"),
+                ("--root", self.root, beside / "configuration", f"{self.root / CONFIG}, which is read"),
+                ("--root", self.root, f"{world}-journal", f"{world}-journal, which is read"), ("--root", self.root, beside / "log", None)):
+            with self.subTest(log=log):
+                status, _, err = self.run_program("zorv-local", option, directory, "--log", log, "help")
+                self.assertEqual((status, f"'{log}' is not written: it is {why}" in err), (3, True) if why else (0, False), err)
+
     def test_the_temporary_root_goes_with_the_process(self):
         self.seize(WAL)
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGKILL):
