@@ -9,8 +9,10 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "host/process/files.h"
 
@@ -71,16 +73,71 @@ void TakeDatabaseHeader(const Header& header, CapturedDatabase& database) {
     }
 }
 
-// Of a journal that is to be rolled back: SQLite takes a damaged one for one without pages, and the rows of
-// the unfinished transaction would stay. The pages that the first header promises have to be there.
+// A part of a journal, as the header before its pages tells.
+struct JournalPart {
+    static constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
+
+    explicit JournalPart(const Header& header)
+        : isOne(std::memcmp(header.data(), "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8) == 0),
+          pages(BigEndian(&header[8])),
+          nonce(BigEndian(&header[12])),
+          sector(BigEndian(&header[20])),
+          pageSize(BigEndian(&header[24])) {}
+
+    bool IsSound() const { return isOne && sector >= 32 && pageSize >= 512 && pageSize <= 65536; }
+    uint64_t Record() const { return uint64_t{pageSize} + 8; }  // number, page, checksum
+    uint64_t Length() const { return sector + (pages == NOT_COUNTED ? 0 : pages * Record()); }
+
+    bool IsSound(const unsigned char* record) const {
+        uint32_t sum = nonce;
+        for (uint32_t place = pageSize - 200; place > 0 && place < pageSize; place -= 200) {
+            sum += record[4 + place];
+        }
+        return sum == BigEndian(record + 4 + pageSize);
+    }
+
+    bool isOne;
+    uint32_t pages, nonce, sector, pageSize;
+};
+
+// Whether the pages that are there have their checksums; the file stands before them.
+bool HasSoundPages(std::istream& file, const JournalPart& part) {
+    std::vector<char> record(part.Record());
+    for (uint32_t page = 0; page < part.pages; ++page) {
+        if (!file.read(record.data(), static_cast<std::streamsize>(record.size()))) {
+            return true;
+        }
+        if (!part.IsSound(reinterpret_cast<const unsigned char*>(record.data()))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The same of all parts.
+bool HasSoundParts(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    Header header{};
+    for (uint64_t place = 0; file.seekg(static_cast<std::streamoff>(place)) &&
+                             file.read(reinterpret_cast<char*>(header.data()), header.size());) {
+        const JournalPart part(header);
+        if (!part.IsSound() || part.pages == 0) {  // what an older transaction has left, or nothing
+            return true;
+        }
+        file.seekg(static_cast<std::streamoff>(place + part.sector));
+        if (!HasSoundPages(file, part)) {
+            return false;
+        }
+        place += (part.Length() + part.sector - 1) / part.sector * part.sector;
+    }
+    return true;
+}
+
+// Of a journal that is to be rolled back: SQLite ends without a word where it is damaged, and rows of the
+// unfinished transaction would stay. The pages that the first header promises have to be there.
 void CheckJournal(const std::string& path, uint64_t size) {
-    constexpr unsigned char MAGIC[] = {0xD9, 0xD5, 0x05, 0xF9, 0x20, 0xA1, 0x63, 0xD7};
-    constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
-    const Header header = HeaderOf(path);
-    const uint32_t pages = BigEndian(&header[8]);
-    const uint64_t pageRecord = uint64_t{BigEndian(&header[24])} + 8;
-    const uint64_t promised = BigEndian(&header[20]) + (pages == NOT_COUNTED ? 0 : pages * pageRecord);
-    if (std::memcmp(header.data(), MAGIC, sizeof MAGIC) != 0 || size < promised) {
+    const JournalPart first(HeaderOf(path));
+    if (!first.IsSound() || size < first.Length() || !HasSoundParts(path)) {
         throw CaptureError(
             path + " is damaged: it holds what an unfinished transaction has to be rolled back with" + AGAIN);
     }

@@ -82,10 +82,10 @@ class Capture(ConsoleTest):
         database, heal, config = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG
         wal, journal = Path(f"{database}-wal"), Path(f"{database}-journal")
         size, healing = os.stat(self.root / DATABASE).st_size, " without the healing events the plug-in opens no database."
-        def overwrite(place, count):
-            with wal.open("r+b") as file:
-                file.seek(place)
-                file.write(b"x" * count)
+        def overwrite(place, count, file=wal):
+            with file.open("r+b") as opened:
+                opened.seek(place)
+                opened.write(b"x" * count)
 
         cases = [  # damage, exit status, what is said, options, how the node was left
             (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
@@ -101,6 +101,7 @@ class Capture(ConsoleTest):
             (heal.unlink, 0, f"{heal} is missing: an empty one stands in, so no healing events are told.", ["--empty-heal"]),
             (config.unlink, 0, f"{config} is missing: there are no graphs, so no causes are found. Copy it from the node."),
             (lambda: os.truncate(journal, 900), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
+            (lambda: overwrite(99000, 999, journal), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
             (lambda: journal.write_text("x" * 9999), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
             (lambda: wal.write_text("x" * 99), 0, f"{database} has a -wal file beside it" + COPY),
             (lambda: os.mkfifo(wal), 0, f"{database} has a -wal file beside it" + COPY),
