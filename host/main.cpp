@@ -10,6 +10,7 @@
 #include <stdexcept>
 
 #include "host/capture/capture.h"
+#include "host/capture/inputs.h"
 #include "host/cluster/cluster_file.h"
 #include "host/cluster/message.h"
 #include "host/console/session.h"
@@ -32,6 +33,15 @@ std::string CheckedRoot(const std::string& root) {
         throw std::runtime_error("the root '" + root + "' is not a directory");
     }
     return std::filesystem::absolute(root).lexically_normal();
+}
+
+void CheckLogFile(const Options& options) {
+    const Inputs inputs = {options.capture.value_or(options.root.value_or("")),
+                           options.capture.has_value(),
+                           {options.cluster, options.plugin.value_or("")}};
+    if (const auto reason = options.logFile.empty() ? std::nullopt : WhyNotWritten(options.logFile, inputs)) {
+        throw std::runtime_error(*reason);
+    }
 }
 
 // The capture is then to be kept.
@@ -92,6 +102,7 @@ ExitStatus RunCommands(const Options& options, const std::optional<Capture>& cap
 }
 
 void Start(const Options& options, std::optional<Capture>& capture) {
+    CheckLogFile(options);
     NodeAddresses nodes;  // read before a large capture is copied for nothing
     if (!options.cluster.empty()) {
         nodes = ReadClusterFile(options.cluster, {options.node, options.master});

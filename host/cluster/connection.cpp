@@ -44,11 +44,17 @@ Connection::Stream Dial(const std::string& address, Moment end) {
     Check(nng_stream_dialer_alloc(&dialer, address.c_str()));
     const std::unique_ptr<nng_stream_dialer, void (*)(nng_stream_dialer*)> owner(dialer,
                                                                                  nng_stream_dialer_free);
-    Operation operation;
-    nng_aio_set_timeout(operation.Get(), Left(end));
-    nng_stream_dialer_dial(dialer, operation.Get());
-    Check(operation.Wait());
-    return StreamOf(operation);
+    for (;;) {
+        Operation operation;
+        nng_aio_set_timeout(operation.Get(), Left(end));
+        nng_stream_dialer_dial(dialer, operation.Get());
+        const int error = operation.Wait();
+        if (error != NNG_EAGAIN || Left(end) == 0 || Interrupted()) {
+            Check(error);
+            return StreamOf(operation);
+        }
+        SleepUnlessInterrupted(PAUSE);  // more wait there to be let in than an ipc address holds
+    }
 }
 
 bool HasManyDescriptors() {
@@ -139,6 +145,11 @@ BusFrame Connection::Receive() {
     received.resize(FRAME_HEADER + *length);
     Transfer(nng_stream_recv, received.data() + FRAME_HEADER, *length);
     return DecodeFrame(received).value();
+}
+
+// What is begun on a stream that was closed would not end before its time.
+void Connection::CutOff() {
+    nng_aio_stop(operation.Get());
 }
 
 void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length) {

@@ -66,6 +66,10 @@ public:
     // What comes next, valid until this is called again. Throws NoFrame.
     BusFrame Receive();
 
+    // Any thread, while the connection lives: whatever is asked of it throws from now on, also what has
+    // begun.
+    void CutOff();
+
 private:
     void Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length);
 
