@@ -48,9 +48,7 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
-    if (options.zone.has_value()) {
-        SetZone(*options.zone);
-    }
+    options.zone.has_value() ? SetZone(*options.zone) : KeepZone();
     HostSettings settings;
     if (options.capture.has_value()) {
         OpenCapture(options, capture, settings);

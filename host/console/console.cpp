@@ -20,7 +20,7 @@ namespace {
 constexpr const char* EXPLAIN = "explain";
 
 void Report(const std::string& place, const std::string& text) {
-    std::fprintf(stderr, "zorv-local: %s%s\n", place.c_str(), text.c_str());
+    std::fprintf(stderr, "zorv-local: %s%s\n", place.c_str(), Printable(text, text.npos, "\n").c_str());
 }
 
 // Of an interrupted command: it failed because of that.

@@ -11,7 +11,8 @@ constexpr int HISTORY_LINES = 1000;
 std::string HistoryPath();
 
 // Lines in a file that several consoles share; only its owner can read it. A console that ends in the middle
-// of a call leaves a whole file. Belongs to one thread; blocks on file I/O.
+// of a call leaves a whole file. Belongs to one thread; blocks on file I/O, and a second at most for the
+// others: after a failure nothing is kept any more.
 class HistoryFile {
 public:
     // Makes the folders of `path`; an empty path keeps nothing.

@@ -40,7 +40,7 @@ private:
     bool WaitForKey();
     int NextCharacter(wchar_t* character);
     unsigned char Complete();
-    void Insert(const std::string& rest);
+    void Insert(const std::wstring& rest);
     void ShowChoices(const Words& choices);
     void ClearTyped();
     void PrintAbove(FILE* stream, const std::string& text);

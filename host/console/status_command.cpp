@@ -142,6 +142,7 @@ void RunStatusCommand(const Words& words) {
         throw UsageError("usage: status");
     }
     PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
+    PrintRow("zone", ZoneText(ZoneOffsetAt(std::time(nullptr))) + ", kept until this program ends");
     PrintFile("statistics", LUMO_DATABASE_FILE);
     PrintRow("earliest time", Printable(EarliestTime()));
     PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
