@@ -95,3 +95,11 @@ std::vector<std::string> PointNames(const RouteFile& file) {
     }
     return {names.begin(), names.end()};
 }
+
+std::vector<std::string> GraphNames(const RouteFile& file) {
+    std::vector<std::string> names;
+    for (const RouteGraph& graph : file.graphs) {
+        names.push_back(graph.name);
+    }
+    return names;
+}

@@ -22,3 +22,6 @@ const RouteFile& CurrentRouteFile();
 
 // The points of all graphs, each once.
 std::vector<std::string> PointNames(const RouteFile& file);
+
+// The graphs, in the order of the file's reader.
+std::vector<std::string> GraphNames(const RouteFile& file);

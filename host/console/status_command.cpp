@@ -1,5 +1,3 @@
-#include "host/console/status_command.h"
-
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -14,10 +12,10 @@
 #include "agent/agent_message.h"
 #include "agent/agent_storage.h"
 #include "host/console/columns.h"
+#include "host/console/commands.h"
 #include "host/console/route_file.h"
-#include "host/console/switch_command.h"
 #include "host/process/settings.h"
-#include "host/services/alarm.h"
+#include "host/services/alarm_counts.h"
 #include "host/services/startup.h"
 #include "text/local_time.h"
 #include "text/printable.h"
@@ -137,7 +135,7 @@ std::string Startup() {
 }
 }  // namespace
 
-void RunStatusCommand(const Words& words) {
+ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
     if (words.size() > 1) {
         throw UsageError("usage: status");
     }
@@ -150,4 +148,5 @@ void RunStatusCommand(const Words& words) {
     PrintRow("switch", SwitchAndItsOrigin());
     PrintRow("alarms", Alarms());
     PrintRow("start-up", Startup());
+    return STATUS_OK;
 }

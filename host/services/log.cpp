@@ -13,7 +13,7 @@
 #include "host/process/error_lines.h"
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
-#include "host/services/alarm.h"
+#include "host/services/alarm_counts.h"
 #include "text/printable.h"
 
 namespace {
