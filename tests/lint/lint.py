@@ -81,11 +81,15 @@ def check_arrows():
 
 
 def check_circles():
-    """A header and its source are one: what one of them includes, both need."""
+    """A header and its source are one: what one of them includes, both need. A part, such as unit_part, may use
+    what the header of its unit declares, though the unit's source uses the part."""
     needs = {}
     for path in sources(".h", ".cpp"):
-        needed = needs.setdefault(path.with_suffix(""), set())
-        needed |= {file.with_suffix("") for _, file in includes(path) if file} - {path.with_suffix("")}
+        for _, file in includes(path):
+            if file and file.with_suffix("") != path.with_suffix(""):
+                is_own_unit = file.parent == path.parent and path.stem.startswith(file.stem + "_")
+                for name in (path, path.with_suffix("")):
+                    needs.setdefault(name, set()).add(file if is_own_unit else file.with_suffix(""))
     for name in needs:
         reached, ahead = {}, [name]
         while ahead:
