@@ -25,6 +25,7 @@
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 std::string CheckedRoot(const std::string& root) {
     std::error_code ignored;
@@ -125,9 +126,8 @@ ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
     CheckLeaks();
     _exit(status);
 }
-}  // namespace
 
-int main(int argc, char** argv) {
+int RunProgram(int argc, char** argv) {
     BeginProcess();
     std::signal(SIGPIPE, SIG_IGN);
     std::setlocale(LC_CTYPE, "");
@@ -138,4 +138,10 @@ int main(int argc, char** argv) {
     }
     std::optional<Capture> capture;  // gone with the process: the plug-in's threads use it until then
     Leave(RunHost(options, capture));
+}
+}  // namespace
+}  // namespace zorv
+
+int main(int argc, char** argv) {
+    return zorv::RunProgram(argc, argv);
 }

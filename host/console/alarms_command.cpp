@@ -20,6 +20,7 @@
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t USUAL_COUNT = 20;
 constexpr size_t LARGEST_COUNT = 1000;
@@ -119,3 +120,4 @@ ExitStatus RunAlarms(const Words& words, ConsoleState& /*state*/) {
     }
     return STATUS_OK;
 }
+}  // namespace zorv

@@ -8,6 +8,7 @@
 #include "host/console/command_line.h"
 #include "host/status.h"
 
+namespace zorv {
 // What a command may know and change of the console that runs it.
 struct ConsoleState {
     const Words sharedOptions;  // of this program: those that it runs take them over
@@ -27,3 +28,4 @@ struct Command {
     // words that it does not know, and std::runtime_error when it failed.
     std::function<ExitStatus(const Words& words, ConsoleState& state)> run;
 };
+}  // namespace zorv

@@ -8,6 +8,7 @@
 #include "text/nearest_name.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 struct Row {
     const char* name;
@@ -82,3 +83,4 @@ Command CommandNamed(const std::string& name) {
     throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
                      (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
 }
+}  // namespace zorv

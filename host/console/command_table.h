@@ -7,6 +7,7 @@
 
 #include "host/console/command.h"
 
+namespace zorv {
 // The registered ones come first, in the order of their registration. Any thread, as for all of these.
 std::vector<Command> AllCommands();
 
@@ -17,3 +18,4 @@ std::optional<Command> FindCommand(const std::string& name);
 
 // The same. Throws UsageError, which names the nearest one, when there is none.
 Command CommandNamed(const std::string& name);
+}  // namespace zorv

@@ -6,6 +6,7 @@
 
 #include "host/console/command.h"
 
+namespace zorv {
 // Lists the commands, or prints the whole help of one.
 ExitStatus RunHelp(const Words& words, ConsoleState& state);
 Words WordsAfterHelp(const Words& before);
@@ -35,3 +36,4 @@ ExitStatus RunExplain(const Words& words, ConsoleState& state);
 Words WordsAfterExplain(const Words& before);
 
 ExitStatus RunQuit(const Words& words, ConsoleState& state);
+}  // namespace zorv

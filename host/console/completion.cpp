@@ -5,6 +5,7 @@
 #include "host/console/command_table.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 // What would have to be quoted, or would do something to the terminal, is not offered.
 bool IsPlain(const std::string& word) {
@@ -19,3 +20,4 @@ Words WordsAfter(const Words& words) {
               all.end());
     return all;
 }
+}  // namespace zorv

@@ -11,6 +11,7 @@
 #include "text/printable.h"
 #include "text/time_words.h"
 
+namespace zorv {
 namespace {
 void Report(const std::string& place, const std::string& text) {
     std::fprintf(stderr, "zorv-local: %s%s\n", place.c_str(), Printable(text, text.npos, "\n").c_str());
@@ -87,3 +88,4 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
     }
     return status;
 }
+}  // namespace zorv

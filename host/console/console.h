@@ -6,6 +6,7 @@
 
 #include "host/console/command.h"
 
+namespace zorv {
 // Belongs to one thread, the console's.
 class Console {
 public:
@@ -27,3 +28,4 @@ public:
 private:
     ConsoleState state;
 };
+}  // namespace zorv

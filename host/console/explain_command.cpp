@@ -13,6 +13,7 @@
 #include "host/console/commands.h"
 #include "host/console/route_file.h"
 
+namespace zorv {
 namespace {
 constexpr const char* PROGRAM = "zorv-explain";
 
@@ -78,3 +79,4 @@ Words WordsAfterExplain(const Words& before) {
     }
     return {"--point", "--graph", "--at", "--zone", "--json", "--html", "--help"};
 }
+}  // namespace zorv

@@ -2,6 +2,7 @@
 #include "host/console/command_table.h"
 #include "host/console/commands.h"
 
+namespace zorv {
 namespace {
 void ListCommands() {
     std::string group;
@@ -36,3 +37,4 @@ ExitStatus RunHelp(const Words& words, ConsoleState& /*state*/) {
 Words WordsAfterHelp(const Words& before) {
     return before.size() < 2 ? CommandNames() : Words();
 }
+}  // namespace zorv

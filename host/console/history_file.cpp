@@ -16,6 +16,7 @@
 
 #include "host/process/files.h"
 
+namespace zorv {
 namespace {
 constexpr mode_t DIRECTORY_MODE = 0700;
 constexpr mode_t FILE_MODE = 0600;
@@ -151,3 +152,4 @@ void HistoryFile::Add(const std::string& line) {
         problem = ReasonOf(errno);
     }
 }
+}  // namespace zorv

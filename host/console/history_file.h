@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 constexpr int HISTORY_LINES = 1000;
 
 // Where the history is kept: ZORV_LOCAL_HISTFILE, or a file of the operator's state directory. Empty when it
@@ -31,3 +32,4 @@ private:
     const std::string path;
     std::string problem;
 };
+}  // namespace zorv

@@ -15,6 +15,7 @@
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr int PROMPT_WIDTH = 6;
 constexpr char LITERAL = '\1';  // around what does not move the cursor
@@ -312,3 +313,4 @@ void LineEditor::ShowChoices(const Words& choices) {
     const auto height = static_cast<size_t>(std::max(Number("li") - OTHER_ROWS, 1));
     PrintAbove(screen, Prompt(editor.get()) + Printable(typed) + '\n' + InColumns(choices, width, height));
 }
+}  // namespace zorv

@@ -13,6 +13,7 @@
 #include "host/console/history_file.h"
 #include "host/console/key_wait.h"
 
+namespace zorv {
 // Belongs to one thread. Sets the terminal up for each line and back after it. Lines that other threads print
 // to stderr meanwhile, see host/process/error_lines.h, come to stand above the line that is being typed.
 class LineEditor {
@@ -65,3 +66,4 @@ private:
     const std::unique_ptr<History, HistoryEnd> history;
     const std::unique_ptr<EditLine, EditLineEnd> editor;
 };
+}  // namespace zorv

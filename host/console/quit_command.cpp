@@ -1,5 +1,6 @@
 #include "host/console/commands.h"
 
+namespace zorv {
 ExitStatus RunQuit(const Words& words, ConsoleState& state) {
     if (words.size() > 1) {
         throw UsageError("usage: quit");
@@ -7,3 +8,4 @@ ExitStatus RunQuit(const Words& words, ConsoleState& state) {
     state.leaving = true;
     return STATUS_OK;
 }
+}  // namespace zorv

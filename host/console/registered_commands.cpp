@@ -6,6 +6,7 @@
 #include "host/console/route_file.h"
 #include "host/services/console.h"
 
+namespace zorv {
 namespace {
 // What their help texts do not tell in one form: where START stands.
 const std::map<std::string, size_t> PLACES_OF_START = {
@@ -64,3 +65,4 @@ std::vector<Command> CommandsOfThePlugin() {
     }
     return commands;
 }
+}  // namespace zorv

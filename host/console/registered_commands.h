@@ -5,5 +5,7 @@
 
 #include "host/console/command.h"
 
+namespace zorv {
 // In the order of their registration. Any thread.
 std::vector<Command> CommandsOfThePlugin();
+}  // namespace zorv

@@ -13,6 +13,7 @@
 #include "host/process/files.h"
 #include "host/process/settings.h"
 
+namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
 constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
@@ -103,3 +104,4 @@ std::vector<std::string> GraphNames(const RouteFile& file) {
     }
     return names;
 }
+}  // namespace zorv

@@ -15,6 +15,7 @@
 #include "host/services/console.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t LONGEST_LINE = size_t{16} << 20;  // enough for any command; an endless line must end
 
@@ -76,3 +77,4 @@ ExitStatus RunTerminal(Console& console) {
     }
     return OutputError() == 0 ? STATUS_OK : STATUS_FAILED;
 }
+}  // namespace zorv

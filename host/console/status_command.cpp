@@ -20,6 +20,7 @@
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
 
@@ -150,3 +151,4 @@ ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
     PrintRow("start-up", Startup());
     return STATUS_OK;
 }
+}  // namespace zorv

@@ -10,6 +10,7 @@
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 struct SwitchValue {
     int32_t number;
@@ -141,3 +142,4 @@ std::string SwitchAndItsOrigin() {
     return isLocal ? Described(number) + ", from the file of this node" + silence
                    : Described(FAULT_DIAG_SWITCH_UNREADABLE) + silence;
 }
+}  // namespace zorv

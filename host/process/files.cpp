@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 
+namespace zorv {
 namespace {
 constexpr mode_t FILE_MODE = 0644;
 
@@ -146,3 +147,4 @@ bool ReadSmallFile(const std::string& path, size_t most, std::string& content) {
     content = std::move(text);
     return true;
 }
+}  // namespace zorv

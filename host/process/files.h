@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+namespace zorv {
 // A file descriptor that is closed with its owner; below 0 when it could not be opened.
 class OwnedFd {
 public:
@@ -39,3 +40,4 @@ bool AppendLine(const std::string& path, const std::string& line);
 // Reads the whole of the regular file `path`. Returns false, with `content` unchanged, when that is not
 // possible or the file is longer than `most` bytes.
 bool ReadSmallFile(const std::string& path, size_t most, std::string& content);
+}  // namespace zorv

@@ -9,6 +9,7 @@
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
 
+namespace zorv {
 namespace {
 constexpr int STEPS_BETWEEN_LOOKS = 1000;  // of SQLite's virtual machine, a few microseconds
 
@@ -80,3 +81,4 @@ std::string FailedStatements() {
     }
     return failures;
 }
+}  // namespace zorv

@@ -17,6 +17,7 @@
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 std::string AlarmLine(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
     Json::Value alarm;
@@ -43,10 +44,11 @@ uint32_t RaiseAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char
     return 0;
 }
 }  // namespace
+}  // namespace zorv
 
 uint32_t ALM_SendAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
-    const uint32_t result =
-        Guarded("alarm", 1U, [=] { return RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
-    CountAlarm(result == 0);
+    const uint32_t result = zorv::Guarded(
+        "alarm", 1U, [=] { return zorv::RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
+    zorv::CountAlarm(result == 0);
     return result;
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 
+namespace zorv {
 namespace {
 constexpr const char* SUPPRESSED = "alarm too much, zorv will not send alarm";
 
@@ -24,3 +25,4 @@ void CountSuppressedAlarm(const char* logFormat) {
         ++g_suppressed;
     }
 }
+}  // namespace zorv

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+namespace zorv {
 struct AlarmCounts {
     uint64_t sent = 0;        // written to the alarm file
     uint64_t lost = 0;        // could not be written
@@ -17,3 +18,4 @@ void CountAlarm(bool isSent);
 // Counts the log line with this format when it tells that the plug-in kept an alarm back: the service itself
 // never hears of that.
 void CountSuppressedAlarm(const char* logFormat);
+}  // namespace zorv

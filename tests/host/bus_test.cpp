@@ -80,7 +80,7 @@ protected:
     std::atomic<int> stored{0};
     std::atomic<bool> onlyValue{true};
     std::promise<void> blocked, unblock;
-    Bus& own = MakeImmortal<Bus>(OWN, addresses);
+    Bus& own = zorv::MakeImmortal<Bus>(OWN, addresses);
     Bus other{OTHER, addresses};  // which asks only
 };
 

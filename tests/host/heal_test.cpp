@@ -33,6 +33,8 @@ int rename(const char* from, const char* to) noexcept {
 }
 
 namespace {
+using zorv::SetHostSettings;
+
 constexpr const char* FILE_NAME = "/VRA/coffer_log/log/heal/data/test.ini";
 constexpr int32_t UNTOUCHED = -77;
 

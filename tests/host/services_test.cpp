@@ -26,6 +26,7 @@
 namespace {
 using std::chrono::steady_clock;
 using namespace std::chrono_literals;
+using zorv::SetHostSettings;
 
 TEST(MemoryTest, StaysWithinBounds) {
     const struct {
@@ -106,7 +107,7 @@ TEST(TimerTest, RunsAfterEachPeriodUntilStopped) {
     EXPECT_TRUE(Reaches(repeated, 3));
     EXPECT_GE(steady_clock::now() - start, 60ms);
     EXPECT_TRUE(Reaches(once, 1));
-    StopTimers();
+    zorv::StopTimers();
     EXPECT_EQ(once, 1);
     EXPECT_EQ(never, 0);
 }
