@@ -10,6 +10,7 @@
 #include "agent/agent_switch.h"
 #include "host/services/alarm.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -171,3 +172,4 @@ Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
     fs::create_directory_symlink(directory, root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);
 }
+}  // namespace zorv

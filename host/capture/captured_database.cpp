@@ -14,6 +14,7 @@
 
 #include "host/process/files.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -192,3 +193,4 @@ void CheckTables(const std::string& path, const std::vector<std::string>& tables
 void MakeDatabase(const std::string& path, const std::string& statement) {
     Connection(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, path).Run(statement);
 }
+}  // namespace zorv

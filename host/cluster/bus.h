@@ -15,6 +15,7 @@
 #include "host/cluster/connection.h"
 #include "host/cluster/delivery.h"
 
+namespace zorv {
 // Where each node of the cluster listens: "ipc:///PATH" or "tcp://HOST:PORT".
 using NodeAddresses = std::map<uint32_t, std::string>;
 
@@ -57,3 +58,4 @@ private:
     Listener listener;
     std::atomic<uint64_t> garbage{0}, astray{0}, late{0}, lost{0};
 };
+}  // namespace zorv

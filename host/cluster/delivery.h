@@ -12,6 +12,7 @@
 
 #include "agent/agent_message.h"
 
+namespace zorv {
 // The data of an answer, from malloc(): C code frees it.
 struct Answer {
     struct Free {
@@ -51,3 +52,4 @@ private:
     std::map<uint64_t, std::optional<Answer>> waiting;  // by sequence, which is never used twice
     uint64_t lastSequence = 0;
 };
+}  // namespace zorv

@@ -15,6 +15,7 @@
 namespace {
 using std::chrono::steady_clock;
 using namespace std::chrono_literals;
+using namespace zorv;
 
 enum : uint32_t { OWN = 1, OTHER, FAKE, UNKNOWN, STORE = 0x70002120, BLOCK = 0x12345678 };
 const std::string VALUE("\3\0\0\0", 4);
@@ -80,7 +81,7 @@ protected:
     std::atomic<int> stored{0};
     std::atomic<bool> onlyValue{true};
     std::promise<void> blocked, unblock;
-    Bus& own = zorv::MakeImmortal<Bus>(OWN, addresses);
+    Bus& own = MakeImmortal<Bus>(OWN, addresses);
     Bus other{OTHER, addresses};  // which asks only
 };
 
