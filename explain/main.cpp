@@ -39,6 +39,7 @@
 #include "text/time_words.h"
 
 namespace explain {
+using namespace zorv;
 namespace {
 
 // The command line asks for what cannot be.
@@ -290,6 +291,6 @@ int RunProgram(int argc, char** argv) {
 }  // namespace explain
 
 int main(int argc, char** argv) {
-    BeginProcess();
+    zorv::BeginProcess();
     return explain::RunProgram(argc, argv);
 }

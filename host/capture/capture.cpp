@@ -11,6 +11,7 @@
 #include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -200,3 +201,4 @@ Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
     fs::create_directory_symlink(directory, root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);
 }
+}  // namespace zorv

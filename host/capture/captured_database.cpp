@@ -16,6 +16,7 @@
 
 #include "host/process/files.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -254,3 +255,4 @@ void CheckTables(const std::string& path, const std::vector<std::string>& tables
 void MakeDatabase(const std::string& path, const std::string& statement) {
     Connection(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, path).Run(statement);
 }
+}  // namespace zorv

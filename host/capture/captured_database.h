@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 // Files cannot be used; what() is for the operator: what, why, and what to do.
 class CaptureError : public std::runtime_error {
 public:
@@ -52,3 +53,4 @@ void CheckTables(const std::string& path, const std::vector<std::string>& tables
 
 // Makes a new database at `path` with an SQL statement. Throws CaptureError.
 void MakeDatabase(const std::string& path, const std::string& statement);
+}  // namespace zorv

@@ -10,6 +10,7 @@
 #include "agent/agent_switch.h"
 #include "host/services/alarm.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -123,3 +124,4 @@ std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& 
     }
     return std::nullopt;
 }
+}  // namespace zorv

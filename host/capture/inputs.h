@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 // What a program looks at.
 struct Inputs {
     std::string directory;              // stands before the fixed paths; empty: nothing does
@@ -18,3 +19,4 @@ struct Inputs {
 // there yet. Two sentences for the operator; nothing when `path` may be written.
 // Looks at names only: it opens no file, so it may be called whenever databases are open. Any thread.
 std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& inputs);
+}  // namespace zorv

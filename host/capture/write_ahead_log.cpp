@@ -10,6 +10,7 @@
 #include "host/capture/captured_database.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 using Bytes = const unsigned char*;
 using Pair = std::pair<uint32_t, uint32_t>;
@@ -151,3 +152,4 @@ std::string LossesOf(const WriteAheadLog& log, const std::string& shownPath) {
     }
     return "";
 }
+}  // namespace zorv

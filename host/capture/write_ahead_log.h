@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 
+namespace zorv {
 // Counts of frames, each of which holds a page. What an older log has left behind the newest one is in none
 // of them.
 struct WriteAheadLog {
@@ -21,3 +22,4 @@ WriteAheadLog ReadWriteAheadLog(const std::string& path);
 
 // What the operator has to know about the log `shownPath`, a sentence or more; empty when nothing is lost.
 std::string LossesOf(const WriteAheadLog& log, const std::string& shownPath);
+}  // namespace zorv

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <new>
 
+namespace zorv {
 Answer CopyAnswer(const void* data, uint32_t length) {
     Answer answer;
     if (data == nullptr || length == 0) {
@@ -16,3 +17,4 @@ Answer CopyAnswer(const void* data, uint32_t length) {
     answer.length = length;
     return answer;
 }
+}  // namespace zorv

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 
+namespace zorv {
 // The data is from malloc(): C code frees it.
 struct Answer {
     struct Free {
@@ -16,3 +17,4 @@ struct Answer {
 
 // An answer with a copy of the data, of which there may be none. Throws std::bad_alloc.
 Answer CopyAnswer(const void* data, uint32_t length);
+}  // namespace zorv

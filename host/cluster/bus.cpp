@@ -9,6 +9,7 @@
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
+namespace zorv {
 namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -151,3 +152,4 @@ std::optional<Answer> Bus::Handle(const BusFrame& request) {
     return serve({request.srcNid, node, request.module, request.opcode, length, request.needReply, 0},
                  request.payload.data(), time);
 }
+}  // namespace zorv

@@ -16,6 +16,7 @@
 #include "host/cluster/guests.h"
 #include "host/cluster/rare_event.h"
 
+namespace zorv {
 // Where each node of the cluster listens: "ipc:///PATH" or "tcp://HOST:PORT".
 using NodeAddresses = std::map<uint32_t, std::string>;
 
@@ -60,3 +61,4 @@ private:
     Guests guests;
     RareEvent garbage, astray, late, lost;
 };
+}  // namespace zorv

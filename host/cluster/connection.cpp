@@ -11,6 +11,7 @@
 
 #include "host/process/interrupt.h"
 
+namespace zorv {
 // Of the library only its byte streams are used. Its messages could be sent once more without our knowledge;
 // and its ipc listener for them, in version 1.5.2, hears nothing more after a connection that is closed at
 // once, such as every second process makes that tries to listen there. Nor does it close a descriptor at
@@ -194,3 +195,4 @@ std::unique_ptr<Connection> Listener::Accept(std::chrono::milliseconds life) {
 void Listener::Close() {
     nng_stream_listener_close(listener);
 }
+}  // namespace zorv

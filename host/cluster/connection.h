@@ -14,6 +14,8 @@ struct nng_aio;
 struct nng_stream;
 struct nng_stream_listener;
 
+namespace zorv {
+
 using Moment = std::chrono::steady_clock::time_point;
 
 // The other side sent bytes that are no frame.
@@ -99,3 +101,4 @@ public:
 private:
     nng_stream_listener* listener = nullptr;
 };
+}  // namespace zorv

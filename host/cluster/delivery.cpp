@@ -7,6 +7,7 @@
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
+namespace zorv {
 namespace {
 void StartHandler(ZORV_MSG_HANDLER handler, ZORV_COMM_INFO_S info, const void* payload) {
     std::vector<char> copy;
@@ -91,3 +92,4 @@ bool Delivery::Acknowledge(uint64_t sequence, const void* data, uint32_t length)
     answered.notify_all();
     return true;
 }
+}  // namespace zorv

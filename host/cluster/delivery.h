@@ -12,6 +12,8 @@
 #include "host/cluster/answer.h"
 #include "host/cluster/rare_event.h"
 
+namespace zorv {
+
 // Thread-safe. Its life must not end before that of the last handler's run.
 class Delivery {
 public:
@@ -40,3 +42,4 @@ private:
     uint64_t lastSequence = 0;
     RareEvent unhandled, unanswered;
 };
+}  // namespace zorv

@@ -6,6 +6,7 @@
 
 #include "host/services/log.h"
 
+namespace zorv {
 Guests::Visit::Visit(Guests& inn, Connection& guest) : guests(inn), connection(guest) {
     std::unique_lock<std::mutex> lock(guests.mutex);
     while (guests.visits.size() >= guests.most) {
@@ -71,3 +72,4 @@ void Guests::CutOffSlowest() {
                  number);
     }
 }
+}  // namespace zorv

@@ -9,6 +9,7 @@
 #include "host/cluster/connection.h"
 #include "host/cluster/rare_event.h"
 
+namespace zorv {
 // Thread-safe. Its life must not end before that of the last visit.
 class Guests {
 public:
@@ -51,3 +52,4 @@ private:
     std::vector<Visit*> visits;
     RareEvent cutOff;
 };
+}  // namespace zorv

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstdint>
 
+namespace zorv {
 // One kind of event, of which the 1st, 2nd, 4th, 8th .. is logged. Thread-safe.
 class RareEvent {
 public:
@@ -16,3 +17,4 @@ public:
 private:
     std::atomic<uint64_t> count{0};
 };
+}  // namespace zorv

@@ -9,6 +9,7 @@
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
 
+namespace zorv {
 namespace {
 constexpr int STEPS_BETWEEN_LOOKS = 1000;  // of SQLite's virtual machine, a few microseconds
 // Of one statement, a quarter of a minute: enough for a few hundred million rows. One that never ends would
@@ -87,3 +88,4 @@ std::string FailedStatements() {
     }
     return failures;
 }
+}  // namespace zorv

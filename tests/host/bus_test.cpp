@@ -16,6 +16,7 @@
 namespace {
 using std::chrono::steady_clock;
 using namespace std::chrono_literals;
+using namespace zorv;
 
 enum : uint32_t { OWN = 1, OTHER, FAKE, UNKNOWN, STORE = 0x70002120, BLOCK = 0x12345678 };
 const std::string VALUE("\3\0\0\0", 4);
