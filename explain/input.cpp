@@ -15,6 +15,7 @@
 #include "text/printable.h"
 
 namespace explain {
+using namespace zorv;
 namespace {
 
 std::string DirectoryOf(const Options& options) {

@@ -25,7 +25,7 @@ public:
 
 private:
     const std::string directory;
-    std::unique_ptr<Capture> capture;  // used as long as it lives
+    std::unique_ptr<zorv::Capture> capture;  // used as long as it lives
 };
 
 }  // namespace explain

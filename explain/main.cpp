@@ -23,6 +23,7 @@
 #include "text/local_time.h"
 
 namespace explain {
+using namespace zorv;
 namespace {
 
 Report MakeReport(const Options& options, const Request& request, const Input& input,
@@ -111,7 +112,7 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
 }  // namespace explain
 
 int main(int argc, char** argv) {
-    BeginProcess();
+    zorv::BeginProcess();
     explain::Options options;
     if (const std::optional<int> status = explain::ParseOptions(argc, argv, options)) {
         return *status;

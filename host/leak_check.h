@@ -13,6 +13,7 @@
 #define HOST_CHECKS_LEAKS 0
 #endif
 
+namespace zorv {
 // Ends the process when it has lost memory; exit() would do the same.
 inline void CheckLeaks() {
 #if HOST_CHECKS_LEAKS
@@ -36,3 +37,4 @@ public:
     LeaksAllowed(const LeaksAllowed&) = delete;
     LeaksAllowed& operator=(const LeaksAllowed&) = delete;
 };
+}  // namespace zorv

@@ -26,6 +26,7 @@
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 std::string CheckedRoot(const std::string& root) {
     std::error_code ignored;
@@ -58,9 +59,7 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
-    if (options.zone.has_value()) {
-        SetZone(*options.zone);
-    }
+    options.zone.has_value() ? SetZone(*options.zone) : KeepZone();
     HostSettings settings;
     if (options.capture.has_value()) {
         OpenCapture(options, capture, settings);
@@ -138,9 +137,8 @@ ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
     CheckLeaks();
     _exit(status);
 }
-}  // namespace
 
-int main(int argc, char** argv) {
+int RunProgram(int argc, char** argv) {
     BeginProcess();
     std::signal(SIGPIPE, SIG_IGN);
     std::setlocale(LC_CTYPE, "");
@@ -151,4 +149,10 @@ int main(int argc, char** argv) {
     }
     std::optional<Capture> capture;  // gone with the process: the plug-in's threads use it until then
     Leave(RunHost(options, capture));
+}
+}  // namespace
+}  // namespace zorv
+
+int main(int argc, char** argv) {
+    return zorv::RunProgram(argc, argv);
 }

@@ -8,6 +8,7 @@
 #include "host/version.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr const char* DESCRIPTION =
     "Loads the diagnosis plug-in on a machine that is no storage node, and gives it a console.";
@@ -109,3 +110,4 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     }
     return std::nullopt;
 }
+}  // namespace zorv

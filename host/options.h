@@ -9,6 +9,7 @@
 #include "agent/agent_log.h"
 #include "cli/options.h"
 
+namespace zorv {
 struct Options : InputOptions {
     std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
     uint32_t node = 1;
@@ -22,3 +23,4 @@ struct Options : InputOptions {
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing
 // what was asked for or what is wrong, the status to leave with.
 std::optional<int> ParseOptions(int argc, char** argv, Options& options);
+}  // namespace zorv

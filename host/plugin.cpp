@@ -9,6 +9,7 @@
 
 #include "host/services/log.h"
 
+namespace zorv {
 namespace {
 using PluginEntry = uint32_t (*)();
 
@@ -56,3 +57,4 @@ void StartPlugin(const std::optional<std::string>& file) {
         HOST_LOG(VPLOG_LEVEL_ERROR, "the plug-in's entry reports failure %u", result);
     }
 }
+}  // namespace zorv

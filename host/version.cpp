@@ -7,6 +7,7 @@
 
 #include <filesystem>
 
+namespace zorv {
 namespace {
 // jsoncpp does not tell; the name of its file, behind all links, does.
 std::string JsonVersion() {
@@ -26,3 +27,4 @@ std::string VersionText() {
     return std::string("zorv-local " ZORV_LOCAL_VERSION "\nSQLite ") + sqlite3_libversion() + "\njsoncpp " +
            JsonVersion();
 }
+}  // namespace zorv

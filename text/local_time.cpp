@@ -7,11 +7,18 @@
 #include <cstdlib>
 #include <ctime>
 
-int64_t ZoneOffsetAt(int64_t time) {
-    constexpr long HOUR = 3600;
+namespace {
+constexpr long HOUR = 3600;
+
+long ExactOffsetAt(int64_t time) {
     const time_t seconds = time;
     tm local{};
-    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff / HOUR * HOUR;
+    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff;
+}
+}  // namespace
+
+int64_t ZoneOffsetAt(int64_t time) {
+    return ExactOffsetAt(time) / HOUR * HOUR;
 }
 
 void SetZone(const std::string& zone) {
@@ -21,8 +28,18 @@ void SetZone(const std::string& zone) {
     tzset();
 }
 
+void KeepZone() {
+    std::string zone = ZoneText(ExactOffsetAt(std::time(nullptr)));
+    zone.erase(zone.find(':'), 1);
+    SetZone(zone);
+}
+
 std::string LocalTime(int64_t time, int64_t zoneOffset) {
-    const time_t seconds = time + zoneOffset;
+    constexpr int64_t FIRST = -62135596800, LAST = 253402300799;  // of the years 1 to 9999
+    const time_t seconds = std::clamp(time, 2 * FIRST, 2 * LAST) + zoneOffset;
+    if (seconds < FIRST || seconds > LAST) {
+        return "@" + std::to_string(time);
+    }
     tm date{};
     gmtime_r(&seconds, &date);
     std::array<char, 96> text{};

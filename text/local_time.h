@@ -12,7 +12,13 @@ int64_t ZoneOffsetAt(int64_t time);
 // starts. Not thread-safe: call it before anything asks for local time.
 void SetZone(const std::string& zone);
 
-// Local time as "2023-01-05 14:03:00". `zoneOffset` is in seconds east of UTC.
+// Makes the offset that the zone has now the zone of this process and of the programs that it starts: a
+// change of daylight saving time passes them by, as it does the plug-in, which asks for the offset once. Not
+// thread-safe, as SetZone().
+void KeepZone();
+
+// Local time as "2023-01-05 14:03:00", or "@" and the seconds since 1970 where the calendar has no such time
+// in a year of four digits. `zoneOffset` is in seconds east of UTC.
 std::string LocalTime(int64_t time, int64_t zoneOffset);
 
 // The same in compact form, "20230105140300".

@@ -8,14 +8,17 @@
 
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
+#include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
 // Names the temporary root for programs that this one starts. A link in it tells of which capture it is.
 constexpr const char* ROOT_VARIABLE = "ZORV_CAPTURE_ROOT";
 constexpr const char* CAPTURE_LINK = "/capture";
+constexpr uintmax_t LARGEST_SMALL_FILE = 64 << 20;
 
 struct Database {
     const char* path;
@@ -52,7 +55,9 @@ public:
             TakeIn(database);
         }
         LinkIfThere(FAULT_DIAG_SWITCH_FILE);
+        CheckSmall(ALARM_FILE);
         CopyIfThere(ALARM_FILE);
+        CheckSmall(ZORV_ROUTE_CONFIG_FILE);
         if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
             notes.push_back(
                 directory + ZORV_ROUTE_CONFIG_FILE +
@@ -84,6 +89,7 @@ private:
             return fs::create_symlink(files.path, taken);
         }
         Tell(path, files, CopyDatabase(files, taken));
+        TellLosses(path, files, taken);
         writes.emplace_back([=] { SettleCopy(taken, path); });
     }
 
@@ -97,15 +103,39 @@ private:
 
     void Tell(const std::string& path, const CapturedDatabase& files, uint64_t bytes) {
         const std::string why = files.isHot ? " has a transaction that was left unfinished, it is rolled back"
-                                : files.isWal ? " is in WAL mode"
-                                              : " has a -wal file beside it";
+                                : files.isWal  ? " is in WAL mode"
+                                : files.hasWal ? " has a -wal file beside it"
+                                               : " has a -journal beside it that is no file, it is left out";
         notes.push_back(path + why + ": working on a copy of " + std::to_string(bytes) + " bytes in " + root +
                         ".");
-        if (files.isWal && !files.isWalSound) {
+        if (files.isWal && files.walSize == 0) {
             notes.push_back(
-                path + "-wal is " + (files.walSize == 0 ? "missing or empty" : "damaged") +
-                ": unless the node had closed the database, its newest rows are missing. Copy both "
-                "from the node again.");
+                path +
+                "-wal is missing or empty: unless the node had closed the database, its newest rows "
+                "are missing. Copy both from the node again.");
+        }
+    }
+
+    // Looks at the copy, which nobody changes. What lies beside a database that is in another mode may be
+    // anything.
+    void TellLosses(const std::string& path, const CapturedDatabase& files, const std::string& copy) {
+        if (files.walSize == 0) {
+            return;
+        }
+        const WriteAheadLog log = ReadWriteAheadLog(copy + "-wal");
+        const std::string losses = LossesOf(log, path + "-wal");
+        if (!losses.empty() && (files.isWal || log.isSound)) {
+            notes.push_back(losses);
+        }
+    }
+
+    // Before it is read whole, or copied.
+    void CheckSmall(const char* path) const {
+        std::error_code error;
+        const uintmax_t size = fs::file_size(directory + path, error);
+        if (!error && size > LARGEST_SMALL_FILE) {
+            throw CaptureError(directory + path + " has " + std::to_string(size) +
+                               " bytes, far more than on any node. Copy it from the node again.");
         }
     }
 
@@ -171,3 +201,4 @@ Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
     fs::create_directory_symlink(directory, root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);
 }
+}  // namespace zorv

@@ -8,6 +8,7 @@
 #include "host/capture/captured_database.h"
 #include "host/capture/temporary_directory.h"
 
+namespace zorv {
 // A temporary root that stands for a capture. The captured files are in it as symbolic links; databases that
 // SQLite could not read without writing, as copies with all rows. What services write under the root goes
 // into it and is gone with it. A program that this one starts, on the same capture, takes this one's root.
@@ -33,3 +34,4 @@ private:
     std::string root;
     std::vector<std::string> notes;
 };
+}  // namespace zorv

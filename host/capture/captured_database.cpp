@@ -9,11 +9,14 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string_view>
+#include <vector>
 
 #include "host/process/files.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -29,6 +32,13 @@ uint64_t SizeOf(const std::string& path) {
     struct stat status {};
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size)
                                                                        : 0;
+}
+
+// Whether there is something, and it is no file.
+bool IsOdd(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    return fs::exists(status) && !fs::is_regular_file(status);
 }
 
 // The first bytes of the file `path`; zeros where it is shorter.
@@ -64,16 +74,71 @@ void TakeDatabaseHeader(const Header& header, CapturedDatabase& database) {
     }
 }
 
-// Of a journal that is to be rolled back: SQLite takes a damaged one for one without pages, and the rows of
-// the unfinished transaction would stay. The pages that the first header promises have to be there.
+// A part of a journal, as the header before its pages tells.
+struct JournalPart {
+    static constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
+
+    explicit JournalPart(const Header& header)
+        : isOne(std::memcmp(header.data(), "\xD9\xD5\x05\xF9\x20\xA1\x63\xD7", 8) == 0),
+          pages(BigEndian(&header[8])),
+          nonce(BigEndian(&header[12])),
+          sector(BigEndian(&header[20])),
+          pageSize(BigEndian(&header[24])) {}
+
+    bool IsSound() const { return isOne && sector >= 32 && pageSize >= 512 && pageSize <= 65536; }
+    uint64_t Record() const { return uint64_t{pageSize} + 8; }  // number, page, checksum
+    uint64_t Length() const { return sector + (pages == NOT_COUNTED ? 0 : pages * Record()); }
+
+    bool IsSound(const unsigned char* record) const {
+        uint32_t sum = nonce;
+        for (uint32_t place = pageSize - 200; place > 0 && place < pageSize; place -= 200) {
+            sum += record[4 + place];
+        }
+        return sum == BigEndian(record + 4 + pageSize);
+    }
+
+    bool isOne;
+    uint32_t pages, nonce, sector, pageSize;
+};
+
+// Whether the pages that are there have their checksums; the file stands before them.
+bool HasSoundPages(std::istream& file, const JournalPart& part) {
+    std::vector<char> record(part.Record());
+    for (uint32_t page = 0; page < part.pages; ++page) {
+        if (!file.read(record.data(), static_cast<std::streamsize>(record.size()))) {
+            return true;
+        }
+        if (!part.IsSound(reinterpret_cast<const unsigned char*>(record.data()))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// The same of all parts.
+bool HasSoundParts(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    Header header{};
+    for (uint64_t place = 0; file.seekg(static_cast<std::streamoff>(place)) &&
+                             file.read(reinterpret_cast<char*>(header.data()), header.size());) {
+        const JournalPart part(header);
+        if (!part.IsSound() || part.pages == 0) {  // what an older transaction has left, or nothing
+            return true;
+        }
+        file.seekg(static_cast<std::streamoff>(place + part.sector));
+        if (!HasSoundPages(file, part)) {
+            return false;
+        }
+        place += (part.Length() + part.sector - 1) / part.sector * part.sector;
+    }
+    return true;
+}
+
+// Of a journal that is to be rolled back: SQLite ends without a word where it is damaged, and rows of the
+// unfinished transaction would stay. The pages that the first header promises have to be there.
 void CheckJournal(const std::string& path, uint64_t size) {
-    constexpr unsigned char MAGIC[] = {0xD9, 0xD5, 0x05, 0xF9, 0x20, 0xA1, 0x63, 0xD7};
-    constexpr uint32_t NOT_COUNTED = 0xFFFFFFFF;
-    const Header header = HeaderOf(path);
-    const uint32_t pages = BigEndian(&header[8]);
-    const uint64_t pageRecord = uint64_t{BigEndian(&header[24])} + 8;
-    const uint64_t promised = BigEndian(&header[20]) + (pages == NOT_COUNTED ? 0 : pages * pageRecord);
-    if (std::memcmp(header.data(), MAGIC, sizeof MAGIC) != 0 || size < promised) {
+    const JournalPart first(HeaderOf(path));
+    if (!first.IsSound() || size < first.Length() || !HasSoundParts(path)) {
         throw CaptureError(
             path + " is damaged: it holds what an unfinished transaction has to be rolled back with" + AGAIN);
     }
@@ -107,21 +172,19 @@ private:
     const std::string shown;
 };
 
-void CheckSpace(const CapturedDatabase& database, const std::string& directory) {
-    // The rows of the -wal go into the database before it is removed.
-    const uint64_t needed = database.size + 2 * database.walSize + database.journalSize;
+void CheckSpace(const std::string& what, uint64_t needed, const std::string& directory) {
     std::error_code ignored;
     const fs::space_info space = fs::space(directory, ignored);
     if (!ignored && space.available < needed) {
-        throw CaptureError("there is no space for a copy of " + database.path + ": it takes " +
+        throw CaptureError("there is no space for a copy of " + what + ": it takes " +
                            std::to_string(needed) + " bytes, and " + directory + " has " +
                            std::to_string(space.available) + ". Name a larger place with TMPDIR.");
     }
 }
-
 }  // namespace
 
 void CopyFile(const std::string& from, const std::string& to) {
+    CheckSpace(from, SizeOf(from), fs::path(to).parent_path());
     std::error_code error;
     fs::copy_file(from, to, error);
     if (!error) {
@@ -144,13 +207,11 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
     database.size = SizeOf(database.path);
     database.walSize = SizeOf(wal);
     database.journalSize = SizeOf(journal);
+    database.hasWal = database.walSize > 0 || IsOdd(wal);
+    database.hasOddJournal = IsOdd(journal);
     database.isHot = database.journalSize > 0 && HeaderOf(journal)[0] != 0;
     if (database.isHot) {
         CheckJournal(journal, database.journalSize);
-    }
-    if (database.walSize > 0) {
-        const uint32_t magic = BigEndian(HeaderOf(wal).data());
-        database.isWalSound = (magic & ~1U) == 0x377F0682U;
     }
     if (database.size == 0) {
         throw CaptureError(path + " is empty" + AGAIN);
@@ -165,15 +226,17 @@ CapturedDatabase LookAtDatabase(const std::string& path) {
 }
 
 uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path) {
-    CheckSpace(database, fs::path(path).parent_path());
+    const uint64_t bytes = database.size + database.walSize + (database.isHot ? database.journalSize : 0);
+    // The rows of the -wal go into the database before it is removed.
+    CheckSpace(database.path, bytes + database.walSize, fs::path(path).parent_path());
     CopyFile(database.path, path);
     if (database.walSize > 0) {
         CopyFile(database.path + "-wal", path + "-wal");
     }
-    if (database.journalSize > 0) {
+    if (database.isHot) {
         CopyFile(database.path + "-journal", path + "-journal");
     }
-    return database.size + database.walSize + database.journalSize;
+    return bytes;
 }
 
 void SettleCopy(const std::string& path, const std::string& shownPath) {
@@ -192,3 +255,4 @@ void CheckTables(const std::string& path, const std::vector<std::string>& tables
 void MakeDatabase(const std::string& path, const std::string& statement) {
     Connection(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, path).Run(statement);
 }
+}  // namespace zorv

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 // Files cannot be used; what() is for the operator: what, why, and what to do.
 class CaptureError : public std::runtime_error {
 public:
@@ -15,16 +16,17 @@ public:
 };
 
 struct CapturedDatabase {
-    std::string path;           // behind all links: there SQLite looks for the other files
-    uint64_t size = 0;          // bytes of the database
-    uint64_t promisedSize = 0;  // as its header tells; 0: not told
-    uint64_t walSize = 0;       // 0 for a file that is not there, too
-    uint64_t journalSize = 0;
-    bool isWal = false;       // by its header
-    bool isWalSound = false;  // the -wal begins as one
-    bool isHot = false;       // the -journal is one that SQLite would roll back
+    std::string path;            // behind all links: there SQLite looks for the other files
+    uint64_t size = 0;           // bytes of the database
+    uint64_t promisedSize = 0;   // as its header tells; 0: not told
+    uint64_t walSize = 0;        // 0 for what is no file or not there, too
+    uint64_t journalSize = 0;    // the same
+    bool isWal = false;          // by its header
+    bool hasWal = false;         // the -wal is not empty, or no file: SQLite would make a -shm for a pipe
+    bool isHot = false;          // the -journal is one that SQLite would roll back
+    bool hasOddJournal = false;  // the -journal is no file: SQLite would wait for a pipe without end
 
-    bool NeedsCopy() const { return isWal || walSize > 0 || isHot; }
+    bool NeedsCopy() const { return isWal || hasWal || isHot || hasOddJournal; }
 };
 
 // Looks at the database `path` and the files beside it. Throws CaptureError when there is no file, it is
@@ -32,11 +34,12 @@ struct CapturedDatabase {
 // which would drop the locks of SQLite in this process: call it before the first connection is opened.
 CapturedDatabase LookAtDatabase(const std::string& path);
 
-// Copies the file `from` to `to`, which is then for its owner to read and write. Throws CaptureError.
+// Copies the file `from` to `to`, which is then for its owner to read and write. Throws CaptureError, when
+// there is no space among others.
 void CopyFile(const std::string& from, const std::string& to);
 
-// Copies the database and the files beside it to `path`. Returns the number of bytes. Throws CaptureError,
-// when there is no space among others.
+// Copies the database and the files beside it that SQLite needs to `path`. Returns the number of bytes.
+// Throws CaptureError, when there is no space among others.
 uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path);
 
 // Makes SQLite roll back or take over what lies beside the copy at `path`: afterwards it is one file, which
@@ -50,3 +53,4 @@ void CheckTables(const std::string& path, const std::vector<std::string>& tables
 
 // Makes a new database at `path` with an SQL statement. Throws CaptureError.
 void MakeDatabase(const std::string& path, const std::string& statement);
+}  // namespace zorv

@@ -10,6 +10,7 @@
 #include "agent/agent_switch.h"
 #include "host/services/alarm.h"
 
+namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
@@ -44,7 +45,8 @@ fs::path Destination(const fs::path& path) {
 
 bool IsSameFile(const fs::path& one, const fs::path& other) {
     const Identity folder = IdentityOf(one.parent_path());
-    if (folder && folder == IdentityOf(other.parent_path()) && one.filename() == other.filename()) {
+    const bool isSameFolder = folder && folder == IdentityOf(other.parent_path());
+    if (one == other || (isSameFolder && one.filename() == other.filename())) {
         return true;
     }
     std::error_code ignored;  // a hard link; many may read and write one device
@@ -113,12 +115,13 @@ std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& 
     const fs::path file = Destination(path);
     for (const auto& [name, input] : FilesOf(inputs)) {
         if (IsSameFile(file, input)) {
-            return "'" + path + "' is not written: it is " + name + ", which is read. Name another file";
+            return "'" + path + "' is not written: it is " + name + ", which is read. Name another file.";
         }
     }
     if (inputs.isCapture && IsIn(inputs.directory, file)) {
         return "'" + path + "' is not written: it is in the capture " + inputs.directory +
-               ", where nothing may change. Name another file";
+               ", where nothing may change. Name another file.";
     }
     return std::nullopt;
 }
+}  // namespace zorv

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+namespace zorv {
 namespace {
 std::string MakeDirectory() {
     const char* const named = std::getenv("TMPDIR");
@@ -60,3 +61,4 @@ TemporaryDirectory::~TemporaryDirectory() {
     while (waitpid(remover, nullptr, 0) < 0 && errno == EINTR) {
     }
 }
+}  // namespace zorv

@@ -5,6 +5,7 @@
 
 #include <string>
 
+namespace zorv {
 // A second process waits for the end of this one, by exit, _exit or signal, and then removes the directory
 // with all in it. It keeps the standard streams, so that whoever reads them to the end finds nothing left.
 class TemporaryDirectory {
@@ -24,3 +25,4 @@ private:
     int lifeline = -1;  // closed with this process, and so tells the other one
     pid_t remover = -1;
 };
+}  // namespace zorv

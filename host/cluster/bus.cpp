@@ -9,11 +9,12 @@
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
+namespace zorv {
 namespace {
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-constexpr int AT_ONCE = 16;  // connections of other nodes that are served at once
+constexpr size_t AT_ONCE = 16;  // connections of other nodes that are served at once
 constexpr milliseconds AFTER_ERROR{100};
 
 // A moment on this node's clock, as frames carry it.
@@ -32,23 +33,20 @@ void CheckAnswer(const BusFrame& frame, const BusFrame& question, FrameKind kind
     }
 }
 
-// What others send can come without end: of each kind only the 1st, 2nd, 4th, 8th .. is logged.
-void LogRarely(std::atomic<uint64_t>& count, const char* what) {
-    const uint64_t number = ++count;
-    if ((number & (number - 1)) == 0) {
-        HOST_LOG(VPLOG_LEVEL_WARNING, "from other nodes came, so far, %llu %s",
-                 static_cast<unsigned long long>(number), what);
+void LogRarely(RareEvent& event, const char* what) {
+    if (const auto number = event.Count()) {
+        HOST_LOG(VPLOG_LEVEL_WARNING, "from other nodes came, so far, %llu %s", number, what);
     }
 }
 }  // namespace
 
 Bus::Bus(uint32_t ownNode, NodeAddresses known)
-    : node(ownNode), addresses(std::move(known)), listener(addresses.at(ownNode)) {}
+    : node(ownNode), addresses(std::move(known)), listener(addresses.at(ownNode)), guests(AT_ONCE) {}
 
 void Bus::Start(MessageServer server, milliseconds most) {
     serve = std::move(server);
     longest = most;
-    for (int i = 0; i < AT_ONCE; ++i) {
+    for (size_t i = 0; i <= AT_ONCE; ++i) {  // one more, for whom another makes room
         StartThread([this] { Serve(); }).detach();
     }
 }
@@ -99,19 +97,21 @@ void Bus::Serve() {
                 std::this_thread::sleep_for(AFTER_ERROR);
                 return true;
             }
-            if (connection != nullptr) {
-                Converse(*connection);
+            if (connection == nullptr) {
+                return false;
             }
-            return connection != nullptr;
+            Guests::Visit visit(guests, *connection);
+            Converse(visit);
+            return true;
         });
     }
 }
 
-void Bus::Converse(Connection& connection) {
+void Bus::Converse(Guests::Visit& visit) {
     try {
         for (;;) {
             std::optional<Answer> answer;
-            connection.Send(ReplyTo(connection.Receive(), answer));
+            visit.Send(ReplyTo(visit.Receive(), answer));
         }
     } catch (const NoFrame&) {
         LogRarely(garbage, "messages that were none");
@@ -152,3 +152,4 @@ std::optional<Answer> Bus::Handle(const BusFrame& request) {
     return serve({request.srcNid, node, request.module, request.opcode, length, request.needReply, 0},
                  request.payload.data(), time);
 }
+}  // namespace zorv

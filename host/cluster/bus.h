@@ -1,7 +1,6 @@
 // The way to other nodes.
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -11,10 +10,13 @@
 #include <string_view>
 
 #include "agent/agent_message.h"
+#include "host/cluster/answer.h"
 #include "host/cluster/bus_frame.h"
 #include "host/cluster/connection.h"
-#include "host/cluster/delivery.h"
+#include "host/cluster/guests.h"
+#include "host/cluster/rare_event.h"
 
+namespace zorv {
 // Where each node of the cluster listens: "ipc:///PATH" or "tcp://HOST:PORT".
 using NodeAddresses = std::map<uint32_t, std::string>;
 
@@ -30,8 +32,9 @@ public:
     // message for the operator, when that is not possible.
     Bus(uint32_t ownNode, NodeAddresses known);
 
-    // Serves other nodes from then on: sixteen at once, each for no longer than `longest`; further ones
-    // wait. Who sends anything but messages of a node is cut off. Once.
+    // Serves other nodes from then on: sixteen connections at once, each for no longer than `most`. Who comes
+    // then takes the place of the one that keeps this node waiting for the longest time, or waits while all
+    // are being served. Who sends anything but messages of a node is cut off. Once.
     void Start(MessageServer server, std::chrono::milliseconds most);
 
     // Sends `info.msgLen` bytes at `payload` to node info.dstNid and blocks until the answer is there.
@@ -46,7 +49,7 @@ public:
 private:
     Answer Ask(const ZORV_COMM_INFO_S& info, std::string_view payload, Moment end);
     void Serve();
-    void Converse(Connection& connection);
+    void Converse(Guests::Visit& visit);
     BusFrame ReplyTo(const BusFrame& frame, std::optional<Answer>& answer);
     std::optional<Answer> Handle(const BusFrame& request);
 
@@ -55,5 +58,7 @@ private:
     MessageServer serve;
     std::chrono::milliseconds longest{0};
     Listener listener;
-    std::atomic<uint64_t> garbage{0}, astray{0}, late{0}, lost{0};
+    Guests guests;
+    RareEvent garbage, astray, late, lost;
 };
+}  // namespace zorv

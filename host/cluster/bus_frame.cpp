@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+namespace zorv {
 namespace {
 constexpr uint32_t MAGIC = 0x5A425553;  // "ZBUS"
 constexpr uint16_t VERSION = 1;
@@ -88,3 +89,4 @@ std::optional<BusFrame> DecodeFrame(std::string_view bytes) {
     frame->payload = bytes;
     return frame;
 }
+}  // namespace zorv

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+namespace zorv {
 enum class FrameKind : uint16_t {
     ASK_TIME = 1,  // what is the time on your clock?
     TELL_TIME,     // `moment` is
@@ -38,3 +39,4 @@ std::optional<size_t> PayloadLength(std::string_view header);
 // The frame that `bytes` are, with its payload among them; nothing when they are no frame of this version,
 // from the first byte to the last. Any bytes will do; no state is kept.
 std::optional<BusFrame> DecodeFrame(std::string_view bytes);
+}  // namespace zorv

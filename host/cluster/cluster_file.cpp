@@ -12,6 +12,7 @@
 #include "host/process/files.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = 1 << 20;
 constexpr size_t LONGEST_PATH = 107;  // of a socket
@@ -117,3 +118,4 @@ NodeAddresses ReadClusterFile(const std::string& file, const std::vector<uint32_
     }
     return nodes;
 }
+}  // namespace zorv

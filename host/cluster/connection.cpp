@@ -11,6 +11,7 @@
 
 #include "host/process/interrupt.h"
 
+namespace zorv {
 // Of the library only its byte streams are used. Its messages could be sent once more without our knowledge;
 // and its ipc listener for them, in version 1.5.2, hears nothing more after a connection that is closed at
 // once, such as every second process makes that tries to listen there. Nor does it close a descriptor at
@@ -44,11 +45,17 @@ Connection::Stream Dial(const std::string& address, Moment end) {
     Check(nng_stream_dialer_alloc(&dialer, address.c_str()));
     const std::unique_ptr<nng_stream_dialer, void (*)(nng_stream_dialer*)> owner(dialer,
                                                                                  nng_stream_dialer_free);
-    Operation operation;
-    nng_aio_set_timeout(operation.Get(), Left(end));
-    nng_stream_dialer_dial(dialer, operation.Get());
-    Check(operation.Wait());
-    return StreamOf(operation);
+    for (;;) {
+        Operation operation;
+        nng_aio_set_timeout(operation.Get(), Left(end));
+        nng_stream_dialer_dial(dialer, operation.Get());
+        const int error = operation.Wait();
+        if (error != NNG_EAGAIN || Left(end) == 0 || Interrupted()) {
+            Check(error);
+            return StreamOf(operation);
+        }
+        SleepUnlessInterrupted(PAUSE);  // more wait there to be let in than an ipc address holds
+    }
 }
 
 bool HasManyDescriptors() {
@@ -141,6 +148,11 @@ BusFrame Connection::Receive() {
     return DecodeFrame(received).value();
 }
 
+// What is begun on a stream that was closed would not end before its time.
+void Connection::CutOff() {
+    nng_aio_stop(operation.Get());
+}
+
 void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length) {
     while (length > 0) {
         const nng_iov part = {bytes, length};
@@ -183,3 +195,4 @@ std::unique_ptr<Connection> Listener::Accept(std::chrono::milliseconds life) {
 void Listener::Close() {
     nng_stream_listener_close(listener);
 }
+}  // namespace zorv

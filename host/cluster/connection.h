@@ -14,6 +14,8 @@ struct nng_aio;
 struct nng_stream;
 struct nng_stream_listener;
 
+namespace zorv {
+
 using Moment = std::chrono::steady_clock::time_point;
 
 // The other side sent bytes that are no frame.
@@ -66,6 +68,10 @@ public:
     // What comes next, valid until this is called again. Throws NoFrame.
     BusFrame Receive();
 
+    // Any thread, while the connection lives: whatever is asked of it throws from now on, also what has
+    // begun.
+    void CutOff();
+
 private:
     void Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, size_t length);
 
@@ -95,3 +101,4 @@ public:
 private:
     nng_stream_listener* listener = nullptr;
 };
+}  // namespace zorv

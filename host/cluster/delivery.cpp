@@ -1,7 +1,5 @@
 #include "host/cluster/delivery.h"
 
-#include <cstring>
-#include <new>
 #include <utility>
 #include <vector>
 
@@ -9,6 +7,7 @@
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
+namespace zorv {
 namespace {
 void StartHandler(ZORV_MSG_HANDLER handler, ZORV_COMM_INFO_S info, const void* payload) {
     std::vector<char> copy;
@@ -23,20 +22,6 @@ void StartHandler(ZORV_MSG_HANDLER handler, ZORV_COMM_INFO_S info, const void* p
     StartThread(std::move(run)).detach();
 }
 }  // namespace
-
-Answer CopyAnswer(const void* data, uint32_t length) {
-    Answer answer;
-    if (data == nullptr || length == 0) {
-        return answer;
-    }
-    answer.data.reset(std::malloc(length));
-    if (answer.data == nullptr) {
-        throw std::bad_alloc();
-    }
-    std::memcpy(answer.data.get(), data, length);
-    answer.length = length;
-    return answer;
-}
 
 // The entry of one request in the table of those that wait; it ends with the wait. The mutex is held when
 // it begins and when it ends.
@@ -73,15 +58,22 @@ std::optional<Answer> Delivery::Request(ZORV_COMM_INFO_S info, const void* paylo
     std::unique_lock<std::mutex> lock(mutex);
     const ZORV_MSG_HANDLER handler = Handler(info.msgOPCode);
     if (handler == nullptr) {
-        HOST_LOG(VPLOG_LEVEL_WARNING, "nobody handles messages with opcode 0x%x", info.msgOPCode);
+        if (const auto number = unhandled.Count()) {
+            HOST_LOG(VPLOG_LEVEL_WARNING,
+                     "nobody handles messages with opcode 0x%x: %llu of that kind so far", info.msgOPCode,
+                     number);
+        }
         return std::nullopt;
     }
     Waiting entry(*this);
     info.sequence = entry.Sequence();
     StartHandler(handler, info, payload);
     if (!WaitUnlessInterrupted(answered, lock, end, [&] { return entry.Slot().has_value(); })) {
-        HOST_LOG(VPLOG_LEVEL_WARNING, "no answer to the message with opcode 0x%x within %lld ms",
-                 info.msgOPCode, static_cast<long long>(deadline.count()));
+        if (const auto number = unanswered.Count()) {
+            HOST_LOG(VPLOG_LEVEL_WARNING,
+                     "no answer to the message with opcode 0x%x within %lld ms: %llu of that kind so far",
+                     info.msgOPCode, static_cast<long long>(deadline.count()), number);
+        }
         return std::nullopt;
     }
     return std::move(entry.Slot());
@@ -100,3 +92,4 @@ bool Delivery::Acknowledge(uint64_t sequence, const void* data, uint32_t length)
     answered.notify_all();
     return true;
 }
+}  // namespace zorv

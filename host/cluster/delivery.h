@@ -4,25 +4,15 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <optional>
 
 #include "agent/agent_message.h"
+#include "host/cluster/answer.h"
+#include "host/cluster/rare_event.h"
 
-// The data of an answer, from malloc(): C code frees it.
-struct Answer {
-    struct Free {
-        void operator()(void* memory) const { std::free(memory); }
-    };
-    std::unique_ptr<void, Free> data;  // null when the answer has none
-    uint32_t length = 0;
-};
-
-// An answer with a copy of the data, of which there may be none. Throws std::bad_alloc.
-Answer CopyAnswer(const void* data, uint32_t length);
+namespace zorv {
 
 // Thread-safe. Its life must not end before that of the last handler's run.
 class Delivery {
@@ -50,4 +40,6 @@ private:
     std::map<uint32_t, ZORV_MSG_HANDLER> handlers;
     std::map<uint64_t, std::optional<Answer>> waiting;  // by sequence, which is never used twice
     uint64_t lastSequence = 0;
+    RareEvent unhandled, unanswered;
 };
+}  // namespace zorv

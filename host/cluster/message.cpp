@@ -9,6 +9,7 @@
 #include "host/process/settings.h"
 #include "host/services/log.h"
 
+namespace zorv {
 namespace {
 Delivery& LocalDelivery() {
     static Delivery& delivery = MakeImmortal<Delivery>();
@@ -62,26 +63,28 @@ void LeaveCluster() {
         bus->Leave();
     }
 }
+}  // namespace zorv
 
 uint32_t ZORV_CommRegMsgHandle(uint32_t opcode, ZORV_MSG_HANDLER handler) {
     if (handler == nullptr) {
         return 1;
     }
-    return Guarded("message registration", 1U,
-                   [=] { return LocalDelivery().Register(opcode, handler) ? 0U : 1U; });
+    return zorv::Guarded("message registration", 1U,
+                         [=] { return zorv::LocalDelivery().Register(opcode, handler) ? 0U : 1U; });
 }
 
 uint32_t ZORV_CommSendAckMsg(ZORV_COMM_INFO_S* info, void* data, uint32_t length) {
     if (info == nullptr || (data == nullptr && length > 0)) {
         return 1;
     }
-    return Guarded("message answer", 1U,
-                   [=] { return LocalDelivery().Acknowledge(info->sequence, data, length) ? 0U : 1U; });
+    return zorv::Guarded("message answer", 1U, [=] {
+        return zorv::LocalDelivery().Acknowledge(info->sequence, data, length) ? 0U : 1U;
+    });
 }
 
 void ZORV_CommFillinCommInfoInner(ZORV_COMM_INFO_S* info, uint32_t dstNid, uint32_t module, uint32_t opcode,
                                   uint32_t length, uint32_t needReply) {
-    *info = {GetHostSettings().node, dstNid, module, opcode, length, needReply, 0};
+    *info = {zorv::GetHostSettings().node, dstNid, module, opcode, length, needReply, 0};
 }
 
 uint32_t ZORV_CommSendRequestMsg(ZORV_COMM_INFO_S* info, void* request, ZORV_COMM_RET_S* reply) {
@@ -89,7 +92,7 @@ uint32_t ZORV_CommSendRequestMsg(ZORV_COMM_INFO_S* info, void* request, ZORV_COM
         return 1;
     }
     *reply = {};
-    return Guarded("message request", 1U, [=] { return SendRequest(*info, request, *reply); });
+    return zorv::Guarded("message request", 1U, [=] { return zorv::SendRequest(*info, request, *reply); });
 }
 
 void ZORV_CommFreeRetData(ZORV_COMM_RET_S* reply) {
@@ -100,9 +103,9 @@ void ZORV_CommFreeRetData(ZORV_COMM_RET_S* reply) {
 }
 
 uint32_t ZORV_GetMasterNid() {
-    return GetHostSettings().master;
+    return zorv::GetHostSettings().master;
 }
 
 uint32_t ZORV_GetLocalNid() {
-    return GetHostSettings().node;
+    return zorv::GetHostSettings().node;
 }

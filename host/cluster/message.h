@@ -3,6 +3,7 @@
 
 #include "host/cluster/bus.h"
 
+namespace zorv {
 // Listens at the address of this node, and sends to the others from then on. Once. Throws
 // std::runtime_error, with a message for the operator, when this node cannot listen.
 void JoinCluster(const NodeAddresses& addresses);
@@ -10,3 +11,4 @@ void JoinCluster(const NodeAddresses& addresses);
 // The last call before the process ends: takes no further connections, and removes what would be left
 // behind. Does nothing before JoinCluster().
 void LeaveCluster();
+}  // namespace zorv

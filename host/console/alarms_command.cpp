@@ -1,5 +1,3 @@
-#include "host/console/alarms_command.h"
-
 #include <fcntl.h>
 #include <json/reader.h>
 #include <sys/stat.h>
@@ -15,12 +13,14 @@
 #include <sstream>
 
 #include "agent/agent_console.h"
+#include "host/console/commands.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
 #include "host/services/alarm.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t USUAL_COUNT = 20;
 constexpr size_t LARGEST_COUNT = 1000;
@@ -108,14 +108,16 @@ void PrintAlarm(const std::string& line) {
 }
 }  // namespace
 
-void RunAlarmsCommand(const Words& words) {
+ExitStatus RunAlarms(const Words& words, ConsoleState& /*state*/) {
     const std::deque<std::string> lines = LastLines(EndOfFile(RootedPath(ALARM_FILE)), CountIn(words));
     if (lines.empty()) {
         DBG_Print("There are no alarms.\n");
-        return;
+        return STATUS_OK;
     }
     DBG_Print("%-19s  %-6s  %-6s  %-4s  %-18s  %s\n", "time", "node", "module", "type", "alarm", "text");
     for (const std::string& line : lines) {
         PrintAlarm(line);
     }
+    return STATUS_OK;
 }
+}  // namespace zorv

@@ -4,6 +4,7 @@
 #include <numeric>
 #include <vector>
 
+namespace zorv {
 namespace {
 constexpr size_t GAP = 2;  // blanks between two columns
 
@@ -54,3 +55,4 @@ std::string InColumns(const Words& words, size_t width, size_t height) {
     const size_t more = words.size() - layout.words;
     return more == 0 ? text : text + "... and " + std::to_string(more) + " more\n";
 }
+}  // namespace zorv

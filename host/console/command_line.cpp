@@ -1,5 +1,6 @@
 #include "host/console/command_line.h"
 
+namespace zorv {
 namespace {
 constexpr std::string_view BLANKS = " \t\r\n\v\f";
 constexpr std::string_view WORD_ENDS = " \t\r\n\v\f'\"";
@@ -43,3 +44,4 @@ Words SplitLine(std::string_view line) {
         words.push_back(TakeWord(line));
     }
 }
+}  // namespace zorv

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+namespace zorv {
 using Words = std::vector<std::string>;
 
 // A command line, or the use of a command, that makes no sense; what() tells the operator why.
@@ -18,3 +19,4 @@ public:
 // other kind of quotes included; "" is an empty word. A line without a word, or whose first word begins with
 // '#', has none. Throws UsageError when a quote is not closed or the line holds a NUL byte.
 Words SplitLine(std::string_view line);
+}  // namespace zorv

@@ -1,20 +1,21 @@
-// The console's own commands: what help, completion and manuals say about them comes from here.
+// Every command that an operator can type: the registered ones and the console's own.
 #pragma once
 
-#include <array>
+#include <optional>
+#include <string>
+#include <vector>
 
-struct HostCommand {
-    const char* name;
-    const char* arguments;  // as a usage line shows them; empty when it takes none
-    const char* help;       // what it does, on one line
-    const char* words;      // what can follow the name, separated by blanks; options may stand at any place
-};
+#include "host/console/command.h"
 
-inline constexpr std::array<HostCommand, 6> HOST_COMMANDS = {
-    {{"help", "[COMMAND]", "list the commands, or explain one.", ""},
-     {"status", "", "what this host works on: files, configuration, switch, alarms, start-up.", ""},
-     {"alarms", "[N]", "the last N alarms, 20 if not told, the newest last.", ""},
-     {"switch", "get | set on|on-silent|off", "show or set the cluster's fault diagnosis switch.", "get set"},
-     {"explain", "START END | MINUTES", "where the extra delay of slow points goes; --help tells more.",
-      "--point --graph --at --zone --json --html --help"},
-     {"quit", "", "leave; so does Ctrl-D.", ""}}};
+namespace zorv {
+// The registered ones come first, in the order of their registration. Any thread, as for all of these.
+std::vector<Command> AllCommands();
+
+Words CommandNames();
+
+// The command that runs for `name`: the console's own, or else a registered one.
+std::optional<Command> FindCommand(const std::string& name);
+
+// The same. Throws UsageError, which names the nearest one, when there is none.
+Command CommandNamed(const std::string& name);
+}  // namespace zorv

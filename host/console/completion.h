@@ -3,9 +3,8 @@
 
 #include "host/console/command_line.h"
 
-// The names of all commands, the registered ones first. Any thread.
-Words CommandNames();
-
+namespace zorv {
 // The words that can follow `words`, which may be empty: commands, their words, points and graphs. The
 // console's thread; may read the route configuration.
 Words WordsAfter(const Words& words);
+}  // namespace zorv

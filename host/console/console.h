@@ -4,14 +4,14 @@
 #include <string>
 #include <utility>
 
-#include "host/console/command_line.h"
-#include "host/status.h"
+#include "host/console/command.h"
 
+namespace zorv {
 // Belongs to one thread, the console's.
 class Console {
 public:
     // The options of this program that those which it runs take over.
-    explicit Console(Words optionsToShare) : sharedOptions(std::move(optionsToShare)) {}
+    explicit Console(Words optionsToShare) : state{std::move(optionsToShare)} {}
 
     // Runs one command line, or does nothing when it has no words. Results go to stdout; what is wrong with
     // the line, to stderr, with `place` (such as "line 3: ") before it. The command failed when a program
@@ -23,12 +23,9 @@ public:
     ExitStatus Run(const Words& words, const std::string& place);
 
     // Whether the operator has asked to leave, or can no longer be told anything.
-    bool IsLeaving() const { return leaving; }
+    bool IsLeaving() const { return state.leaving; }
 
 private:
-    ExitStatus Dispatch(const Words& words);
-    void Quit(const Words& words);
-
-    const Words sharedOptions;
-    bool leaving = false;
+    ConsoleState state;
 };
+}  // namespace zorv

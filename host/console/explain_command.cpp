@@ -1,5 +1,3 @@
-#include "host/console/explain_command.h"
-
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -10,7 +8,12 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <vector>
 
+#include "host/console/commands.h"
+#include "host/console/route_file.h"
+
+namespace zorv {
 namespace {
 constexpr const char* PROGRAM = "zorv-explain";
 
@@ -49,9 +52,9 @@ pid_t Start(const std::string& file, Words words) {
 }
 }  // namespace
 
-int RunExplainCommand(const Words& words, const Words& shared) {
+ExitStatus RunExplain(const Words& words, ConsoleState& state) {
     Words all = {PROGRAM};
-    all.insert(all.end(), shared.begin(), shared.end());
+    all.insert(all.end(), state.sharedOptions.begin(), state.sharedOptions.end());
     all.insert(all.end(), words.begin() + 1, words.end());
     std::fflush(nullptr);
     const auto directory = std::filesystem::read_symlink("/proc/self/exe").parent_path();
@@ -64,5 +67,16 @@ int RunExplainCommand(const Words& words, const Words& shared) {
         throw std::runtime_error(std::string(PROGRAM) + " was ended by signal " +
                                  std::to_string(WTERMSIG(status)));
     }
-    return WEXITSTATUS(status);
+    return static_cast<ExitStatus>(WEXITSTATUS(status));
 }
+
+Words WordsAfterExplain(const Words& before) {
+    if (before.back() == "--point") {
+        return PointNames(CurrentRouteFile());
+    }
+    if (before.back() == "--graph") {
+        return GraphNames(CurrentRouteFile());
+    }
+    return {"--point", "--graph", "--at", "--zone", "--json", "--html", "--help"};
+}
+}  // namespace zorv

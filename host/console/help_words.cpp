@@ -5,6 +5,7 @@
 #include <iterator>
 #include <sstream>
 
+namespace zorv {
 namespace {
 constexpr const char* MINUTES = "timelength";  // the one placeholder without capitals or values
 
@@ -98,3 +99,4 @@ std::vector<WordPlace> PlacesOfHelp(const std::string& help) {
     }
     return places.Take();
 }
+}  // namespace zorv

@@ -6,6 +6,7 @@
 
 #include "host/console/command_line.h"
 
+namespace zorv {
 // What can stand at one place of a command line. Both empty: only the operator knows, as with a time.
 struct WordPlace {
     Words words;
@@ -18,3 +19,4 @@ struct WordPlace {
 // it), or for itself. Brackets with a word for itself, one behind the other, are choices at one place; behind
 // them a point can stand.
 std::vector<WordPlace> PlacesOfHelp(const std::string& help);
+}  // namespace zorv

@@ -6,19 +6,23 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <sstream>
+#include <thread>
 #include <utility>
 
 #include "host/process/files.h"
 
+namespace zorv {
 namespace {
 constexpr mode_t DIRECTORY_MODE = 0700;
 constexpr mode_t FILE_MODE = 0600;
 constexpr size_t LONGEST_LINE = 4096;
 constexpr size_t LARGEST_FILE = LONGEST_LINE * 2 * HISTORY_LINES;
+constexpr std::chrono::milliseconds LONGEST_WAIT{1000};
 
 // The absolute path that the variable holds; empty when it does not.
 std::string DirectoryIn(const char* variable) {
@@ -38,6 +42,22 @@ bool IsRegular(int fd) {
     return fstat(fd, &status) == 0 && S_ISREG(status.st_mode);
 }
 
+// A console that was stopped while it had the lock would stop all others.
+bool LockSoon(int fd) {
+    const auto end = std::chrono::steady_clock::now() + LONGEST_WAIT;
+    while (flock(fd, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        std::this_thread::sleep_for(LONGEST_WAIT / 100);
+    }
+    return true;
+}
+
+std::string ReasonOf(int error) {
+    return error == EWOULDBLOCK ? "another program keeps it locked" : std::strerror(error);
+}
+
 // Opens the file and keeps it from other consoles until it is closed; below 0 with errno when that fails.
 int OpenLocked(const std::string& path) {
     for (;;) {
@@ -46,7 +66,7 @@ int OpenLocked(const std::string& path) {
             return fd;
         }
         const bool isRegular = IsRegular(fd);
-        if (!isRegular || flock(fd, LOCK_EX) != 0 || fchmod(fd, FILE_MODE) != 0) {
+        if (!isRegular || !LockSoon(fd) || fchmod(fd, FILE_MODE) != 0) {
             const int reason = isRegular ? errno : EINVAL;
             close(fd);
             errno = reason;
@@ -64,21 +84,16 @@ bool WriteWhole(int fd, const std::string& text) {
     return write(fd, text.data(), text.size()) == static_cast<ssize_t>(text.size());
 }
 
+// Where links lead to: they stay.
 bool Replace(const std::string& path, const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) {
         text += line + '\n';
     }
-    const std::string fresh = path + ".tmp";
-    const OwnedFd file(open(fresh.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE));
-    const bool isReplaced =
-        file && WriteWhole(file.Get(), text) && std::rename(fresh.c_str(), path.c_str()) == 0;
-    if (!isReplaced) {
-        const int reason = errno;
-        unlink(fresh.c_str());
-        errno = reason;
-    }
-    return isReplaced;
+    std::error_code error;
+    const std::string target = std::filesystem::canonical(path, error);
+    errno = error.value();
+    return !error && ReplaceFile(target, text);
 }
 
 std::vector<std::string> LinesOf(const std::string& text) {
@@ -105,7 +120,7 @@ std::string HistoryPath() {
 
 HistoryFile::HistoryFile(std::string wholePath) : path(std::move(wholePath)) {
     if (!path.empty() && !MakeDirectoryOf(path, DIRECTORY_MODE)) {
-        problem = std::strerror(errno);
+        problem = ReasonOf(errno);
     }
 }
 
@@ -113,17 +128,17 @@ std::vector<std::string> HistoryFile::Load() {
     if (path.empty() || !problem.empty()) {
         return {};
     }
-    errno = 0;
     const OwnedFd file(OpenLocked(path));
     std::string text;
+    errno = file ? 0 : errno;  // a lock that was waited for leaves one
     if (!file || !ReadSmallFile(path, LARGEST_FILE, text)) {
-        problem = errno == 0 ? "the file is too long" : std::strerror(errno);
+        problem = errno == 0 ? "the file is too long" : ReasonOf(errno);
         return {};
     }
     std::vector<std::string> lines = LinesOf(text);
     if (lines.size() > HISTORY_LINES) {
         lines.erase(lines.begin(), lines.end() - HISTORY_LINES);
-        problem = Replace(path, lines) ? "" : std::strerror(errno);
+        problem = Replace(path, lines) ? "" : ReasonOf(errno);
     }
     return lines;
 }
@@ -132,9 +147,9 @@ void HistoryFile::Add(const std::string& line) {
     if (path.empty() || !problem.empty() || line.size() > LONGEST_LINE) {
         return;
     }
-    errno = 0;
     const OwnedFd file(OpenLocked(path));
     if (!file || !WriteWhole(file.Get(), line + '\n')) {
-        problem = std::strerror(errno);
+        problem = ReasonOf(errno);
     }
 }
+}  // namespace zorv

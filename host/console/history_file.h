@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 constexpr int HISTORY_LINES = 1000;
 
 // Where the history is kept: ZORV_LOCAL_HISTFILE, or a file of the operator's state directory. Empty when it
@@ -11,7 +12,8 @@ constexpr int HISTORY_LINES = 1000;
 std::string HistoryPath();
 
 // Lines in a file that several consoles share; only its owner can read it. A console that ends in the middle
-// of a call leaves a whole file. Belongs to one thread; blocks on file I/O.
+// of a call leaves a whole file. Belongs to one thread; blocks on file I/O, and a second at most for the
+// others: after a failure nothing is kept any more.
 class HistoryFile {
 public:
     // Makes the folders of `path`; an empty path keeps nothing.
@@ -30,3 +32,4 @@ private:
     const std::string path;
     std::string problem;
 };
+}  // namespace zorv

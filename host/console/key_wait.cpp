@@ -9,6 +9,7 @@
 #include <csignal>
 #include <stdexcept>
 
+namespace zorv {
 namespace {
 constexpr std::array<int, 5> SIGNALS = {SIGWINCH, SIGCONT, SIGTERM, SIGHUP, SIGQUIT};
 
@@ -90,3 +91,4 @@ KeyWait::Event KeyWait::Next() {
         }
     }
 }
+}  // namespace zorv

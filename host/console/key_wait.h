@@ -6,6 +6,7 @@
 
 #include "host/process/error_lines.h"
 
+namespace zorv {
 // While it lives, signals that would change the screen or leave it in disorder are heard here. Belongs to one
 // thread; there is one at a time.
 class KeyWait {
@@ -36,3 +37,4 @@ private:
     std::optional<ErrorLinesHeld> lines;
     int endSignal = 0;
 };
+}  // namespace zorv

@@ -13,7 +13,9 @@
 #include "host/leak_check.h"
 #include "host/process/colour.h"
 #include "host/services/log.h"
+#include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr int PROMPT_WIDTH = 6;
 constexpr char LITERAL = '\1';  // around what does not move the cursor
@@ -44,6 +46,22 @@ std::string CommonStart(const Words& words) {
     return start;
 }
 
+// The characters of `text` in this process's locale, up to the first that is none, or is not whole.
+std::wstring Wide(const std::string& text) {
+    std::wstring characters;
+    std::mbstate_t state{};
+    for (size_t at = 0; at < text.size();) {
+        wchar_t character = 0;
+        const size_t used = std::mbrtowc(&character, text.data() + at, text.size() - at, &state);
+        if (used == 0 || used > text.size()) {
+            break;
+        }
+        characters += character;
+        at += used;
+    }
+    return characters;
+}
+
 // Leaves the words that begin with `start`, sorted.
 void KeepMatching(Words& words, const std::string& start) {
     const auto differs = [&](const std::string& word) { return word.compare(0, start.size(), start) != 0; };
@@ -72,7 +90,9 @@ LineEditor::LineEditor(FILE* shownOn, const std::string& historyPath, Completer 
     ::history(history.get(), &event, H_SETSIZE, HISTORY_LINES);
     ::history(history.get(), &event, H_SETUNIQUE, 1);
     for (const std::string& line : file.Load()) {
-        Enter(line);
+        if (Printable(line) == line) {  // nobody typed the others, and shown they would act on the terminal
+            Enter(line);
+        }
     }
     Bind();
 }
@@ -237,7 +257,7 @@ void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
 }
 
 unsigned char LineEditor::DropLine(EditLine* editor, int /*key*/) {
-    const LineInfo* const line = el_line(editor);
+    const LineInfoW* const line = el_wline(editor);  // the editor counts characters
     const auto behind = static_cast<int>(line->lastchar - line->cursor);
     const auto length = static_cast<int>(line->lastchar - line->buffer);
     el_cursor(editor, behind);
@@ -267,7 +287,8 @@ unsigned char LineEditor::Complete() {
     if (choices.empty()) {
         return CC_REFRESH_BEEP;
     }
-    const std::string rest = CommonStart(choices).substr(word.size()) + (choices.size() == 1 ? " " : "");
+    const std::wstring rest =
+        Wide(CommonStart(choices).substr(word.size())) + (choices.size() == 1 ? L" " : L"");
     if (rest.empty()) {
         ShowChoices(choices);
         return CC_NORM;
@@ -277,11 +298,11 @@ unsigned char LineEditor::Complete() {
 }
 
 // What stands behind the cursor already is not typed again.
-void LineEditor::Insert(const std::string& rest) {
-    const LineInfo* const line = el_line(editor.get());
+void LineEditor::Insert(const std::wstring& rest) {
+    const LineInfoW* const line = el_wline(editor.get());
     const auto differs = std::mismatch(rest.begin(), rest.end(), line->cursor, line->lastchar).first;
     el_cursor(editor.get(), static_cast<int>(differs - rest.begin()));
-    el_insertstr(editor.get(), std::string(differs, rest.end()).c_str());
+    el_winsertstr(editor.get(), std::wstring(differs, rest.end()).c_str());
 }
 
 void LineEditor::ShowChoices(const Words& choices) {
@@ -290,5 +311,6 @@ void LineEditor::ShowChoices(const Words& choices) {
     const std::string typed(line->buffer, line->lastchar);
     const auto width = static_cast<size_t>(std::max(Number("co"), 2) - 1);
     const auto height = static_cast<size_t>(std::max(Number("li") - OTHER_ROWS, 1));
-    PrintAbove(screen, Prompt(editor.get()) + typed + '\n' + InColumns(choices, width, height));
+    PrintAbove(screen, Prompt(editor.get()) + Printable(typed) + '\n' + InColumns(choices, width, height));
 }
+}  // namespace zorv

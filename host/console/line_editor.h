@@ -13,6 +13,7 @@
 #include "host/console/history_file.h"
 #include "host/console/key_wait.h"
 
+namespace zorv {
 // Belongs to one thread. Sets the terminal up for each line and back after it. Lines that other threads print
 // to stderr meanwhile, see host/process/error_lines.h, come to stand above the line that is being typed.
 class LineEditor {
@@ -40,7 +41,7 @@ private:
     bool WaitForKey();
     int NextCharacter(wchar_t* character);
     unsigned char Complete();
-    void Insert(const std::string& rest);
+    void Insert(const std::wstring& rest);
     void ShowChoices(const Words& choices);
     void ClearTyped();
     void PrintAbove(FILE* stream, const std::string& text);
@@ -65,3 +66,4 @@ private:
     const std::unique_ptr<History, HistoryEnd> history;
     const std::unique_ptr<EditLine, EditLineEnd> editor;
 };
+}  // namespace zorv

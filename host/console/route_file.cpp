@@ -13,6 +13,7 @@
 #include "host/process/files.h"
 #include "host/process/settings.h"
 
+namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
 constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
@@ -95,3 +96,12 @@ std::vector<std::string> PointNames(const RouteFile& file) {
     }
     return {names.begin(), names.end()};
 }
+
+std::vector<std::string> GraphNames(const RouteFile& file) {
+    std::vector<std::string> names;
+    for (const RouteGraph& graph : file.graphs) {
+        names.push_back(graph.name);
+    }
+    return names;
+}
+}  // namespace zorv

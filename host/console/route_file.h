@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 struct RouteGraph {
     std::string name;
     size_t nodes = 0, edges = 0;
@@ -22,3 +23,7 @@ const RouteFile& CurrentRouteFile();
 
 // The points of all graphs, each once.
 std::vector<std::string> PointNames(const RouteFile& file);
+
+// The graphs, in the order of the file's reader.
+std::vector<std::string> GraphNames(const RouteFile& file);
+}  // namespace zorv

@@ -13,7 +13,9 @@
 #include "host/console/line_editor.h"
 #include "host/process/interrupt.h"
 #include "host/services/console.h"
+#include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t LONGEST_LINE = size_t{16} << 20;  // enough for any command; an endless line must end
 
@@ -55,12 +57,18 @@ ExitStatus RunTerminal(Console& console) {
     const std::string historyPath = HistoryPath();
     LineEditor editor(isatty(STDOUT_FILENO) == 1 ? stdout : stderr, historyPath, WordsAfter);
     std::fputs("'help' lists the commands, TAB completes them; 'quit' or Ctrl-D leaves.\n", stderr);
-    if (!editor.HistoryProblem().empty()) {
-        std::fprintf(stderr, "The history is not kept: %s: %s\n", historyPath.c_str(),
-                     editor.HistoryProblem().c_str());
-    }
+    bool isTold = false;
+    const auto tellProblem = [&] {
+        if (!isTold && !editor.HistoryProblem().empty()) {
+            std::fprintf(stderr, "The history is not kept: %s: %s\n", Printable(historyPath).c_str(),
+                         editor.HistoryProblem().c_str());
+            isTold = true;
+        }
+    };
+    tellProblem();
     while (!console.IsLeaving()) {
         const std::optional<std::string> line = editor.Read();
+        tellProblem();
         if (!line.has_value()) {
             std::fputs("\n", stderr);
             break;
@@ -69,3 +77,4 @@ ExitStatus RunTerminal(Console& console) {
     }
     return OutputError() == 0 ? STATUS_OK : STATUS_FAILED;
 }
+}  // namespace zorv

@@ -3,6 +3,7 @@
 
 #include "host/console/console.h"
 
+namespace zorv {
 // Runs the lines of standard input until it ends, or the console leaves. Returns the worst status; errors in
 // a line carry its number. Blocks.
 ExitStatus RunLinesOfInput(Console& console);
@@ -11,3 +12,4 @@ ExitStatus RunLinesOfInput(Console& console);
 // Returns STATUS_OK unless the results could not be printed. Throws std::runtime_error when the terminal
 // cannot be edited on.
 ExitStatus RunTerminal(Console& console);
+}  // namespace zorv

@@ -1,5 +1,3 @@
-#include "host/console/status_command.h"
-
 #include <sqlite3.h>
 #include <sys/stat.h>
 
@@ -14,15 +12,16 @@
 #include "agent/agent_message.h"
 #include "agent/agent_storage.h"
 #include "host/console/columns.h"
+#include "host/console/commands.h"
 #include "host/console/route_file.h"
-#include "host/console/switch_command.h"
 #include "host/process/settings.h"
-#include "host/services/alarm.h"
+#include "host/services/alarm_counts.h"
 #include "host/services/startup.h"
 #include "text/counted.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
 
@@ -138,11 +137,12 @@ std::string Startup() {
 }
 }  // namespace
 
-void RunStatusCommand(const Words& words) {
+ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
     if (words.size() > 1) {
         throw UsageError("usage: status");
     }
     PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
+    PrintRow("zone", ZoneText(ZoneOffsetAt(std::time(nullptr))) + ", kept until this program ends");
     PrintFile("statistics", LUMO_DATABASE_FILE);
     PrintRow("earliest time", Printable(EarliestTime()));
     PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
@@ -150,4 +150,6 @@ void RunStatusCommand(const Words& words) {
     PrintRow("switch", SwitchAndItsOrigin());
     PrintRow("alarms", Alarms());
     PrintRow("start-up", Startup());
+    return STATUS_OK;
 }
+}  // namespace zorv

@@ -1,5 +1,3 @@
-#include "host/console/switch_command.h"
-
 #include <array>
 #include <cstring>
 #include <optional>
@@ -8,9 +6,11 @@
 #include "agent/agent_heal.h"
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
+#include "host/console/commands.h"
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 struct SwitchValue {
     int32_t number;
@@ -101,7 +101,7 @@ void Set(int32_t number) {
 }
 }  // namespace
 
-void RunSwitchCommand(const Words& words) {
+ExitStatus RunSwitch(const Words& words, ConsoleState& /*state*/) {
     if (words.size() == 2 && words[1] == "get") {
         const int32_t value = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
         DBG_Print("%s, from %s\n", Described(value).c_str(), Master().c_str());
@@ -110,11 +110,15 @@ void RunSwitchCommand(const Words& words) {
     } else {
         throw UsageError("usage: switch get | switch set on|on-silent|off");
     }
+    return STATUS_OK;
 }
 
-Words SwitchWordsAfter(const Words& words) {
+Words WordsAfterSwitch(const Words& before) {
+    if (before.size() == 1) {
+        return {"get", "set"};
+    }
     Words next;
-    if (words.size() == 2 && words[1] == "set") {
+    if (before.size() == 2 && before[1] == "set") {
         for (const SwitchValue& value : VALUES) {
             next.emplace_back(value.word);
         }
@@ -138,3 +142,4 @@ std::string SwitchAndItsOrigin() {
     return isLocal ? Described(number) + ", from the file of this node" + silence
                    : Described(FAULT_DIAG_SWITCH_UNREADABLE) + silence;
 }
+}  // namespace zorv

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
+namespace zorv {
 namespace {
 std::string_view Variable(const char* name) {
     const char* const value = std::getenv(name);
@@ -16,3 +17,4 @@ bool WantsColour(int descriptor) {
     const std::string_view terminal = Variable("TERM");
     return isatty(descriptor) == 1 && Variable("NO_COLOR").empty() && !terminal.empty() && terminal != "dumb";
 }
+}  // namespace zorv

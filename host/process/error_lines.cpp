@@ -8,6 +8,7 @@
 
 #include "host/process/immortal.h"
 
+namespace zorv {
 namespace {
 struct Lines {
     std::mutex mutex;
@@ -58,3 +59,4 @@ std::string ErrorLinesHeld::Take() {
     const std::lock_guard<std::mutex> lock(lines.mutex);
     return std::exchange(lines.held, "");
 }
+}  // namespace zorv

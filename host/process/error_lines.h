@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+namespace zorv {
 // Prints `text`, one or more whole lines with their ends, to stderr in one piece. While there is an
 // ErrorLinesHeld the text waits there. Any thread.
 void PrintErrorLines(std::string_view text);
@@ -21,3 +22,4 @@ public:
     // The lines since the last call; the caller prints them.
     std::string Take();
 };
+}  // namespace zorv

@@ -1,14 +1,17 @@
 #include "host/process/files.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cinttypes>
 #include <cstdio>
 #include <filesystem>
 
+namespace zorv {
 namespace {
 constexpr mode_t FILE_MODE = 0644;
 
@@ -37,14 +40,6 @@ bool WriteAll(int fd, std::string_view data) {
     return true;
 }
 
-bool Lock(int fd) {
-    int result = 0;
-    do {
-        result = flock(fd, LOCK_EX);
-    } while (result != 0 && errno == EINTR);
-    return result == 0;
-}
-
 // As a full disk leaves it.
 bool EndsWithinLine(int fd) {
     struct stat status {};
@@ -53,9 +48,36 @@ bool EndsWithinLine(int fd) {
            last != '\n';
 }
 
-bool WriteNewFile(const std::string& path, std::string_view content) {
-    const OwnedFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, FILE_MODE));
-    return file && WriteAll(file.Get(), content) && fsync(file.Get()) == 0;
+// A name beside `path` that nobody can know beforehand; empty when there is no random number.
+std::string FreshName(const std::string& path) {
+    uint64_t number = 0;
+    if (getrandom(&number, sizeof number, 0) != sizeof number) {
+        return {};
+    }
+    std::array<char, 24> suffix{};
+    std::snprintf(suffix.data(), suffix.size(), ".%016" PRIx64, number);
+    return path + suffix.data();
+}
+
+// What the new file cannot be given nobody gains by: a group that is not the old one has no rights.
+void GiveOwnerAndMode(int fd, const struct stat& old) {
+    constexpr auto SAME = static_cast<uid_t>(-1);
+    const bool isGroupKept = fchown(fd, old.st_uid, old.st_gid) == 0 || fchown(fd, SAME, old.st_gid) == 0;
+    fchmod(fd, old.st_mode & (isGroupKept ? ACCESSPERMS : ACCESSPERMS & ~S_IRWXG));
+}
+
+// Creates the file `fresh` with the owner and the mode of the regular file `path`, where there is one. Below
+// 0 with errno when it cannot, or when something lies there.
+int CreateLike(const std::string& path, const std::string& fresh) {
+    struct stat old {};
+    const bool isThere = lstat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    constexpr mode_t FOR_NOBODY_ELSE = 0600;
+    const int fd =
+        open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, isThere ? FOR_NOBODY_ELSE : FILE_MODE);
+    if (fd >= 0 && isThere) {
+        GiveOwnerAndMode(fd, old);
+    }
+    return fd;
 }
 }  // namespace
 
@@ -70,7 +92,8 @@ bool MakeDirectoryOf(const std::string& path, mode_t mode) {
     if (IsDirectory(directory)) {
         return true;
     }
-    if (!MakeDirectoryOf(directory, mode)) {
+    // "." can be one that must not be searched, or is gone.
+    if (directory == DirectoryOf(directory) || !MakeDirectoryOf(directory, mode)) {
         return false;
     }
     if (mkdir(directory.c_str(), mode) != 0 && errno != EEXIST) {
@@ -81,19 +104,20 @@ bool MakeDirectoryOf(const std::string& path, mode_t mode) {
 }
 
 bool ReplaceFile(const std::string& path, std::string_view content) {
-    // The lock keeps writers of the one temporary file apart, and ends with its owner's life.
     const OwnedFd directory = OpenDirectory(DirectoryOf(path));
-    if (!directory || !Lock(directory.Get())) {
+    const std::string fresh = FreshName(path);
+    const OwnedFd file(directory && !fresh.empty() ? CreateLike(path, fresh) : -1);
+    if (!file) {
         return false;
     }
-    const std::string fresh = path + ".tmp";
-    if (!WriteNewFile(fresh, content) || std::rename(fresh.c_str(), path.c_str()) != 0) {
+    const bool isReplaced = WriteAll(file.Get(), content) && fsync(file.Get()) == 0 &&
+                            std::rename(fresh.c_str(), path.c_str()) == 0;
+    if (!isReplaced) {
         const int reason = errno;
         unlink(fresh.c_str());
         errno = reason;
-        return false;
     }
-    return fsync(directory.Get()) == 0;
+    return isReplaced && fsync(directory.Get()) == 0;
 }
 
 bool AppendLine(const std::string& path, const std::string& line) {
@@ -123,3 +147,4 @@ bool ReadSmallFile(const std::string& path, size_t most, std::string& content) {
     content = std::move(text);
     return true;
 }
+}  // namespace zorv

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+namespace zorv {
 // A file descriptor that is closed with its owner; below 0 when it could not be opened.
 class OwnedFd {
 public:
@@ -26,9 +27,10 @@ private:
 // went wrong.
 bool MakeDirectoryOf(const std::string& path, mode_t mode = 0755);
 
-// Replaces the content of the file `path`, whose directory must be there: whatever happens, a reader finds
-// the old content or the new one. Processes and threads that do so in one directory take turns. Returns true
-// when the new content is on disk.
+// Replaces the content of the file `path`, whose directory must be there, and keeps its owner and mode as far
+// as this process may: whatever happens, and whoever else does the same, a reader finds one whole content,
+// the old one or a new one. A link is replaced, not followed. A process that is killed may leave a file
+// beside it, with a dot and 16 digits behind the name. Returns true when the new content is on disk.
 bool ReplaceFile(const std::string& path, std::string_view content);
 
 // Appends `line` and a line end to the file `path` in one piece, and makes a missing file. The rest of a line
@@ -38,3 +40,4 @@ bool AppendLine(const std::string& path, const std::string& line);
 // Reads the whole of the regular file `path`. Returns false, with `content` unchanged, when that is not
 // possible or the file is longer than `most` bytes.
 bool ReadSmallFile(const std::string& path, size_t most, std::string& content);
+}  // namespace zorv

@@ -5,6 +5,7 @@
 #include <csignal>
 #include <thread>
 
+namespace zorv {
 namespace {
 using Clock = std::chrono::steady_clock;
 
@@ -62,3 +63,4 @@ void SleepUnlessInterrupted(std::chrono::milliseconds duration) {
         std::this_thread::sleep_until(NextLook(end));
     }
 }
+}  // namespace zorv

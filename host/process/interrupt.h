@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 
+namespace zorv {
 // From now on SIGINT interrupts the command that runs instead of ending the process, and does nothing while
 // none runs. Call it once, before the first command.
 void TakeInterrupts();
@@ -47,3 +48,4 @@ bool WaitUnlessInterrupted(std::condition_variable& changed, std::unique_lock<st
     }
     return holds;
 }
+}  // namespace zorv

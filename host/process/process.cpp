@@ -5,6 +5,7 @@
 
 #include <csignal>
 
+namespace zorv {
 namespace {
 // What takes the number here can only be read, so that printing to a closed stdout still fails.
 void OccupyStandardStreams() {
@@ -22,3 +23,4 @@ void BeginProcess() {
     OccupyStandardStreams();
     std::signal(SIGXFSZ, SIG_IGN);
 }
+}  // namespace zorv

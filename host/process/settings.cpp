@@ -2,6 +2,7 @@
 
 #include "host/process/immortal.h"
 
+namespace zorv {
 namespace {
 HostSettings& Settings() {
     static HostSettings& settings = MakeImmortal<HostSettings>();
@@ -25,3 +26,4 @@ std::string GivenPath(const std::string& path) {
     const HostSettings& settings = GetHostSettings();
     return settings.capture.value_or(settings.root) + path;
 }
+}  // namespace zorv

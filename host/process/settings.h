@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+namespace zorv {
 struct HostSettings {
     std::string root;     // a directory that stands before every fixed path; empty: none
     uint32_t node = 1;    // this node's id
@@ -26,3 +27,4 @@ std::string RootedPath(const std::string& path);
 
 // The same as the operator knows it: in a capture's own directory. To look at, never to write.
 std::string GivenPath(const std::string& path);
+}  // namespace zorv

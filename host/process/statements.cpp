@@ -9,8 +9,14 @@
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
 
+namespace zorv {
 namespace {
 constexpr int STEPS_BETWEEN_LOOKS = 1000;  // of SQLite's virtual machine, a few microseconds
+// Of one statement, a quarter of a minute: enough for a few hundred million rows. One that never ends would
+// be a damaged file's, or somebody's who wants it so.
+constexpr int64_t MOST_STEPS = 2'000'000'000;
+
+thread_local int64_t g_steps = 0;  // of the statement that runs
 
 // SQLite holds a connection's own mutex when a connection comes or goes. Whoever holds the mutex of the set
 // may therefore only try the connection's.
@@ -24,12 +30,14 @@ Connections& AllConnections() {
     return connections;
 }
 
-int StopIfInterrupted(void* /*user*/) {
-    return Interrupted() ? 1 : 0;
+int StopIfInterruptedOrEndless(void* /*user*/) {
+    g_steps += STEPS_BETWEEN_LOOKS;
+    return Interrupted() || g_steps > MOST_STEPS ? 1 : 0;
 }
 
 int Trace(unsigned event, void* user, void* /*object*/, void* /*detail*/) {
     auto* const connection = static_cast<sqlite3*>(user);
+    g_steps = 0;
     if (event == SQLITE_TRACE_CLOSE) {
         Connections& connections = AllConnections();
         const std::lock_guard<std::mutex> lock(connections.mutex);
@@ -41,7 +49,7 @@ int Trace(unsigned event, void* user, void* /*object*/, void* /*detail*/) {
 }
 
 int WatchConnection(sqlite3* connection, char** /*error*/, const void* /*api*/) {
-    sqlite3_progress_handler(connection, STEPS_BETWEEN_LOOKS, &StopIfInterrupted, nullptr);
+    sqlite3_progress_handler(connection, STEPS_BETWEEN_LOOKS, &StopIfInterruptedOrEndless, nullptr);
     sqlite3_trace_v2(connection, SQLITE_TRACE_STMT | SQLITE_TRACE_CLOSE, &Trace, connection);
     Connections& connections = AllConnections();
     const std::lock_guard<std::mutex> lock(connections.mutex);
@@ -80,3 +88,4 @@ std::string FailedStatements() {
     }
     return failures;
 }
+}  // namespace zorv

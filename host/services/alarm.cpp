@@ -2,7 +2,6 @@
 
 #include <json/writer.h>
 
-#include <atomic>
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
@@ -14,16 +13,12 @@
 #include "host/process/error_lines.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
+#include "host/services/alarm_counts.h"
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
-constexpr const char* SUPPRESSED = "alarm too much, zorv will not send alarm";
-
-std::atomic<uint64_t> g_sent{0};
-std::atomic<uint64_t> g_lost{0};
-std::atomic<uint64_t> g_suppressed{0};
-
 std::string AlarmLine(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
     Json::Value alarm;
     alarm["time"] = static_cast<Json::Int64>(std::time(nullptr));
@@ -49,20 +44,11 @@ uint32_t RaiseAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char
     return 0;
 }
 }  // namespace
+}  // namespace zorv
 
 uint32_t ALM_SendAlarm(uint32_t module, uint64_t alarmId, uint32_t type, const char* text) {
-    const uint32_t result =
-        Guarded("alarm", 1U, [=] { return RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
-    ++(result == 0 ? g_sent : g_lost);
+    const uint32_t result = zorv::Guarded(
+        "alarm", 1U, [=] { return zorv::RaiseAlarm(module, alarmId, type, text == nullptr ? "" : text); });
+    zorv::CountAlarm(result == 0);
     return result;
-}
-
-AlarmCounts CountAlarms() {
-    return {g_sent, g_lost, g_suppressed};
-}
-
-void CountSuppressedAlarm(const char* logFormat) {
-    if (std::strstr(logFormat, SUPPRESSED) != nullptr) {
-        ++g_suppressed;
-    }
 }

@@ -14,6 +14,7 @@
 #include "host/services/log.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 constexpr std::string_view ERROR_START = "\t\t[ERROR]: ";
 constexpr std::string_view INNER_ERROR = "\ninner error\n";
@@ -87,20 +88,21 @@ bool TakeErrorLine() {
 int OutputError() {
     return g_outputError;
 }
+}  // namespace zorv
 
 void DBG_Print(const char* format, ...) {
     va_list args;
     va_start(args, format);
-    Guarded("console output", 0, [&] {
-        Print(FormatText(format, args));
+    zorv::Guarded("console output", 0, [&] {
+        zorv::Print(FormatText(format, args));
         return 0;
     });
     va_end(args);
 }
 
 uint32_t Zorvdebug_RegDiagnose(const char* group, ZORV_DIAG_CMD_S* table) {
-    if (group == nullptr || table == nullptr || !IsComplete(table)) {
+    if (group == nullptr || table == nullptr || !zorv::IsComplete(table)) {
         return 1;
     }
-    return Guarded("console registration", 1U, [=] { return AddGroup(group, table); });
+    return zorv::Guarded("console registration", 1U, [=] { return zorv::AddGroup(group, table); });
 }

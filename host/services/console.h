@@ -5,6 +5,7 @@
 
 #include "agent/agent_console.h"
 
+namespace zorv {
 struct RegisteredCommand {
     const char* group;
     const ZORV_DIAG_CMD_S* row;
@@ -18,3 +19,4 @@ bool TakeErrorLine();
 
 // 0 while all that was printed reached stdout; else the errno of the first failure. Any thread.
 int OutputError();
+}  // namespace zorv

@@ -13,6 +13,7 @@
 #include "host/process/settings.h"
 #include "host/services/log.h"
 
+namespace zorv {
 namespace {
 constexpr std::string_view SECTION = "heal";
 constexpr std::string_view KEY = "value";
@@ -90,17 +91,18 @@ uint32_t WriteNumber(const std::string& path, int32_t number) {
     return 0;
 }
 }  // namespace
+}  // namespace zorv
 
 uint32_t HealReadZorvModePrivateIni(const char* path, int32_t* value, uint32_t /*flag*/) {
     if (path == nullptr || value == nullptr) {
         return 1;
     }
-    return Guarded("heal read", 1U, [=] { return ReadNumber(RootedPath(path), *value); });
+    return zorv::Guarded("heal read", 1U, [=] { return zorv::ReadNumber(zorv::RootedPath(path), *value); });
 }
 
 uint32_t HealWriteZorvModePrivateIni(const char* path, int32_t value, uint32_t /*flag*/) {
     if (path == nullptr) {
         return 1;
     }
-    return Guarded("heal write", 1U, [=] { return WriteNumber(RootedPath(path), value); });
+    return zorv::Guarded("heal write", 1U, [=] { return zorv::WriteNumber(zorv::RootedPath(path), value); });
 }

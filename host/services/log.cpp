@@ -13,9 +13,10 @@
 #include "host/process/error_lines.h"
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
-#include "host/services/alarm.h"
+#include "host/services/alarm_counts.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 using LoggerPointer = std::shared_ptr<spdlog::logger>;
 
@@ -78,18 +79,19 @@ void ConfigureLog(const std::string& file, uint32_t level) {
     }
     Logger() = MakeLogger(std::move(sink), level);
 }
+}  // namespace zorv
 
 void vplog(uint32_t module, uint32_t stated, const char* file, uint32_t line, const char* function,
            uint32_t /*reserved*/, const char* format, ...) {
-    CountSuppressedAlarm(format);
+    zorv::CountSuppressedAlarm(format);
     // What fails in a command that was stopped fails for that reason, many times.
-    const uint32_t level = Interrupted() ? uint32_t{VPLOG_LEVEL_DEBUG} : stated;
+    const uint32_t level = zorv::Interrupted() ? uint32_t{VPLOG_LEVEL_DEBUG} : stated;
     va_list args;
     va_start(args, format);
     try {
-        spdlog::logger& logger = *Logger();
-        if (logger.should_log(SpdlogLevel(level))) {
-            logger.log(SpdlogLevel(level), "[{}] {}:{} {}: {}", module, file, line, function,
+        spdlog::logger& logger = *zorv::Logger();
+        if (logger.should_log(zorv::SpdlogLevel(level))) {
+            logger.log(zorv::SpdlogLevel(level), "[{}] {}:{} {}: {}", module, file, line, function,
                        Printable(FormatText(format, args)));
         }
     } catch (...) {

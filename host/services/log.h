@@ -8,10 +8,12 @@
 
 #include "agent/agent_log.h"
 
+namespace zorv {
 enum : uint32_t { HOST_MODULE = 1 };  // the host's own module number, in log lines and messages
 
 // Logs one line of the host itself; the level is one of VPLOG_LEVEL_*.
-#define HOST_LOG(level, ...) vplog(HOST_MODULE, level, __FILE_NAME__, __LINE__, __func__, 0, __VA_ARGS__)
+#define HOST_LOG(level, ...) \
+    vplog(zorv::HOST_MODULE, level, __FILE_NAME__, __LINE__, __func__, 0, __VA_ARGS__)
 
 // Sends the log to `file`, which grows from where it ends, or to stderr when the name is empty, and drops
 // what is less severe than `level`. Until then warnings and errors go to stderr. Throws a std::exception,
@@ -31,3 +33,4 @@ Result Guarded(const char* service, Result failure, Work&& work) noexcept {
     }
     return failure;
 }
+}  // namespace zorv

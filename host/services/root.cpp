@@ -2,6 +2,6 @@
 #include "host/process/settings.h"
 
 const char* vopx_root_directory() {
-    const std::string& root = GetHostSettings().root;
+    const std::string& root = zorv::GetHostSettings().root;
     return root.empty() ? nullptr : root.c_str();
 }

@@ -7,6 +7,7 @@
 #include "host/process/immortal.h"
 #include "host/services/log.h"
 
+namespace zorv {
 namespace {
 struct Rows {
     std::mutex mutex;
@@ -34,21 +35,22 @@ uint32_t RunRow(const ZORV_MODULE_INIT_S& row) {
 }
 }  // namespace
 
-uint32_t ZORV_ModulesStartup(ZORV_MODULE_INIT_S* rows, uint32_t count) {
-    if (rows == nullptr) {
-        return 1;
-    }
-    return Guarded("start-up", 1U, [=] {
-        uint32_t failed = 0;
-        for (uint32_t i = 0; i < count; ++i) {
-            failed |= RunRow(rows[i]) == 0 ? 0U : 1U;
-        }
-        return failed;
-    });
-}
-
 std::vector<StartupResult> StartupResults() {
     Rows& rows = AllRows();
     const std::lock_guard<std::mutex> lock(rows.mutex);
     return rows.results;
+}
+}  // namespace zorv
+
+uint32_t ZORV_ModulesStartup(ZORV_MODULE_INIT_S* rows, uint32_t count) {
+    if (rows == nullptr) {
+        return 1;
+    }
+    return zorv::Guarded("start-up", 1U, [=] {
+        uint32_t failed = 0;
+        for (uint32_t i = 0; i < count; ++i) {
+            failed |= zorv::RunRow(rows[i]) == 0 ? 0U : 1U;
+        }
+        return failed;
+    });
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+namespace zorv {
 struct StartupResult {
     std::string name;
     uint32_t result;  // 0: success
@@ -12,3 +13,4 @@ struct StartupResult {
 
 // The rows that were run, in their order. Any thread.
 std::vector<StartupResult> StartupResults();
+}  // namespace zorv

@@ -6,6 +6,7 @@
 #include "agent/agent_thread.h"
 #include "host/services/log.h"
 
+namespace zorv {
 namespace {
 // Blocks the signals for the calling thread, and so for the threads it starts, until the end of its life.
 class TerminalSignalsBlocked {
@@ -31,14 +32,15 @@ std::thread StartThread(std::function<void()> work) {
     const TerminalSignalsBlocked blocked;
     return std::thread(std::move(work));
 }
+}  // namespace zorv
 
 int32_t create_thread_nopreempt_raw(VOPX_THREAD_ENTRY entry, void* arg, uint32_t /*flags*/) {
     if (entry == nullptr) {
         return 1;
     }
-    const auto run = [=] { Guarded("thread", 0, [=] { return entry(arg); }); };
-    return Guarded("thread start", 1, [&] {
-        StartThread(run).detach();
+    const auto run = [=] { zorv::Guarded("thread", 0, [=] { return entry(arg); }); };
+    return zorv::Guarded("thread start", 1, [&] {
+        zorv::StartThread(run).detach();
         return 0;
     });
 }

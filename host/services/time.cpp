@@ -12,6 +12,7 @@
 #include "text/local_time.h"
 #include "text/printable.h"
 
+namespace zorv {
 namespace {
 using Tick = std::chrono::duration<uint64_t, std::ratio<1, 250>>;
 
@@ -25,16 +26,18 @@ void TellWhyItWaits() {
                     (reason.empty() ? "" : ": " + Printable(reason)) + " (Ctrl-C stops)\n");
 }
 }  // namespace
+}  // namespace zorv
 
 uint64_t vopx_get_jiffies() {
-    return std::chrono::duration_cast<Tick>(std::chrono::steady_clock::now().time_since_epoch()).count();
+    return std::chrono::duration_cast<zorv::Tick>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
 }
 
 void vopx_10msleep(uint32_t ticks) {
-    if (IsFirstWaitOfCommand()) {
-        TellWhyItWaits();
+    if (zorv::IsFirstWaitOfCommand()) {
+        zorv::TellWhyItWaits();
     }
-    SleepUnlessInterrupted(std::chrono::milliseconds(int64_t{10} * ticks));
+    zorv::SleepUnlessInterrupted(std::chrono::milliseconds(int64_t{10} * ticks));
 }
 
 int64_t vopx_time_getlocaltime(int64_t* seconds) {
@@ -62,13 +65,13 @@ int64_t vopx_time_mktime(const VOPX_TIME_S* in) {
     // timegm() counts years from 1900 in an int and cannot be given every year: it gets the same month of
     // the cycle that began in 2000, or of the one before, and the cycles in between are added.
     const int64_t months = int64_t{in->year} * 12 + in->month - 1;
-    const int64_t cycles = months / MONTHS_OF_CYCLE - 5;
+    const int64_t cycles = months / zorv::MONTHS_OF_CYCLE - 5;
     tm utc{};
     utc.tm_year = 2000 - 1900;
-    utc.tm_mon = static_cast<int>(months % MONTHS_OF_CYCLE);
+    utc.tm_mon = static_cast<int>(months % zorv::MONTHS_OF_CYCLE);
     utc.tm_mday = in->day;
     utc.tm_hour = in->hour;
     utc.tm_min = in->minute;
     utc.tm_sec = in->second;
-    return timegm(&utc) + cycles * SECONDS_OF_CYCLE;
+    return timegm(&utc) + cycles * zorv::SECONDS_OF_CYCLE;
 }

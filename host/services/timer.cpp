@@ -14,6 +14,7 @@
 #include "host/services/log.h"
 #include "host/services/thread.h"
 
+namespace zorv {
 namespace {
 // One thread per task: tasks are few, and none may delay another.
 class TimerThreads {
@@ -86,11 +87,12 @@ uint32_t AddTask(const ZORV_TIMER_TASK_S& task, uint32_t module, const char* fun
 void StopTimers() {
     Timers().Stop();
 }
+}  // namespace zorv
 
 uint32_t ZORV_ThreadPoolAddTimerTaskSub(ZORV_TIMER_TASK_S* task, uint32_t module, const char* function,
                                         uint32_t line) {
     if (task == nullptr) {
         return 1;
     }
-    return Guarded("timer", 1U, [=] { return AddTask(*task, module, function, line); });
+    return zorv::Guarded("timer", 1U, [=] { return zorv::AddTask(*task, module, function, line); });
 }

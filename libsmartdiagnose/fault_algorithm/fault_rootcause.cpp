@@ -1,26 +1,13 @@
+#define FAULT_UNIT_FILE "fault_rootcause.cpp"
 #include "fault_algorithm/fault_rootcause.h"
 
-#include <functional>
 #include <set>
 
+#include "fault_algorithm/fault_rootcause_graph.h"
 #include "fault_common/fault_boundary.h"
 #include "fault_common/fault_log.h"
-#include "fault_spectrum_graph/fault_json_object.h"
 
 namespace {
-
-// Runs a step that may throw; an exception is logged as of `operation`. False when the step fails.
-using StepRunner = bool (*)(const char* operation, const std::function<bool()>& step);
-
-bool RunThrowing(const char* /*operation*/, const std::function<bool()>& step) {
-    return step();
-}
-
-bool RunGuarded(const char* operation, const std::function<bool()>& step) {
-    bool done = false;
-    FaultRunGuarded(FAULT_IN(operation), [&] { done = step(); });
-    return done;
-}
 
 // The root of the walk: the point that is named, or that of the topology. 0 when there is none.
 template <typename Graph>
@@ -38,36 +25,19 @@ int32_t RootOf(const char* operation, Graph& graph, const RootGraph& rootGraph, 
 }
 
 // One graph's analysis. Log lines carry the name of `operation`.
-template <typename Graph, typename Walk>
+template <typename Graph, typename Run, typename Walk>
 uint32_t AnalyseGraph(const char* operation, const RootGraph& rootGraph, const TimeWindow& timeWindow,
-                      bool byLabel, StepRunner run, Walk walk) {
-    FaultJsonObject& config = FaultJsonObject::GetInstance();
-    const std::string& name = rootGraph.graphName;
-    if (!config.IsMember(name)) {
-        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "the %s is not exsist.", name.c_str());
-        return 1;
-    }
-    Json::Value nodes;
-    Json::Value edges;
-    const auto read = [&] {
-        return config.GetGraphValueByKeyTag(name, "nodes", nodes) == 0 &&
-               config.GetGraphValueByKeyTag(name, "edges", edges) == 0;
-    };
-    if (!run(operation, read)) {
-        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Fail to get value.");
-        return 1;
-    }
+                      bool byLabel, Run run, Walk walk) {
     Graph graph;
-    graph.InitGraph(edges);
-    const auto extract = [&] {
-        graph.ExtracNodeInfo(nodes);
-        return true;
-    };
-    if (!run(operation, extract)) {
-        return 1;
+    Json::Value edges;
+    const std::string& name = rootGraph.graphName;
+    const FaultGraphReading reading = ReadGraph(operation, name, timeWindow, run, graph, &edges);
+    if (reading == FaultGraphReading::UNKNOWN_GRAPH) {
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "the %s is not exsist.", name.c_str());
+    } else if (reading == FaultGraphReading::NO_VALUE) {
+        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "Fail to get value.");
     }
-    if (!run(operation, [&] { return graph.GetData(timeWindow.startTime, timeWindow.endTime) == 0; })) {
-        FAULT_LOG(FAULT_IN(operation), FAULT_ERROR, "GetData failed.");
+    if (reading != FaultGraphReading::DONE) {
         return 1;
     }
     if (walk(graph, RootOf(operation, graph, rootGraph, byLabel, edges)) != 0) {
@@ -123,7 +93,7 @@ uint32_t FollowGraphs(const char* operation, RootGraph rootGraph, Analyse analys
 uint32_t GraphAnalysisBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
                                 AnomalyPathInfo& pathInfo) {
     return AnalyseGraph<FaultCausalityGraph>(
-        __func__, rootGraph, timeWindow, byLabel, RunThrowing,
+        __func__, rootGraph, timeWindow, byLabel, FAULT_RUN_STEP,
         [&](const FaultCausalityGraph& graph, int32_t root) { return graph.TraverseByBfs(root, pathInfo); });
 }
 
@@ -142,8 +112,14 @@ std::vector<AnomalyPath> FlowAnalysisBFS(std::string nodeName, std::string graph
 
 uint32_t AnalysisErrCodeBFSByRoot(const RootGraph& rootGraph, const TimeWindow& timeWindow, bool byLabel,
                                   int32_t erridx, AnomalyPathInfo& pathInfo) {
+    const char* operation = __func__;
+    const auto runGuarded = [operation](auto step) {
+        bool done = false;
+        FaultRunGuarded(FAULT_IN(operation), [&] { done = step(); });
+        return done;
+    };
     return AnalyseGraph<FaultCausalityErrCodeGraph>(
-        __func__, rootGraph, timeWindow, byLabel, RunGuarded,
+        operation, rootGraph, timeWindow, byLabel, runGuarded,
         [&](const FaultCausalityErrCodeGraph& graph, int32_t root) {
             return graph.TraverseByBfs(root, pathInfo, erridx);
         });

@@ -73,6 +73,13 @@ const std::map<std::string, FaultNameMultimap> g_mapErrCodeGraphModulePrefix = {
      }},
 };
 
+bool FaultIsOfModule(const std::string& point, const FaultNameMultimap& modules, const std::string& module) {
+    const auto prefixes = modules.equal_range(module);
+    return std::any_of(prefixes.first, prefixes.second, [&](const auto& entry) {
+        return point.compare(0, entry.second.size(), entry.second) == 0;
+    });
+}
+
 const std::map<std::string, int32_t> g_mapTypeIdx = {{"IOERROR", -1}, {"IORETRY", -2}, {"IOACCESSDENY", -3}};
 
 const std::vector<std::string> g_vecPointNameList = {

@@ -32,6 +32,9 @@ extern const FaultNameMap g_mapModuleErrCodeGraph;
 // A graph; in it a module, and how the names of the module's points begin.
 extern const std::map<std::string, FaultNameMultimap> g_mapErrCodeGraphModulePrefix;
 
+// Whether a point belongs to a module of a graph, whose row of that table `modules` is.
+bool FaultIsOfModule(const std::string& point, const FaultNameMultimap& modules, const std::string& module);
+
 // An error type, and its index.
 FAULT_EXPORT extern const std::map<std::string, int32_t> g_mapTypeIdx;
 

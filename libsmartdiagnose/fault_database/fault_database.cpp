@@ -74,7 +74,7 @@ uint32_t Excute(const std::string& sql, const FaultRetryReport& report, CallBack
         return 1;
     }
     if (callback != nullptr) {
-        callback(table.cells.get(), table.rowCount, table.columnCount, containers...);
+        callback(table.cells.data(), table.rowCount, table.columnCount, containers...);
     }
     return 0;
 }
@@ -84,12 +84,12 @@ std::string TextOrEmpty(const char* cell) {
 }
 
 void FaultGetHealEventData(const FaultResultTable& table, std::vector<FaultHealEvent>& events) {
-    if (table.cells == nullptr) {
+    if (table.cells.data() == nullptr) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "DB pointer pResult is null.");
         return;
     }
     FaultCheckColumns(table.rowCount, table.columnCount, 4);
-    char** cells = table.cells.get();
+    char* const* cells = table.cells.data();
     for (int32_t row = 0; row < table.rowCount; ++row) {
         cells += table.columnCount;
         events.emplace_back(TextOrEmpty(cells[0]), TextOrEmpty(cells[1]), TextOrEmpty(cells[2]),
@@ -130,30 +130,37 @@ uint32_t FaultDataBaseExcuteSql(const std::string& sql, FaultRowsCallBack callba
                                 std::vector<std::string>& texts) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter}, callback, first, second,
-                  texts);
+    return Excute(sql,
+                  {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                   FAULT_HERE, &endLimiter},
+                  callback, first, second, texts);
 }
 
 uint32_t FaultDataBaseExcuteFullSql(const std::string& sql, FaultFullRowsCallBack callback,
                                     std::map<std::string, FaultSeries>& series) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter}, callback, series);
+    return Excute(sql,
+                  {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                   FAULT_HERE, &endLimiter},
+                  callback, series);
 }
 
 uint32_t FaultGetDataTimeRange(std::string& earliest) {
     FaultResultTable table;
     if (!QueryWithRetry(FaultLumoDataBase(),
                         "SELECT tablename FROM table_flag ORDER BY reporttime ASC LIMIT 1;",
-                        {FAULT_HERE, nullptr, FAULT_HERE, nullptr}, table)) {
+                        {FAULT_HERE, nullptr,  // each line has a number of its own
+                         FAULT_HERE, nullptr},
+                        table)) {
         return 1;
     }
-    if (table.cells == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
+    if (table.cells.data() == nullptr || table.columnCount <= 0 || table.rowCount <= 0) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "Query from database failed, data(%s), dataCol(%d).",
-                  table.cells == nullptr ? "NULL" : "not NULL", table.columnCount);
+                  table.cells.data() == nullptr ? "NULL" : "not NULL", table.columnCount);
         return 1;
     }
-    const std::string name(FaultCellText(table.cells.get()[table.columnCount]));
+    const std::string name(FaultCellText(table.cells.data()[table.columnCount]));
     FAULT_LOG(FAULT_HERE, FAULT_DEBUG, "The tableName:%s", name.c_str());
     if (name.size() <= FAULT_TABLE_PREFIX_LENGTH) {
         FAULT_LOG(FAULT_HERE, FAULT_WARNING, "The tableName:%s", name.c_str());
@@ -182,7 +189,9 @@ uint32_t FaultQueryHealEvent(const std::string& beginTime, const std::string& en
         beginTime + " and healtime <= " + endTime + " and nodeid = " + node.data() +
         " and (healcause == 'IOHANG' or healcause == 'IOERR');";
     FaultResultTable table;
-    if (!QueryWithRetry(FaultZorvHealDataBase(), sql, {FAULT_HERE, &attemptLimiter, FAULT_HERE, &endLimiter},
+    if (!QueryWithRetry(FaultZorvHealDataBase(), sql,
+                        {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                         FAULT_HERE, &endLimiter},
                         table)) {
         return 1;
     }

@@ -36,18 +36,6 @@ bool HasMoved(sqlite3* handle, const FaultFileIdentity& opened, const std::strin
     return moved != 0 || now.device != opened.device || now.inode != opened.inode;
 }
 
-FaultAttempt GetTable(sqlite3* handle, const std::string& sql) {
-    FaultAttempt attempt;
-    char** cells = nullptr;
-    char* error = nullptr;
-    attempt.ok = sqlite3_get_table(handle, sql.c_str(), &cells, &attempt.table.rowCount,
-                                   &attempt.table.columnCount, &error) == SQLITE_OK;
-    attempt.table.cells.reset(cells);
-    const std::unique_ptr<char, decltype(&sqlite3_free)> errorOwner(error, &sqlite3_free);
-    attempt.error = error != nullptr ? error : "";
-    return attempt;
-}
-
 }  // namespace
 
 FaultConnection& FaultLumoDataBase() {
@@ -68,10 +56,13 @@ int32_t FaultConnection::Open() {
     const FaultFileIdentity identity = IdentityOf(fullPath);
     sqlite3* opened = nullptr;
     const int32_t result = sqlite3_open_v2(fullPath.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    FaultSqliteHandle replaced(opened);  // a failed opening leaves a handle too
+    FaultSqliteHandle replaced(opened);
     if (result != SQLITE_OK) {
+        FaultLock lock(mutex);
+        failedHandle = std::move(replaced);
         return result;
     }
+    FaultAllowReadingAlone(opened);
     {
         FaultLock lock(mutex);
         handle.swap(replaced);
@@ -79,7 +70,7 @@ int32_t FaultConnection::Open() {
         // that closes a file loses all its locks on it.
         replaced.reset();
         file = identity;
-        isCacheBounded = false;
+        isReady = false;
     }
     FAULT_LOG(FAULT_IN("FaultDataBaseInit"), FAULT_INFO, "%s is %p", name, static_cast<void*>(opened));
     return SQLITE_OK;
@@ -87,11 +78,13 @@ int32_t FaultConnection::Open() {
 
 void FaultConnection::Close() {
     FaultSqliteHandle closed;
+    FaultSqliteHandle closedFailure;
     {
         FaultLock lock(mutex);
         handle.swap(closed);
+        failedHandle.swap(closedFailure);
     }
-    if (closed != nullptr) {
+    if (closed != nullptr || closedFailure != nullptr) {
         closed.reset();
         FAULT_LOG(FAULT_IN("FaultDataBaseRelease"), FAULT_INFO, "%s is %p", name,
                   static_cast<void*>(closed.get()));
@@ -108,12 +101,15 @@ FaultAttempt FaultConnection::Query(const std::string& sql) {
     if (handle == nullptr) {
         return {};
     }
-    if (!isCacheBounded) {
-        // Not in Open(): the statement locks and reads the file, which may just be in the making.
-        const std::string bound = "PRAGMA cache_size = -" + std::to_string(cacheKib) + ";";
-        isCacheBounded = GetTable(handle.get(), bound).ok;
+    FaultAttempt attempt;
+    if (!isReady) {
+        // Not in Open(): the statements lock and read the file, which may just be in the making.
+        attempt = FaultPrepareToRead(handle.get(), cacheKib);
+        isReady = attempt.ok;
     }
-    FaultAttempt attempt = GetTable(handle.get(), sql);
+    if (isReady) {
+        attempt = FaultRunStatement(handle.get(), sql);
+    }
     attempt.moved = HasMoved(handle.get(), file, FaultPath(path));
     attempt.ok = attempt.ok && !attempt.moved;
     if (!attempt.ok) {

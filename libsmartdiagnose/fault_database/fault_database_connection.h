@@ -8,35 +8,17 @@
 #include <string>
 
 #include "fault_common/fault_mutex.h"
+#include "fault_database/fault_database_statement.h"
 
 struct FaultSqliteCloser {
     void operator()(sqlite3* handle) const { sqlite3_close(handle); }
 };
 using FaultSqliteHandle = std::unique_ptr<sqlite3, FaultSqliteCloser>;
 
-struct FaultSqliteTableFreer {
-    void operator()(char** cells) const { sqlite3_free_table(cells); }
-};
-
-// All rows of one query: `cells` row by row, the column names first.
-struct FaultResultTable {
-    std::unique_ptr<char*, FaultSqliteTableFreer> cells;
-    int32_t rowCount = 0;
-    int32_t columnCount = 0;
-};
-
 // Which file it is, whatever its path.
 struct FaultFileIdentity {
     uint64_t device = 0;
     uint64_t inode = 0;  // 0: there is no file
-};
-
-// How one attempt to query ended. A table counts only when the attempt is ok.
-struct FaultAttempt {
-    bool ok = false;
-    bool moved = false;  // the connection's file is no longer the file at its path
-    std::string error;   // SQLite's text; empty where it has none
-    FaultResultTable table;
 };
 
 // The lock of a connection is held while it is queried or replaced, never between two attempts. Any thread.
@@ -48,10 +30,10 @@ public:
         : name(logName), path(fixedPath), cacheKib(pageCacheKib) {}
 
     // Opens the file anew; the former connection is closed once the new one stands in its place. Returns
-    // SQLite's result; unless that is 0 the former connection stays.
+    // SQLite's result; unless that is 0 the former connection stays, until Close().
     int32_t Open();
 
-    // Closes the connection if there is one.
+    // Closes the connection, and what SQLite hands out with an opening that fails, if there is any.
     void Close();
 
     bool IsOpen();
@@ -65,8 +47,9 @@ private:
     const int32_t cacheKib;
     FaultMutex mutex;
     FaultSqliteHandle handle FAULT_GUARDED_BY(mutex);
+    FaultSqliteHandle failedHandle FAULT_GUARDED_BY(mutex);
     FaultFileIdentity file FAULT_GUARDED_BY(mutex);  // what stood at the path when the handle was opened
-    bool isCacheBounded FAULT_GUARDED_BY(mutex) = false;
+    bool isReady FAULT_GUARDED_BY(mutex) = false;
 };
 
 // The two databases. They are never destroyed: the watcher thread outlives main().

@@ -1,9 +1,10 @@
 #define FAULT_UNIT_FILE "fault_database.cpp"
 #include <poll.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <chrono>
 #include <cstring>
 
 #include "agent/agent_memory.h"
@@ -18,52 +19,65 @@
 namespace {
 
 constexpr uint32_t WATCHED_EVENTS = IN_CREATE | IN_DELETE | IN_MOVED_TO;
-constexpr int WATCH_AGAIN_MILLISECONDS = 1000;
+constexpr std::chrono::milliseconds BETWEEN_LOOKS{1000};
 constexpr size_t EVENT_BUFFER_SIZE = 512;  // room for one event with the longest name, and a few usual ones
 
-bool Exists(const char* fixedPath) {
-    struct stat status {};
-    return stat(FaultPath(fixedPath).c_str(), &status) == 0;
+bool IsThere(const char* fixedPath) {
+    return access(FaultPath(fixedPath).c_str(), R_OK) == 0;
 }
 
-// For events that may have been missed. A connection that is open needs nothing: every answer is checked
-// against the file at the path.
+// For what brings no event: one that was missed, the heal database, a file behind a link. A connection that
+// is open needs nothing: every answer is checked against the file at the path.
 void OpenIfMissed() {
-    if (!FaultLumoDataBase().IsOpen() && Exists(LUMO_DATABASE_FILE) && Exists(ZORV_HEAL_DATABASE_FILE)) {
+    if (!FaultLumoDataBase().IsOpen() && IsThere(LUMO_DATABASE_FILE) && IsThere(ZORV_HEAL_DATABASE_FILE)) {
         FaultDataBaseInit();
     }
 }
 
-// Watches the folder of the statistics database. The folder may be missing, and may be replaced: the watch is
-// set again by path every second that brings no event, which changes nothing while it stands.
+// Watches the folder of the statistics database. The folder may be missing, and may be replaced, and the
+// system may have no watch left: the watch is set again by path every second, which changes nothing while it
+// stands.
 class FaultFolderWatch {
 public:
-    explicit FaultFolderWatch(int inotifyDescriptor) : descriptor(inotifyDescriptor) {}
+    // Sets the watch, and opens what can be opened.
+    void Look() {
+        nextLook = Clock::now() + BETWEEN_LOOKS;
+        Set();
+        OpenIfMissed();
+    }
 
-    void Set() {
-        const int set = inotify_add_watch(descriptor, FaultPath(LUMO_DATA_DIRECTORY).c_str(), WATCHED_EVENTS);
-        if (set == watch) {
-            return;
-        }
-        if (watch >= 0) {
-            inotify_rm_watch(descriptor, watch);
-        }
-        watch = set;
-        if (watch >= 0) {
-            OpenIfMissed();
+    // Waits for events until the next look at most, and handles them.
+    void Wait() {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(nextLook - Clock::now());
+        pollfd waiting{descriptor, POLLIN, 0};  // without a descriptor, a pause
+        if (left.count() > 0 && poll(&waiting, 1, static_cast<int>(left.count())) > 0) {
+            HandleEvents();
+        } else {
+            Look();
         }
     }
 
-    // Waits for events, for a second at most, and handles them.
-    void Wait() {
-        pollfd waiting{descriptor, POLLIN, 0};
-        const int ready = poll(&waiting, 1, WATCH_AGAIN_MILLISECONDS);
-        if (ready == 0) {
-            Set();
+private:
+    using Clock = std::chrono::steady_clock;
+
+    void Set() {
+        const std::string folder = FaultPath(LUMO_DATA_DIRECTORY);
+        descriptor = descriptor < 0 ? inotify_init1(IN_CLOEXEC) : descriptor;
+        const int set = descriptor < 0 ? -1 : inotify_add_watch(descriptor, folder.c_str(), WATCHED_EVENTS);
+        // A folder that is missing is no failure of the watch.
+        const int error = set < 0 && errno != ENOENT ? errno : 0;
+        if (error != 0 && !isFailureTold) {
+            FAULT_LOG(FAULT_IN("WatchDataBase"), FAULT_ERROR, "Cannot watch %s: %s.", LUMO_DATA_DIRECTORY,
+                      strerror(error));
         }
-        if (ready <= 0) {
-            return;
+        isFailureTold = error != 0;
+        if (set != watch && watch >= 0) {
+            inotify_rm_watch(descriptor, watch);
         }
+        watch = set;
+    }
+
+    void HandleEvents() {
         alignas(inotify_event) char buffer[EVENT_BUFFER_SIZE];
         memset_s(buffer, sizeof(buffer), 0, sizeof(buffer));
         const ssize_t length = read(descriptor, buffer, sizeof(buffer));
@@ -72,7 +86,6 @@ public:
         }
     }
 
-private:
     // Handles the event at `bytes`, and returns its length.
     size_t Handle(const char* bytes) {
         inotify_event event{};
@@ -89,17 +102,14 @@ private:
         return sizeof(event) + event.len;
     }
 
-    const int descriptor;
+    int descriptor = -1;
     int watch = -1;
+    bool isFailureTold = false;
+    Clock::time_point nextLook;
 };
 
 int32_t WatchDataBase(void* /*arg*/) {
-    const int descriptor = inotify_init1(IN_CLOEXEC);
-    if (descriptor < 0) {
-        return 1;
-    }
-    FaultFolderWatch watch(descriptor);
-    FaultRunGuarded(FAULT_HERE, [&watch] { watch.Set(); });
+    FaultFolderWatch watch;
     for (;;) {
         FaultRunGuarded(FAULT_HERE, [&watch] { watch.Wait(); });
     }

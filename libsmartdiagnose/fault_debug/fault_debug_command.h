@@ -4,8 +4,10 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "agent/agent_console.h"
+#include "fault_spectrum_graph/fault_causality_graph_record.h"
 
 // Index of a command's own first argument: the words before it are those with which the console reached it.
 constexpr int32_t FIRST_ARGUMENT = 3;
@@ -67,3 +69,9 @@ void FaultShowFaultFactorCommand(int32_t argc, char** argv);
 
 // Shows the graph "SAN_IO_READ": word, location name, start, end.
 void FaultShowGraphCommand(int32_t argc, char** argv);
+
+// What `showallerr` shows of one error type: sorts the points by the type's sum, the highest first, and
+// prints them as a table of at most 101 rows. A point whose sum is 0 shows the sum of all types if its errors
+// reach the host under another type. Throws std::out_of_range for a type that is none, unless there are no
+// points.
+void ShowErrTypeResult(const std::string& typeName, std::vector<NodeResult>& results);

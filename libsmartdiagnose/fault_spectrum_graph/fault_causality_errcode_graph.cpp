@@ -5,6 +5,7 @@
 #include "fault_common/fault_rate_limiter.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_database/fault_database.h"
+#include "fault_spectrum_graph/fault_causality_graph_walk.h"
 
 namespace {
 
@@ -117,9 +118,7 @@ int64_t FaultCausalityErrCodeGraph::GetOtherErrCodeAvgNum(const NodeBase& node, 
         return 0;
     }
     for (const auto& [index, column] : g_mapErrIdxName) {
-        // Unknown indexes have no column: configurations may leave any number of them in the table.
-        const bool counts = index != erridx && !column.empty();
-        const FaultSeries* series = counts ? FindSeries(node.ioPointid, column) : nullptr;
+        const FaultSeries* series = index != erridx ? FindSeries(node.ioPointid, column) : nullptr;
         const int64_t count = series != nullptr ? AvgSeriesArray(*series) : 0;
         if (count > 0) {
             return count;
@@ -157,18 +156,24 @@ NodeResult FaultCausalityErrCodeGraph::GetNodeResult(const NodeBase& node,
 
 NodeBase FaultCausalityErrCodeGraph::SelectNodeByErrCountWeight(const std::vector<NodeBase>& candidates,
                                                                 int32_t erridx) const {
-    NodeBase ordinaryBest;
-    ordinaryBest.attr = WHOLE;
-    Weigh(ordinaryBest, 0);
-    NodeBase followBest = ordinaryBest;
-    for (const NodeBase& candidate : candidates) {
-        NodeBase& best = Has(candidate.attr, FOLLOW) ? followBest : ordinaryBest;
-        const int64_t count = GetErrCodeAvgNum(candidate, erridx);
-        if (count > best.errCount) {
-            best = candidate;
-            Weigh(best, count);
+    const auto bestOf = [&](bool follows) {
+        NodeBase best;
+        best.attr = WHOLE;
+        Weigh(best, 0);
+        for (const NodeBase& candidate : candidates) {
+            if (Has(candidate.attr, FOLLOW) != follows) {
+                continue;
+            }
+            const int64_t count = GetErrCodeAvgNum(candidate, erridx);
+            if (count > best.errCount) {
+                best = candidate;
+                Weigh(best, count);
+            }
         }
-    }
+        return best;
+    };
+    const NodeBase ordinaryBest = bestOf(false);  // looked at first: failures are logged in this order
+    const NodeBase followBest = bestOf(true);
     return followBest.errCount > 0 ? followBest : ordinaryBest;
 }
 

@@ -9,11 +9,10 @@
 
 namespace {
 
-constexpr const char* OB_MARK = "OB_";
 constexpr double COFF_LIMIT = 1.0;
 
 bool IsObservationPoint(const std::string& locName) {
-    return locName.find(OB_MARK) != std::string::npos;
+    return locName.find(FAULT_OB_MARK) != std::string::npos;
 }
 
 }  // namespace

@@ -2,9 +2,7 @@
 // statistics of the points over one range of time, and the walk down it to the likely root cause.
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -12,75 +10,10 @@
 
 #include "fault_common/fault_export.h"
 #include "fault_common/fault_series.h"
+#include "fault_spectrum_graph/fault_causality_graph_record.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 
 struct FaultSqlInputParam;
-
-// The kinds of points.
-constexpr const char* FAULT_LUMO_POINT = "LUMO_POINT";  // a trace point of the statistics facility
-constexpr const char* FAULT_OB_POINT = "OB_POINT";      // an observation point: "OB_" is part of its name
-
-// The delay of `sourceId` (the parent) can be caused by `targetId` (the child). `coff` stays 0: coefficients
-// are computed during a walk.
-struct Edge {
-    int32_t sourceId = 0;
-    int32_t targetId = 0;
-    double coff = 0.0;
-};
-
-// A point as the configuration describes it.
-struct Node {
-    int32_t ioPointid = 0;
-    std::string locName;    // the name under which its statistics are stored
-    std::string nextGraph;  // the graph that continues below it, or its own name
-    std::string description;
-    std::string statLabel;    // its kind
-    std::string attr;         // attribute words of error-code graphs
-    int64_t extraNumber = 0;  // not used
-    std::string suggestion;   // advice when it is the root cause; may be empty
-};
-
-// What the choice of a child passes around.
-struct NodeBase {
-    int32_t ioPointid = 0;  // 0: none
-    std::string locName;
-    std::string statLabel;
-    std::string attr;      // attribute words of error-code graphs
-    double coff = -1.0;    // weight by which the node was chosen; -1.0: none, 1.0: root of a delay walk
-    int32_t erridx = -1;   // error-code graphs: error index
-    int64_t errCount = 0;  // error-code graphs: error count for the type of the walk, its exact weight
-};
-
-// One node of a path. Sums are over the loaded range of time.
-struct NodeResult {
-    int32_t ioPointid = 0;  // 0: none
-    std::string locName;
-    double coff = -1.0;
-    int32_t endFlag = 0;    // non-zero: without data, the walk must stop before the node
-    int64_t acceptnum = 0;  // error-code graphs: the error count of an atomic node
-    int64_t successnum = 0;
-    int64_t failednum = 0;
-    int64_t retrynum = 0;
-    int64_t avgdelay = 0;  // average, microseconds
-    int64_t maxdelay = 0;  // maximum, microseconds
-    std::string fixAdvice;
-
-    // Of error-code graphs.
-    int32_t erridx = -1;    // error index of an atomic node
-    bool isFollow = false;  // the node follows its parent
-    int64_t errCount = 0;   // error count for the type of the walk
-    std::array<int64_t, 5> errorSums =
-        {};  // of the columns errCode0 to errCode4; the last two are not filled
-};
-
-// The result of one walk.
-struct AnomalyPathInfo {
-    std::string anomalyNodeName;
-    int32_t anomalyNodeId = 0;
-    std::vector<NodeResult> path;  // root first
-    std::string nextGraphName;     // the graph in which the analysis goes on
-    int32_t statusCode = 1;        // 0: the result is valid
-};
 
 // Built in this order: InitGraph(), ExtracNodeInfo(), GetData(), a root finder, TraverseByBfs(). Status
 // results are 0 for success and 1 for failure. Not virtual; confined to the thread that made it.
@@ -181,10 +114,11 @@ protected:
     // The statistics of that node; null, and logged, when there are none.
     const std::map<std::string, FaultSeries>* FindWalkData(const Node& root, const char* file) const;
 
-    // Appends to `path`, which holds the root, what `selectChild` chooses among each node's edges, until it
-    // chooses none, one without data, or one that is on the path already.
-    using ChildChoice = std::function<NodeResult(int32_t parentId, const std::vector<Edge>& edges)>;
-    void Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild, const char* file) const;
+    // Appends to `path`, which holds the root, what `selectChild`, given a node's id and its edges, chooses
+    // as the next one (a NodeResult), until it chooses none, one without data, or one that is on the path
+    // already. See fault_causality_graph_walk.h.
+    template <typename ChildChoice>
+    void Descend(std::vector<NodeResult>& path, ChildChoice selectChild, const char* file) const;
 };
 
 // The graph "SAN_IO_READ", with its data for a range of compact local times if they could be loaded. Null,

@@ -38,11 +38,10 @@ uint32_t FaultCausalityGraph::GetData(const std::string& beginDate, const std::s
     std::string beginTime;
     std::string endTime;
     std::vector<std::string> tables;
-    uint32_t result = TransDateToTime(beginDate, beginTime) + TransDateToTime(endDate, endTime) +
-                      FaultGetQueryTable(beginDate, endDate, tables);
-    if (result == 0) {
-        result = GetLumoData(beginTime, endTime, tables);
-    }
+    uint32_t result = TransDateToTime(beginDate, beginTime);
+    result += TransDateToTime(endDate, endTime);
+    result += FaultGetQueryTable(beginDate, endDate, tables);
+    result += GetLumoData(beginTime, endTime, tables);
     if (result != 0) {
         FAULT_LOG(FAULT_HERE, FAULT_ERROR, "get data failed.");
         return 1;

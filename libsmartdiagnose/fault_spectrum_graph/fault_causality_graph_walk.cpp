@@ -1,9 +1,7 @@
 #define FAULT_UNIT_FILE "fault_causality_graph.cpp"
-#include <set>
-
+#include "fault_spectrum_graph/fault_causality_graph_walk.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_common/fault_log.h"
-#include "fault_spectrum_graph/fault_causality_graph.h"
 
 namespace {
 
@@ -11,7 +9,6 @@ constexpr double NO_CORRELATION = -1.0;
 constexpr double ROOT_COFF = 1.0;
 constexpr double ANOMALY_COFF_MIN = 0.4;  // the path is anomalous as long as its coefficients reach this
 constexpr const char* DELAY_COLUMN = "avgdelay";
-constexpr const char* WALK = "TraverseByBfs";
 
 NodeBase BaseOf(const Node& node, double coff) {
     NodeBase base;
@@ -79,7 +76,7 @@ void FaultCausalityGraph::GetNodeResult(const NodeBase& node, const std::map<std
     result.locName = node.locName;
     result.coff = node.coff;
     // An observation point always ends the path.
-    result.endFlag = node.locName.find("OB_") != std::string::npos ? 1 : 0;
+    result.endFlag = node.locName.find(FAULT_OB_MARK) != std::string::npos ? 1 : 0;
     if (result.endFlag != 0) {
         return;
     }
@@ -114,7 +111,7 @@ uint32_t FaultCausalityGraph::TraverseByBfs(int32_t root, AnomalyPathInfo& pathI
 const Node* FaultCausalityGraph::FindWalkRoot(int32_t root, const char* file) const {
     const auto node = mapNodeInfo.find(root);
     if (node == mapNodeInfo.end()) {
-        FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_ERROR, "no root node:%d", root);
+        FAULT_LOG((FaultLogSite{file, __LINE__, FAULT_WALK}), FAULT_ERROR, "no root node:%d", root);
         return nullptr;
     }
     return &node->second;
@@ -124,29 +121,11 @@ const std::map<std::string, FaultSeries>* FaultCausalityGraph::FindWalkData(cons
                                                                             const char* file) const {
     const auto data = mapLumoData.find(root.locName);
     if (data == mapLumoData.end()) {
-        FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_ERROR, "There is no %s in mapLumoData.",
+        FAULT_LOG((FaultLogSite{file, __LINE__, FAULT_WALK}), FAULT_ERROR, "There is no %s in mapLumoData.",
                   root.locName.c_str());
         return nullptr;
     }
     return &data->second;
-}
-
-void FaultCausalityGraph::Descend(std::vector<NodeResult>& path, const ChildChoice& selectChild,
-                                  const char* file) const {
-    std::set<int32_t> visited{path.front().ioPointid};
-    for (auto edges = mapGraph.find(path.front().ioPointid); edges != mapGraph.end();
-         edges = mapGraph.find(path.back().ioPointid)) {
-        NodeResult child = selectChild(edges->first, edges->second);
-        if (child.ioPointid == 0 || child.endFlag != 0) {
-            return;
-        }
-        if (!visited.insert(child.ioPointid).second) {
-            FAULT_LOG((FaultLogSite{file, __LINE__, WALK}), FAULT_WARNING,
-                      "node %d is on the path already, the walk ends.", child.ioPointid);
-            return;
-        }
-        path.push_back(std::move(child));
-    }
 }
 
 const FaultSeries& FaultCausalityGraph::ColumnOf(const std::map<std::string, FaultSeries>& data,

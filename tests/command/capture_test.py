@@ -19,6 +19,8 @@ LINES = "\n".join(["switch set on", f"simudetect {RANGE}", f"delaydetect {RANGE}
 COPY, NEXT = ": working on a copy of ", ". Copy it from the node again."
 CHANGE = "begin; update lumo_data_20230105120000 set avgdelay = 77777 where curtime <= 1672893300;"
 HOT, WAL = "pragma cache_size = 1;" + CHANGE, "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
+STALE = WAL + "drop table if exists more; create table more as select * from lumo_data_20230105120000; pragma wal_checkpoint(restart);"  # old frames stay
+TWICE = STALE + 2 * "insert into more select * from more limit 999;"
 
 
 class Capture(ConsoleTest):
@@ -57,7 +59,7 @@ class Capture(ConsoleTest):
         for name, script, closes, sentences in (
                 ("rolled back", HOT, False, ["left unfinished, it is rolled back" + COPY]),
                 ("persistent", "pragma journal_mode = persist; create table more(a);", False, []),
-                ("closed wal", WAL, True, [lone, missing]), ("wal", WAL + CHANGE + "commit", False, [lone])):
+                ("closed wal", WAL, True, [lone, missing]), ("wal", STALE + CHANGE + "commit", False, [lone])):
             with self.subTest(name):
                 sound = (self.root / DATABASE).read_bytes()
                 self.seize(script, closes)
@@ -65,6 +67,7 @@ class Capture(ConsoleTest):
                 *expected, _ = self.run_program("zorv-local", "--root", self.root, lines=LINES)
                 *found, err = self.run_program("zorv-local", "--capture", self.capture, lines=LINES.replace(RANGE, WORDS))
                 self.assertEqual((found, "77777" in found[1], "alarm 0xF00C90150" in err), (expected, name == "wal", True))
+                self.assertEqual("-wal " in err, missing in sentences, err)
                 self.assertEqual((err.count(COPY), [sentence in err for sentence in sentences]),
                                  (len(sentences[:1]), [True] * len(sentences)), err)
                 for program, *words in (["zorv-local", "explain"], ["zorv-explain"]):
@@ -79,6 +82,11 @@ class Capture(ConsoleTest):
         database, heal, config = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG
         wal, journal = Path(f"{database}-wal"), Path(f"{database}-journal")
         size, healing = os.stat(self.root / DATABASE).st_size, " without the healing events the plug-in opens no database."
+        def overwrite(place, count, file=wal):
+            with file.open("r+b") as opened:
+                opened.seek(place)
+                opened.write(b"x" * count)
+
         cases = [  # damage, exit status, what is said, options, how the node was left
             (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
             (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
@@ -93,9 +101,16 @@ class Capture(ConsoleTest):
             (heal.unlink, 0, f"{heal} is missing: an empty one stands in, so no healing events are told.", ["--empty-heal"]),
             (config.unlink, 0, f"{config} is missing: there are no graphs, so no causes are found. Copy it from the node."),
             (lambda: os.truncate(journal, 900), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
+            (lambda: overwrite(99000, 999, journal), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
             (lambda: journal.write_text("x" * 9999), 3, f"{journal} is damaged: it holds what an unfinished transaction", [], [HOT]),
             (lambda: wal.write_text("x" * 99), 0, f"{database} has a -wal file beside it" + COPY),
+            (lambda: os.mkfifo(wal), 0, f"{database} has a -wal file beside it" + COPY),
+            (lambda: os.mkfifo(journal), 0, f"{database} has a -journal beside it that is no file, it is left out" + COPY),
+            (lambda: os.truncate(config, 1 << 40), 3, f"{config} has {1 << 40} bytes, far more than on any node" + NEXT),
             (lambda: wal.write_text("x" * 99), 0, f"{database}-wal is damaged: unless the node had closed", [], [WAL, True]),
+            (lambda: overwrite(24, 1), 0, f"{wal} is damaged: unless the node had closed", [], [TWICE]),
+            (lambda: overwrite(5000, 9), 0, f"{wal} is damaged behind its first 0 frames: 2 committed transactions in ", [], [TWICE]),
+            (lambda: os.truncate(wal, 9999), 0, f"{wal} ends with an incomplete transaction behind its first 0 frames", [], [TWICE]),
             (lambda: os.truncate(database, 4096), 3, "cannot be used: database disk image is malformed" + NEXT, [], [WAL, True]),
             (lambda: os.truncate(database, 1 << 43), 3, f"there is no space for a copy of {database}: it takes {1 << 43}", [], [WAL, True]),
             (self.temporary.rmdir, 3, f"no temporary directory can be made in {self.temporary}: No such file or directory. Name another"),
@@ -121,6 +136,24 @@ class Capture(ConsoleTest):
                                        lines=f"switch set on\ndelaydetect {RANGE}\nalarms\nstatus\n")
         self.assertEqual(out.count("0xF00C90150"), 2, err)
         self.assertRegex(out, f"statistics     {self.database}\n.*, changed 1970-01-01 08:00:00, ")
+
+    def test_a_log_is_no_file_that_is_read(self):
+        self.seize()
+        beside, world = self.root / "beside", self.root / DATABASE
+        beside.mkdir()
+        (beside / "to_new").symlink_to("../capture/VRA/new")
+        (beside / "folder").symlink_to(self.capture)
+        (self.capture / "notes").touch()
+        for name, file in (("notes", self.capture / "notes"), ("configuration", self.root / CONFIG)):
+            os.link(file, beside / name)
+        for option, directory, log, why in (
+                ("--capture", self.capture, self.capture / "VRA/../log", "in the capture"), ("--capture", self.capture, beside / "to_new", "in the capture"),
+                ("--capture", self.capture, beside / "folder/a/log", "in the capture"), ("--capture", self.capture, beside / "notes", "in the capture"),
+                ("--root", self.root, beside / "configuration", f"{self.root / CONFIG}, which is read"),
+                ("--root", self.root, f"{world}-journal", f"{world}-journal, which is read"), ("--root", self.root, beside / "log", None)):
+            with self.subTest(log=log):
+                status, _, err = self.run_program("zorv-local", option, directory, "--log", log, "help")
+                self.assertEqual((status, f"'{log}' is not written: it is {why}" in err), (3, True) if why else (0, False), err)
 
     def test_the_temporary_root_goes_with_the_process(self):
         self.seize(WAL)

@@ -121,9 +121,9 @@ class OnTerminal(ConsoleTest):
 
     def test_history(self):
         file = self.root / "state/zorv-local/history"
-        kept = {"XDG_STATE_HOME": str(self.root / "state"), "ZORV_LOCAL_HISTFILE": None}
+        kept = {"XDG_STATE_HOME": str(self.root / "state"), "ZORV_LOCAL_HISTFILE": None, "LC_ALL": "C.UTF-8"}
         sessions = [Terminal(self.root, **kept) for _ in range(2)]
-        for keys in ("help quit\r", "help quit\r", " \r", "given up" + CTRL_A + CTRL_C, "help alarms\r"):
+        for keys in ("help quit\r", "help quit\r", " \r", "given \u00fc\u4e16p" + CTRL_A + CTRL_C, "help alarms\r"):
             sessions[0].type(keys)
         sessions[1].type("help status\r")
         self.assertEqual([session.leave() for session in sessions], [0, 0])
@@ -131,14 +131,20 @@ class OnTerminal(ConsoleTest):
         self.assertEqual([oct(path.stat().st_mode & 0o777) for path in (file, file.parent)], ["0o600", "0o700"])
 
         file.write_text("".join(f"help {number}\n" for number in range(1100)) + "help switch\n")
+        other = file.with_name("history.tmp")
+        other.symlink_to(self.root / "not ours")
         session = Terminal(self.root, **kept)
         self.assertIn("switch get | set", session.type(UP + "\r"))
         session.leave()
         self.assertEqual(len(file.read_text().splitlines()), 1000)
+        self.assertEqual((sorted(file.parent.iterdir()), other.exists()), ([file, other], False))
 
-        for path in ("", "/dev/null", str(file / "below")):
+        held = open(file)
+        self.addCleanup(held.close)
+        fcntl.flock(held, fcntl.LOCK_EX)
+        for path in ("", "/dev/null", str(file / "below"), str(file)):
             session = Terminal(self.root, XDG_STATE_HOME=str(self.root / "none"), ZORV_LOCAL_HISTFILE=path)
-            self.assertEqual("The history is not kept: " in session.screen, "below" in path)
+            self.assertEqual("The history is not kept: " in session.screen, str(file) in path)
             session.type("help quit\r")
             session.leave()
         self.assertFalse((self.root / "none").exists())
@@ -165,9 +171,9 @@ class OnTerminal(ConsoleTest):
         self.assertIn(FOUND, terminal.type(f"delaydetect {RANGE}\r"))
 
         endless = sqlite3.connect(self.root / DATABASE)
-        endless.executescript(f"""drop table {TABLE}; create view {TABLE} as
-            with recursive c(x) as (select 1 union all select x + 1 from c)
-            select 0 as locateid, x as curtime, 1 as avgdelay from c where x < 0""")
+        endless.executescript(f"""create table t as select column1 as x from (values {",".join(["(0)"] * 200)});
+            drop table {TABLE}; create view {TABLE} as select x as locateid, x as curtime, 1 as avgdelay
+            from (select a.x + b.x + c.x + d.x + e.x + f.x as x from t a, t b, t c, t d, t e, t f)""")
         endless.close()
         terminal.type(f"delaydetect {RANGE}\r", "\r\n")
         self.assertFalse(terminal.read(1), terminal.screen[terminal.seen:])
@@ -260,7 +266,8 @@ class AboutTheHost(ConsoleTest):
             size = (self.root / file).stat().st_size
             size = f"{size} bytes" if size < 1024 else f"{size / 1024:.1f} KiB"
             about[file] = f"{self.root}/{file}\n               {size}, changed {local}, 3 days ago\n"
-        screen = ("node           7, master 7\nstatistics     " + about[DATABASE] +
+        screen = ("node           7, master 7\nzone           +08:00, kept until this program ends\n"
+                  "statistics     " + about[DATABASE] +
                   f"earliest time  {compact(START)}\nheal events    " + about[HEAL_DATABASE] +
                   "configuration  " + about[CONFIG] +
                   "               2 graphs, nodes/edges of each:\n               A 0/0  B 2/1\n"
@@ -292,12 +299,13 @@ class AboutTheHost(ConsoleTest):
         self.expect("alarms\n", 0, "There are no alarms.\n")
         (self.root / ALARMS).parent.mkdir(parents=True)
         alarm = {"time": START, "node": 1, "module": 422, "alarmId": 64437682512, "type": 1, "text": "a\nb"}
-        bad = json.dumps({**alarm, "time": "x"})
+        bad, far = (json.dumps({**alarm, "time": when}) for when in ("x", 1 << 60))
         lines = [json.dumps({**alarm, "time": START + i}) for i in range(30)]
-        (self.root / ALARMS).write_text("\n".join([*lines, "{", bad, lines[0]]) + "\n")
+        (self.root / ALARMS).write_text("\n".join([*lines, "{", bad, far, lines[0]]) + "\n")
         header = "time                 node    module  type  alarm               text\n"
         row = "2023-01-05 10:30:{:02}  1       422     1     0xF00C90150         a\\nb\n"
-        self.expect("alarms 4\n", 0, f"{header}{row.format(29)}no alarm: {{\nno alarm: {bad}\n{row.format(0)}")
+        unknown = "@1152921504606846976" + row.format(0)[19:]
+        self.expect("alarms 5\n", 0, f"{header}{row.format(29)}no alarm: {{\nno alarm: {bad}\n{unknown}{row.format(0)}")
         self.assertEqual(self.run_lines("alarms\n")[1].count("\n"), 1 + 20)
         self.assertIn("usage: alarms [N]", self.expect("alarms 0\n", 2, ""))
 

@@ -1,4 +1,5 @@
 #include <signal.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -46,7 +47,14 @@ TEST_F(Watch, ComesBackWithTheFolder) {
     const std::string folder = "/VRA/data/lumo";
     world.Heal();
     world.Remove(folder);
+    rlimit descriptors{};
+    getrlimit(RLIMIT_NOFILE, &descriptors);
+    const rlimit none{0, descriptors.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
     FaultDataBaseInotifyHandleInit();
+    EXPECT_TRUE(
+        Eventually([] { return Agent()->Count("Cannot watch /VRA/data/lumo/: Too many open") == 1; }));
+    setrlimit(RLIMIT_NOFILE, &descriptors);
     std::string earliest;
     for (const std::string number : {"1", "2", "3"}) {
         EXPECT_EQ(FaultGetDataTimeRange(earliest), 1U);  // from now on only the watcher can open anything
@@ -55,6 +63,26 @@ TEST_F(Watch, ComesBackWithTheFolder) {
         EXPECT_TRUE(Eventually([&] { return FaultGetDataTimeRange(earliest) == 0 && earliest == number; }));
         number == "1" ? world.Remove(folder) : world.Rename(folder, "/VRA/data/old" + number);
     }
+}
+
+// Neither the heal database nor the target of a link brings an event.
+TEST_F(Watch, OpensWhatComesBackUnseen) {
+    Start({{"lumo_data_1"}});
+    std::string earliest;
+    const auto comesBack = [&] { return Eventually([&] { return FaultGetDataTimeRange(earliest) == 0; }); };
+    std::vector<FaultHealEvent> events;
+    world.Remove(ZORV_HEAL_DATABASE_FILE);
+    EXPECT_EQ(FaultQueryHealEvent("1", "2", events), 1U);
+    world.Heal();
+    EXPECT_TRUE(comesBack());
+    world.Rename(LUMO_DATABASE_FILE, "/target");
+    std::filesystem::create_symlink(world.Path("/target"), world.Path(LUMO_DATABASE_FILE));
+    EXPECT_TRUE(comesBack());
+    world.Remove("/target");
+    EXPECT_EQ(FaultGetDataTimeRange(earliest), 1U);
+    world.Exec("/target", "CREATE TABLE table_flag AS SELECT 'lumo_data_2' AS tablename, 1 AS reporttime;");
+    EXPECT_TRUE(comesBack());
+    EXPECT_EQ(earliest, "2");
 }
 
 // The kernel drops the events that are too many.

@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 
-#include "fault_algorithm/fault_rootcause.h"
 #include "fault_server/fault_diagnose.h"
 #include "tests/fault_debug/console.h"
 
@@ -169,6 +168,8 @@ TEST_F(Analysis, ShowsAGraph) {
         EXPECT_EQ(Type({"showgraph", words[0], words[1], DAY_START, DAY_END}), title + screen);
     }
     EXPECT_EQ(Type({"showgraph", "mapgraph", DAY_START, DAY_END}), title + Error("type err"));
+    Open({});  // no table to read: the points have entries all the same
+    EXPECT_EQ(Type({"showgraph", "maplumodata", "A", DAY_START, DAY_END}), title + cases[6].second);
     world.Config("{}");
     ZorvSmartDiagnoseJsonObjectInit();
     for (const std::string word : {"mapgraph", "mapnodeinfo", "veclumo", "vecob", "maplumodata"}) {
@@ -189,13 +190,10 @@ TEST_F(Analysis, ConfigurationsThatMakeNoSense) {
     const std::string noRoot = "no root node:0";
     const std::tuple<std::string, std::string, std::string> cases[] = {
         {Graph("", R"({"source": "one", "target": "2"})"), inner, error + "not a number: 'one'"},
-        {Graph("", R"({"source": "9999999999", "target": "2"})"), inner, error + "number out of range"},
         {Graph("", R"({"target": "2"})"), inner, error + "not a number: ''"},
         {Graph("", R"({"source": [], "target": "2"})"), inner, error},
-        {Graph("", "7"), inner, error},
         {Graph("7", ""), inner, error},
         {Graph(R"({"id": "1"})", ""), inner, error},
-        {Graph(R"({"id": 2147483648})", ""), inner, error},
         {Graph(R"({"label": {}})", ""), inner, error},
         {Graph(R"({"info": "x"})", ""), inner, error},
         {R"({"SAN_IO_READ": []})", inner, error},
@@ -222,30 +220,6 @@ TEST_F(Analysis, ConfigurationsThatMakeNoSense) {
         Agent::TakeLines();
         EXPECT_EQ(Type({"delayanal", DAY_START, DAY_END}), screen) << config;
         EXPECT_GT(Agent::Record().Count(line), 0U) << config;
-    }
-}
-
-// The last of the chain leads back to the first; in the other graph all hang below one.
-TEST_F(Analysis, LargeGraphs) {
-    Open({{"lumo_data_" + DAY_START, {{"P", MIDNIGHT, 1}, {"P", MIDNIGHT + 1, 2}}}});
-    const std::tuple<int, bool, std::string, size_t> cases[] = {
-        {10000, true, DAY_END, 10000},
-        {100000, false, "20210802000001", 1},  // before all statistics: nothing to query
-    };
-    for (const auto& [count, chain, end, length] : cases) {
-        std::string nodes, edges;
-        for (int id = 1; id <= count; ++id) {
-            const std::string number = std::to_string(id), comma = id == 1 ? "" : ",";
-            nodes += comma + R"({"label": "P", "id": )" + number + "}";
-            edges += comma + R"({"source": ")" + (chain ? number : "1") + R"(", "target": ")" +
-                     std::to_string(id % count + 1) + "\"}";
-        }
-        world.Config(Graph(nodes, edges));
-        ZorvSmartDiagnoseJsonObjectInit();
-        const std::vector<AnomalyPath> paths = FlowAnalysisBFS("P", "SAN_IO_READ", "20210802000000", end);
-        ASSERT_EQ(paths.size(), 1U);
-        EXPECT_EQ(paths[0].nodes.size(), length);
-        EXPECT_EQ(paths[0].nodes.back().ioPointid, static_cast<int32_t>(length));
     }
 }
 

@@ -54,7 +54,7 @@ TEST_F(Load, FailedQueries) {
     const std::tuple<const char*, Lines, Lines, std::tuple<uint32_t, size_t, size_t>, Lines> cases[] = {
         {"SELECT 1", {"A", "'", "B"}, {"B"}, {1, 1, 0}, {noLumo, noData}},  // a syntax error
         {"DROP TABLE lumo_data_20210803000001", {"A"}, {"B"}, {1, 0, 0}, {noLumo, noData}},
-        {"DELETE FROM table_flag", {"A"}, {"B"}, {1, 0, 0}, {noData}},
+        {"DELETE FROM table_flag", {"A"}, {"B"}, {1, 1, 0}, {noData}},
         {"SELECT 1", {"A", "B"}, {"B", "'", "A"}, {0, 2, 1}, {noOb}},
     };
     for (const auto& [sql, points, obPoints, expected, logged] : cases) {

@@ -5,6 +5,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <future>
 #include <random>
 #include <vector>
@@ -15,6 +16,7 @@
 namespace {
 using std::chrono::steady_clock;
 using namespace std::chrono_literals;
+using namespace zorv;
 
 enum : uint32_t { OWN = 1, OTHER, FAKE, UNKNOWN, STORE = 0x70002120, BLOCK = 0x12345678 };
 const std::string VALUE("\3\0\0\0", 4);
@@ -73,6 +75,15 @@ protected:
                                   : "none";
     }
 
+    // A plain socket that is connected to the node.
+    int Reach(const std::string& node) {
+        sockaddr_un address = {AF_UNIX, {}};
+        root.Path(node).copy(address.sun_path, sizeof address.sun_path - 1);
+        const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
+        EXPECT_EQ(connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+        return fd;
+    }
+
     const TempRoot root;
     const NodeAddresses addresses = {{OWN, "ipc://" + root.Path("/own")},
                                      {OTHER, "ipc://" + root.Path("/other")},
@@ -127,10 +138,38 @@ TEST_F(BusTest, TakesNothingElseForAnAnswer) {
     }
 }
 
+// A hundred silent ones: sixteen have places, of which any is for whoever comes. Who talks on is heard as
+// long as the bus was told.
+TEST_F(BusTest, BoundsPlacesAndTime) {
+    std::vector<int> silent(100);
+    for (int& fd : silent) {
+        fd = Reach("/own");
+        send(fd, "Z", 1, MSG_NOSIGNAL);
+    }
+    EXPECT_EQ(Ask(OWN, STORE), VALUE);
+    char byte = 0;
+    const auto isOpen = [&](int fd) { return recv(fd, &byte, 1, MSG_DONTWAIT) != 0; };
+    const auto end = steady_clock::now() + 30s;
+    while (std::count_if(silent.begin(), silent.end(), isOpen) > 16 && steady_clock::now() < end) {
+    }
+    EXPECT_LE(std::count_if(silent.begin(), silent.end(), isOpen), 16);
+    std::for_each(silent.begin(), silent.end(), close);
+
+    static Bus& hasty = MakeImmortal<Bus>(FAKE, addresses);
+    hasty.Start([](const auto&...) { return std::optional<Answer>(); }, 50ms);
+    Connection talker(addresses.at(FAKE), end);
+    const auto talk = [&] {
+        for (;;) {
+            talker.Send({FrameKind::ASK_TIME, OTHER, FAKE, 0, STORE, 0, 0, {}});
+            talker.Receive();
+        }
+    };
+    EXPECT_THROW(talk(), std::runtime_error);
+    EXPECT_LT(steady_clock::now(), end);
+}
+
 // A hundred thousand messages, each damaged in up to three bytes; the last of fifty on a connection is none.
 TEST_F(BusTest, SurvivesGarbage) {
-    sockaddr_un address = {AF_UNIX, {}};
-    root.Path("/own").copy(address.sun_path, sizeof address.sun_path - 1);
     std::mt19937 random(1);
     const std::string good = EncodeFrame(Store(UINT64_MAX));
     std::string bytes;
@@ -142,8 +181,7 @@ TEST_F(BusTest, SurvivesGarbage) {
         if (i % 50 == 0) {
             bytes[bytes.size() - good.size() + random() % FRAME_HEADER] = static_cast<char>(random());
             bytes.resize(bytes.size() - 1 - random() % good.size());
-            const int fd = socket(AF_UNIX, SOCK_STREAM, 0);
-            ASSERT_EQ(connect(fd, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+            const int fd = Reach("/own");
             send(fd, bytes.data(), bytes.size(), MSG_NOSIGNAL);
             shutdown(fd, SHUT_WR);
             for (char reply[4096]; read(fd, reply, sizeof reply) > 0;) {

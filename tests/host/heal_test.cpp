@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -20,7 +21,9 @@
 static thread_local std::vector<std::string> g_steps;
 
 int fsync(int fd) {
-    g_steps.push_back(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd)).filename());
+    const std::filesystem::path file = std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(fd));
+    const bool isFresh = file.extension().string().size() == 17;  // a random name
+    g_steps.push_back(isFresh ? file.stem().string() + ".*" : file.filename().string());
     return static_cast<int>(syscall(SYS_fsync, fd));
 }
 
@@ -30,6 +33,8 @@ int rename(const char* from, const char* to) noexcept {
 }
 
 namespace {
+using zorv::SetHostSettings;
+
 constexpr const char* FILE_NAME = "/VRA/coffer_log/log/heal/data/test.ini";
 constexpr int32_t UNTOUCHED = -77;
 
@@ -78,8 +83,20 @@ TEST_F(HealTest, WhatCountsIsOnTheDisk) {
     EXPECT_EQ(ALM_SendAlarm(422, 1, 1, "text"), 0U);
     const std::string top = std::filesystem::path(root.Path()).filename();
     EXPECT_EQ(g_steps,
-              (std::vector<std::string>{top, "VRA", "coffer_log", "log", "heal", "test.ini.tmp", "rename",
-                                        "data", "test.ini.tmp", "rename", "data", "log", "alarms.jsonl"}));
+              (std::vector<std::string>{top, "VRA", "coffer_log", "log", "heal", "test.ini.*", "rename",
+                                        "data", "test.ini.*", "rename", "data", "log", "alarms.jsonl"}));
+}
+
+TEST_F(HealTest, TheFileStaysItsOwners) {
+    root.Write(FILE_NAME, "");
+    chmod(root.Path(FILE_NAME).c_str(), 0640);
+    const bool mayGive = geteuid() == 0 && chown(root.Path(FILE_NAME).c_str(), 1, 2) == 0;
+    EXPECT_EQ(Write(1), 0U);
+    struct stat status {};
+    ASSERT_EQ(stat(root.Path(FILE_NAME).c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & ALLPERMS, 0640U);
+    EXPECT_EQ(status.st_uid, mayGive ? 1U : geteuid());
+    EXPECT_EQ(status.st_gid, mayGive ? 2U : getegid());
 }
 
 TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
@@ -107,7 +124,7 @@ TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
     }
 }
 
-TEST_F(HealTest, WritersTakeTurns) {
+TEST_F(HealTest, WritersDoNotMix) {
     const auto write = [] {
         for (int32_t number = 0; number < 500; ++number) {
             EXPECT_EQ(Write(number), 0U);

@@ -67,19 +67,45 @@ def unit_of(path):
     return named[0] if named else parts[1]
 
 
+def includes(path):
+    """Each name that `path` includes, and the file of ours that it is, if it is one."""
+    for name in re.findall(r'^\s*#\s*include\s*["<](.+?)[">]', path.read_text(), re.M):
+        found = [folder / name for folder in (path.parent, root, root / "libsmartdiagnose") if (folder / name).exists()]
+        yield name, found[0].resolve() if found else None
+
+
 def check_arrows():
-    folders = [root, root / "libsmartdiagnose"]
     for path in sources(".h", ".cpp"):
         unit = unit_of(path)
         if unit in ("tests", "benchmarks"):
             continue
         in_plugin = path.is_relative_to(root / "libsmartdiagnose")
         allowed = ARROWS.get(unit, set()) | {unit, "agent"} | ({"fault_common"} if in_plugin else set())
-        for name in re.findall(r'^\s*#\s*include\s*["<](.+?)[">]', path.read_text(), re.M):
-            found = [folder / name for folder in [path.parent, *folders] if (folder / name).exists()]
+        for name, file in includes(path):
             owner = next((unit for header, unit in OWNED_HEADERS.items() if in_plugin and name.startswith(header)), unit)
-            if owner != unit or unit not in ARROWS or found and unit_of(found[0].resolve()) not in allowed:
+            if owner != unit or unit not in ARROWS or file and unit_of(file) not in allowed:
                 yield f"{path.relative_to(root)}: {unit} may not include {name}"
+
+
+def check_circles():
+    """A header and its source are one: what one of them includes, both need. A part, such as unit_part, may use
+    what the header of its unit declares, though the unit's source uses the part."""
+    needs = {}
+    for path in sources(".h", ".cpp"):
+        for _, file in includes(path):
+            if file and file.with_suffix("") != path.with_suffix(""):
+                is_own_unit = file.parent == path.parent and path.stem.startswith(file.stem + "_")
+                for name in (path, path.with_suffix("")):
+                    needs.setdefault(name, set()).add(file if is_own_unit else file.with_suffix(""))
+    for name in needs:
+        reached, ahead = {}, [name]
+        while ahead:
+            step = ahead.pop()
+            new = needs.get(step, set()) - reached.keys()
+            reached.update(dict.fromkeys(new, step))
+            ahead += new
+        if name in reached:
+            yield f"{name.relative_to(root)}: needs itself, by {reached[name].relative_to(root)}"
 
 
 def check_registered():

@@ -2,6 +2,8 @@
 #include "campaigns/fuzz/fuzz.h"
 #include "host/cluster/bus_frame.h"
 
+using namespace zorv;
+
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     const std::optional<BusFrame> frame = DecodeFrame(bytes);

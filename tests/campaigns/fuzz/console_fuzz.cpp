@@ -13,7 +13,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string line(reinterpret_cast<const char*>(data), size);
     FuzzNode::Renew();
     try {
-        const Words words = SplitLine(line);
+        const zorv::Words words = zorv::SplitLine(line);
         // Days of synthetic samples take long, and no other code than an hour of them.
         const bool takesLong =
             words.size() == 3 && words[0] == "simudetect" && words[1].substr(0, 10) != words[2].substr(0, 10);
@@ -21,7 +21,7 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         Demand(std::any_of(data, data + size, IsControl) ||
                    std::none_of(screen.begin(), screen.end(), IsControl),
                "no control characters but those that were typed");
-    } catch (const UsageError&) {
+    } catch (const zorv::UsageError&) {
     }
     return 0;
 }

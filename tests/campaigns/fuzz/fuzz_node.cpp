@@ -39,7 +39,7 @@ void FuzzNode::Renew() {
 }
 
 std::string FuzzNode::Type(const std::string& line) {
-    Words words = SplitLine("diagnose smartdiagnose " + line);
+    zorv::Words words = zorv::SplitLine("diagnose smartdiagnose " + line);
     const ZORV_DIAG_CMD_S* row = Agent()->commandGroups.at("smartdiagnose");
     while (row->name != nullptr && (words.size() < 3 || words[2] != row->name)) {
         ++row;

@@ -34,8 +34,9 @@ const std::string SEARCH = "\t\t[ERROR]: inner err, and please try it again.\n";
 const std::string EQUALS = std::string(67, '=') + "\n";
 const std::string TITLE = "\nSmartDiagnose Anomaly Point\nlumoLocName" + std::string(24, ' ') +
                           "anomalyTime" + std::string(15, ' ') + "anomalyValue\n";
-const std::string NO_POINT =
-    "\t\t: ZorvFaultGraphDisplay\n\nCausalityGraph mapLumoData\n\n LUMO Loc(B) not exist !\n";
+const std::string DATA = "\t\t: ZorvFaultGraphDisplay\n\nCausalityGraph mapLumoData\n\n";
+const std::string NO_POINT = DATA + " LUMO Loc(B) not exist !\n";
+const std::string NO_ROWS = DATA + "lumoLocName            timestamp   avg\n";  // no table was found
 const std::string NOTHING = "There's no detect result in this time interval(from 20210";
 const std::string NO_PATH =
     "\n                   CausalityGraph Analysis\n" + EQUALS + "There's no abnormal check result.\n";
@@ -173,7 +174,7 @@ TEST_P(Sweep, Run) {
         {"simudetect 20210803000000 20210803000100", "20010", {}},
         {"delaydetect" + RANGE, "alarm\n", {TITLE}},
         {"datashow B" + RANGE + " 1", "Show", {}},
-        {"showgraph maplumodata B" + RANGE, "9000", {NO_POINT}},
+        {"showgraph maplumodata B" + RANGE, "9000", {NO_POINT, NO_ROWS}},
         {"delayanal" + RANGE, "BELOW", {NOTHING + "803000000 to 20210803010000)!\n", NO_PATH, "..."}},
         {"delayanal 20210701000000 20210701000001", "IOHANG", {NOTHING + "701000000 to 20210701000001)!\n"}},
         {"showfaultfactor BDM" + RANGE, "9000", {SEARCH}},

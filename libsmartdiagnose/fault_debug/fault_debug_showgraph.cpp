@@ -1,5 +1,5 @@
 #define FAULT_UNIT_FILE "fault_debug.cpp"
-#include "fault_debug/fault_debug_graph.h"
+#include "fault_debug/fault_debug_showgraph.h"
 
 #include "fault_debug/fault_debug_command.h"
 

@@ -1,6 +1,4 @@
 #define FAULT_UNIT_FILE "fault_debug.cpp"
-#include "fault_debug/fault_debug_errors.h"
-
 #include <algorithm>
 #include <numeric>
 

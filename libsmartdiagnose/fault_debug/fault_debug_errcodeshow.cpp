@@ -2,7 +2,6 @@
 #include <algorithm>
 
 #include "fault_algorithm/fault_rootcause.h"
-#include "fault_common/fault_number.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_debug/fault_debug_command.h"
 #include "fault_debug/fault_debug_table.h"
@@ -12,14 +11,6 @@ namespace {
 constexpr const char* ALL_MODULES = "ALL";
 constexpr int32_t FIRST_TIME_ARGUMENT = FIRST_ARGUMENT + 2;
 const std::string NUMBER_TITLE = "ioPointid   ";
-
-// Whether a point belongs to a module of a graph, by how its name begins.
-bool IsOfModule(const std::string& point, const FaultNameMultimap& modules, const std::string& module) {
-    const auto prefixes = modules.equal_range(module);
-    return std::any_of(prefixes.first, prefixes.second, [&](const auto& entry) {
-        return point.compare(0, entry.second.size(), entry.second) == 0;
-    });
-}
 
 bool IsModuleOfAnyGraph(const std::string& module) {
     const auto& graphs = g_mapErrCodeGraphModulePrefix;
@@ -62,7 +53,7 @@ void PrintErrorPath(const AnomalyPath& path, const FaultNameMultimap& modules, c
                        path.rootGraphName);
     FaultPrintPointsHead(NUMBER_TITLE);
     for (const AnomalyNodeInfo& node : path.nodes) {
-        if (module == ALL_MODULES || IsOfModule(node.locName, modules, module)) {
+        if (module == ALL_MODULES || FaultIsOfModule(node.locName, modules, module)) {
             FaultPrintPointsRow(NUMBER_TITLE, node.ioPointid, node.locName, node.errCount, node.fixAdvice);
         }
     }
@@ -76,40 +67,6 @@ void PrintGraphErrors(const GraphErrors& errors, const std::string& module) {
     for (const AnomalyPath& path : errors.paths) {
         PrintErrorPath(path, *errors.modules, module);
     }
-}
-
-// The points of a module with errors of one type, and the sum of their counts.
-struct ModuleErrors {
-    int32_t points = 0;
-    int64_t sum = 0;
-};
-
-ModuleErrors ErrorsOf(const std::string& module, const FaultNameMultimap& modules, FaultErrorPoints& points,
-                      size_t type) {
-    ModuleErrors errors;
-    for (const NodeResult& point : points[FAULT_ERROR_TYPES.at(type)]) {
-        if (IsOfModule(point.locName, modules, module)) {
-            ++errors.points;
-            errors.sum = FaultWrapAdd(errors.sum, point.errorSums.at(type));
-        }
-    }
-    return errors;
-}
-
-void PrintGraphState(const std::string& graph, const FaultNameMultimap& modules, FaultErrorPoints& points) {
-    DBG_Print("ErrCode Graph:%-24s\n", graph.c_str());
-    DBG_Print(
-        "Module          Points    IOERROR           Points    IORETRY           Points    "
-        "IOACCESSDENY      \n");
-    for (auto module = modules.begin(); module != modules.end();
-         module = modules.upper_bound(module->first)) {
-        const ModuleErrors failed = ErrorsOf(module->first, modules, points, 0);
-        const ModuleErrors retried = ErrorsOf(module->first, modules, points, 1);
-        const ModuleErrors denied = ErrorsOf(module->first, modules, points, 2);
-        DBG_Print("%-16s%-10d%-18ld%-10d%-18ld%-10d%-18ld\n", module->first.c_str(), failed.points,
-                  failed.sum, retried.points, retried.sum, denied.points, denied.sum);
-    }
-    FaultPrintSeparator();
 }
 
 }  // namespace
@@ -136,24 +93,5 @@ void FaultErrCodeShowCommand(int32_t argc, char** argv) {
     }
     for (const GraphErrors& errors : found) {
         PrintGraphErrors(errors, module);
-    }
-}
-
-void FaultErrCodeShowAllCommand(int32_t argc, char** argv) {
-    std::string start;
-    std::string end;
-    if (FaultRefusedBySwitch() || !FaultParseRange(argc, argv, FIRST_ARGUMENT, start, end) ||
-        !CheckTimeRange(start, end)) {
-        return;
-    }
-    std::map<std::string, FaultErrorPoints> states;
-    for (const auto& [graph, modules] : g_mapErrCodeGraphModulePrefix) {
-        if (SearchAllErrCodeInGraph({}, graph, start, end, states[graph]) != 0) {
-            FaultPrintSearchFailed();
-            return;
-        }
-    }
-    for (const auto& [graph, modules] : g_mapErrCodeGraphModulePrefix) {
-        PrintGraphState(graph, modules, states[graph]);
     }
 }

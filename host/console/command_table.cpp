@@ -1,0 +1,86 @@
+#include "host/console/command_table.h"
+
+#include <algorithm>
+#include <array>
+
+#include "host/console/commands.h"
+#include "host/console/registered_commands.h"
+#include "text/nearest_name.h"
+#include "text/printable.h"
+
+namespace zorv {
+namespace {
+struct Row {
+    const char* name;
+    const char* arguments;  // as a usage line shows them; empty when it takes none
+    const char* help;       // what it does, on one line
+    Words (*wordsAfter)(const Words& before);
+    size_t start;
+    bool isProgram;
+    ExitStatus (*run)(const Words& words, ConsoleState& state);
+};
+
+Words NoWords(const Words& /*before*/) {
+    return {};
+}
+
+constexpr std::array<Row, 6> ROWS = {
+    {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
+     {"status", "", "what this host works on: files, configuration, switch, alarms, start-up.", NoWords, 0,
+      false, RunStatus},
+     {"alarms", "[N]", "the last N alarms, 20 if not told, the newest last.", NoWords, 0, false, RunAlarms},
+     {"switch", "get | set on|on-silent|off", "show or set the cluster's fault diagnosis switch.",
+      WordsAfterSwitch, 0, false, RunSwitch},
+     {"explain", "START END | MINUTES", "where the extra delay of slow points goes; --help tells more.",
+      WordsAfterExplain, 0, true, RunExplain},
+     {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
+
+Command CommandOf(const Row& row) {
+    const std::string arguments = row.arguments;
+    const std::string help = row.name + (arguments.empty() ? "" : " " + arguments) + ": " + row.help + '\n';
+    return {"console", row.name, help, row.wordsAfter, row.start, row.isProgram, row.run};
+}
+
+std::vector<Command> OwnCommands() {
+    std::vector<Command> commands;
+    std::transform(ROWS.begin(), ROWS.end(), std::back_inserter(commands), CommandOf);
+    return commands;
+}
+}  // namespace
+
+std::vector<Command> AllCommands() {
+    std::vector<Command> commands = CommandsOfThePlugin();
+    for (Command& command : OwnCommands()) {
+        commands.push_back(std::move(command));
+    }
+    return commands;
+}
+
+Words CommandNames() {
+    Words names;
+    for (const Command& command : AllCommands()) {
+        names.push_back(command.name);
+    }
+    return names;
+}
+
+std::optional<Command> FindCommand(const std::string& name) {
+    for (const std::vector<Command>& commands : {OwnCommands(), CommandsOfThePlugin()}) {
+        for (const Command& command : commands) {
+            if (command.name == name) {
+                return command;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+Command CommandNamed(const std::string& name) {
+    if (const std::optional<Command> command = FindCommand(name)) {
+        return *command;
+    }
+    const std::string nearest = NearestName(name, CommandNames());
+    throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
+                     (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
+}
+}  // namespace zorv

@@ -1,0 +1,39 @@
+// The console's own commands: functions of the rows of command_table.cpp, each in a file of its own, with the
+// contract of Command::run and Command::wordsAfter.
+#pragma once
+
+#include <string>
+
+#include "host/console/command.h"
+
+namespace zorv {
+// Lists the commands, or prints the whole help of one.
+ExitStatus RunHelp(const Words& words, ConsoleState& state);
+Words WordsAfterHelp(const Words& before);
+
+// Prints the files, what the databases and the configuration hold, the switch, the alarms since the program's
+// start and the start-up rows. Blocks for one question to the statistics database, which is not repeated, and
+// one to the master node.
+ExitStatus RunStatus(const Words& words, ConsoleState& state);
+
+// Prints the last alarms that this host and those before it have raised on the same root, the newest last.
+// Fails when the alarm file cannot be read. Blocks on file I/O.
+ExitStatus RunAlarms(const Words& words, ConsoleState& state);
+
+// Shows or sets the cluster's fault diagnosis switch. Blocks for the answers of the node that keeps it; fails
+// when that node did not answer or could not store the value.
+ExitStatus RunSwitch(const Words& words, ConsoleState& state);
+Words WordsAfterSwitch(const Words& before);
+
+// The value of the switch that the plug-in obeys, what it means, and where it comes from. Blocks as above;
+// never throws for a node that does not answer.
+std::string SwitchAndItsOrigin();
+
+// Runs the program that explains why a point was slow, which lies beside this one, with the shared options
+// and the arguments. It prints to this process's streams, reads nothing, and gets the terminal's signals.
+// Blocks until it has ended; returns its exit status. Fails when it cannot be run or a signal ended it.
+ExitStatus RunExplain(const Words& words, ConsoleState& state);
+Words WordsAfterExplain(const Words& before);
+
+ExitStatus RunQuit(const Words& words, ConsoleState& state);
+}  // namespace zorv

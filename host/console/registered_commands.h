@@ -1,0 +1,11 @@
+// The commands that the plug-in registered, as commands of the console.
+#pragma once
+
+#include <vector>
+
+#include "host/console/command.h"
+
+namespace zorv {
+// In the order of their registration. Any thread.
+std::vector<Command> CommandsOfThePlugin();
+}  // namespace zorv
