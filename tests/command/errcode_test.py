@@ -1,4 +1,4 @@
-"""The commands on errors and fault factors on whole worlds, against sums over the same database."""
+"""The commands on errors on whole worlds, against sums over the same database."""
 import collections
 import contextlib
 import json
@@ -6,20 +6,12 @@ import re
 import sqlite3
 import unittest
 
-from console import CONFIG, DATABASE, ConsoleTest, readable, worst_anomaly
+from console import CONFIG, DATABASE, ConsoleTest
 
 TYPES = ["IOERROR", "IORETRY", "IOACCESSDENY"]
 POOL_GRAPHS = ["POOL_ERRCODE_READ", "MKV_IO_READ", "POOL_ERRCODE_WRITE", "MKV_IO_WRITE"]
 # In the order in which they are searched.
 SEARCHED = ["ERRCODE_NAS_PROTO", *POOL_GRAPHS, "ERRCODE_SMB", "ERRCODE_SAN_PROTO"]
-POOL = ["ZONETASK_", "ZONEIO_", "MDS_", "BDM_", "DRGRADE_", "POOL_"]
-MODULES = {
-    "ERRCODE_NAS_PROTO": {"CACHE": ["WCACHE_"], "FS": ["FS_"], "NASPROTOL": ["NAS_", "SMB_"], "POOL": POOL},
-    "ERRCODE_SAN_PROTO": {"CACHE": ["WCACHE_", "CACHE_"], "POOL": POOL, "SANPROTOL": ["TGT_"], "SPACE": ["SPACE_"]},
-    "ERRCODE_SMB": {"NASPROTOL": ["SMB_"]},
-}
-FACTORS = {"SAN_PROTOL": "FACTOR_SAN", "NAS_PROTOL": "FACTOR_NAS", "FS": "FACTOR_FS", "BLOCK": "FACTOR_BLOCK",
-           "POOL": "FACTOR_POOL", "CACHE": "FACTOR_CACHE", "BDM": "FACTOR_BDM"}
 
 
 class ErrorCodes(ConsoleTest):
@@ -28,14 +20,12 @@ class ErrorCodes(ConsoleTest):
         self.range = f"{self.truth['start']} {self.truth['end']}"
         self.graphs = json.loads((self.root / CONFIG).read_text())
         self.sums = collections.defaultdict(lambda: [0, 0, 0])
-        self.delays = collections.defaultdict(list)
         bounds = (self.truth["start_epoch"], self.truth["end_epoch"])
         with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as database:
             for table, in database.execute("select tablename from table_flag").fetchall():
-                for point, when, delay, *errors in database.execute(
-                        f"select locatename, curtime, avgdelay, errCode0, errCode1, errCode2 from {table} "
+                for point, *errors in database.execute(
+                        f"select locatename, errCode0, errCode1, errCode2 from {table} "
                         "join version_nmaps using (locateid) where curtime between ? and ?", bounds):
-                    self.delays[point].append((when, delay))
                     self.sums[point] = [total + error for total, error in zip(self.sums[point], errors)]
 
     def screen(self, command):
@@ -70,18 +60,6 @@ class ErrorCodes(ConsoleTest):
                                      for row, (negative, _, point) in enumerate(expected[:101])])
             self.assertEqual("too many records" in sections[number], len(expected) >= 101)
 
-    def check_state(self):
-        state = ""
-        for graph, modules in MODULES.items():
-            state += f"{graph}\n"
-            for module, prefixes in modules.items():
-                errors = [sums for point, sums in self.errors_of(graph).items() if point.startswith(tuple(prefixes))]
-                cells = [cell for totals in (list(zip(*errors)) or [(), (), ()])
-                         for cell in (sum(map(bool, totals)), sum(totals))]
-                state += " ".join(map(str, [module, *cells])) + "\n"
-        found = re.sub(r"^-+\n|^Module .*\n|ErrCode Graph:| +$", "", self.screen(f"errcodeshowall {self.range}"), flags=re.M)
-        self.assertEqual(re.sub(" +", " ", found), state)
-
     def check_walk(self, kind, point):
         fault = self.truth["fault"]
         screen = self.screen(f"errcodeshow {kind} ALL {self.range}")
@@ -104,7 +82,6 @@ class ErrorCodes(ConsoleTest):
                 chosen = ["--error-type", kind, "--error-point", point]
                 self.load(scenario, *(chosen if kind and number else ()))
                 self.check_lists()
-                self.check_state()
                 fault = self.truth["fault"] or {}
                 self.assertEqual((fault.get("error_type"), fault.get("point")), (kind, point))
                 self.assertEqual(fault.get("answer"), point if point != "ZONETASK_ALLOC_CKG" else None)
@@ -115,19 +92,6 @@ class ErrorCodes(ConsoleTest):
                              if node["label"] in fault["path"][:-1]}
                     self.assertEqual(attrs, {"whole", "automic", "whole follow"})
         self.assertTrue("too many records" in self.screen(f"showallerr {self.range}"))
-
-    def test_factors(self):
-        self.load("slow-disk")
-        for module, graph in FACTORS.items():
-            expected = []
-            for point in {node["label"] for node in self.graphs[graph]["nodes"]}:
-                worst = worst_anomaly(self.delays[point])
-                when, delay = worst[0] if worst else min(self.delays[point], key=lambda row: (-row[1], row[0]))
-                expected.append((0 if worst else 1, -delay, point, when))
-            screen = self.screen(f"showfaultfactor {module} {self.range}")
-            found = re.findall(r"^\d+ +(\S+) +(abnormal|max) +(\d+) +(\d+/\S+ \S+)  ", screen, re.M)
-            self.assertEqual(found, [(point, ["abnormal", "max"][kind], str(-negative), readable(when))
-                                     for kind, negative, point, when in sorted(expected)])
 
 
 if __name__ == "__main__":

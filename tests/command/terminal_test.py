@@ -90,7 +90,10 @@ class OnTerminal(ConsoleTest):
                 ("delayd", "etect "), ("d", "datashow  delayanal  delaydetect\r\n"),
                 ("errcodeshow IOE", "RROR "), ("errcodeshow IOERROR P", "OOL "), ("switch set on-", "silent "),
                 ("datashow O", "NE_"), ("showgraph mapg", "raph "), ("showgraph vecob T", "WO "),
-                ("explain 60 --gra", "ph "), ("explain --graph ", "A  B\r\n"), ("explain --point T", "WO ")):
+                ("explain 60 --gra", "ph "), ("explain --graph ", "A  B\r\n"), ("explain --point T", "WO "),
+                # Nothing, which a terminal rings for: behind the last word that is known.
+                ("errcodeshow IOERROR POOL ", "\a"), ("showgraph vecob TWO ", "\a"), ("datashow TWO ", "\a"),
+                ("switch set on o", "\a"), ("switch get o", "\a"), ("help help s", "\a")):
             terminal.type(keys + "\t", shown)
             terminal.type(CTRL_C)
         for keys, shown in (
