@@ -82,6 +82,41 @@ class Scenarios(ConsoleTest):
             self.assertIn(fault["peak_epoch"], [peak["epoch"] for peak in peaks])
             self.assertEqual(re.sub("[^0-9]", "", peaks[0]["local"])[:14], compact(peaks[0]["epoch"]))
 
+    def check_errors(self, truth):
+        """The point at the top is listed with its count, and the walk to the planted one has the planted points."""
+        fault, dates = truth["fault"], f"{truth['start']} {truth['end']}"
+
+        def counted(point):
+            with closing(sqlite3.connect(self.root / DATABASE)) as database:
+                tables = database.execute("select tablename from table_flag").fetchall()
+                count = sum(number for table, in tables for number, in database.execute(
+                    f"select {fault['error_column']} from {table} natural join version_nmaps where locatename = ? "
+                    "and curtime between ? and ?", (point, truth["start_epoch"], truth["end_epoch"])))
+            return rf"^\d+ +{point} +{count} +"
+
+        listed = self.run_lines(f"showallerr {dates}\n")[1].split("-" * 100 + "\n")
+        part = next(part for part in listed if f"Error Code Type:{fault['error_type']} " in part)
+        self.assertRegex(part, re.compile(counted(fault["path"][0]), re.M))
+        if fault["answer"]:
+            screen = self.run_lines(f"errcodeshow {fault['error_type']} ALL {dates}\n")[1]
+            section = screen.partition(f"\n{fault['point']:<32}{fault['graph']:<32}\n")[2].partition(EQUALS)[0]
+            rows = re.findall(r"^\d.*", section, re.M)
+            self.assertEqual([row.split()[1] for row in rows], fault["walk"][-1]["points"])
+            self.assertRegex(rows[-1], f"{counted(fault['point'])}{fault['advice'] or '---'}$")
+
+    def test_errors_of_any_kind_and_point(self):
+        for kind, point, is_answer in (
+                ("IORETRY", "SPACE_BLOCK_VOL_LOC_WRITE", True),  # with points below it
+                ("IOACCESSDENY", "SMB_KERBEROS_TICKET_FAIL", True),  # below a hand-over
+                ("IOERROR", "BDM_DISK_PATH_LOST", True),  # below two
+                ("IOERROR", "ZONETASK_ALLOC_CKG", False)):  # in a graph to which nothing hands over
+            with self.subTest(kind=kind, point=point):
+                truth = self.simulate("--scenario", "error-burst", "--end", "20230105143000",
+                                      "--error-type", kind, "--error-point", point)
+                fault = truth["fault"]
+                self.assertEqual((fault["error_type"], fault["point"], fault["answer"]), (kind, point, point if is_answer else None))
+                self.check_errors(truth)
+
     def test_every_scenario(self):
         for scenario, truth in self.worlds():
             with self.subTest(scenario=scenario):
@@ -89,6 +124,8 @@ class Scenarios(ConsoleTest):
                 status, text, found = self.explain(truth["start"], truth["end"])
                 self.check_explanation(truth, status, text, found["analyses"])
                 self.check_analysis(truth, [one["graph"] for one in found["analyses"]])
+                if (truth["fault"] or {}).get("error_type"):
+                    self.check_errors(truth)
 
 
 if __name__ == "__main__":

@@ -1,12 +1,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -80,31 +77,6 @@ TEST_F(HealTest, WhatCountsIsOnTheDisk) {
     EXPECT_EQ(g_steps,
               (std::vector<std::string>{top, "VRA", "coffer_log", "log", "heal", "test.ini.tmp", "rename",
                                         "data", "test.ini.tmp", "rename", "data", "log", "alarms.jsonl"}));
-}
-
-TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
-    constexpr int32_t FIRST = 1000000000;  // as long as those that follow: a torn number is a smaller one
-    std::mt19937 random(20230105);
-    int32_t last = FIRST;
-    ASSERT_EQ(Write(last), 0U);
-    for (int kills = 0; last < FIRST + 1000 || kills < (getenv("SMARTDIAGNOSE_LONG") != nullptr ? 1000 : 100);
-         ++kills) {
-        const pid_t writer = fork();
-        if (writer == 0) {
-            for (int32_t next = last + 1; Write(next) == 0; ++next) {
-            }
-            _exit(1);
-        }
-        // Any moment within a write; nothing is expected to happen meanwhile.
-        usleep(static_cast<useconds_t>(random() % 20000));
-        kill(writer, SIGKILL);
-        int status = 0;
-        waitpid(writer, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status)) << "a write failed";
-        const int32_t value = ReadBack();
-        ASSERT_GE(value, last) << "kill " << kills;
-        last = value;
-    }
 }
 
 TEST_F(HealTest, WritersTakeTurns) {
