@@ -74,6 +74,7 @@ class Scenarios(ConsoleTest):
             first = one["candidates"][0]
             if one["graph"] == expected["graph"]:
                 self.assertEqual([one["point"] for one in one["candidates"]][:len(expected["points"])], expected["points"])
+                self.assertTrue(not fault["walk"] or one["walk"]["point"] == fault["answer"], one["walk"])
             self.assertAlmostEqual(sum(node["share"] for node in one["nodes"]), 1, 6)
             self.assertIn(f"{first['share'] * 100:.1f} %  ", text)
             self.assertIn(f"same point in {one['agreements']} of 6 baselines", text)
