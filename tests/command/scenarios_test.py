@@ -58,7 +58,7 @@ class Scenarios(ConsoleTest):
             self.assertEqual(screen, HEALED + "".join(
                 "{healtime:<17}{healcause:<16}{modulename:<16}{infercause:<16}\n".format(**event)
                 for event in truth["heal_events"]))
-        elif not fault.get("detector_point"):
+        elif not fault.get("detector_point") or not fault.get("flagged", True):
             self.assertEqual(screen, "There's no detect result in this time interval(from {} to {})!\n".format(*dates))
         elif fault["walk"]:
             self.expect_paths(screen, fault, graphs[1:])

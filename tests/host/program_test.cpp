@@ -177,7 +177,8 @@ TEST_F(ProgramTest, ExplainRunsTheProgramBesideThisOne) {
     const Outcome single = Run(PROBE + "--log log explain -x 'a b' '' 'exit 4'");
     EXPECT_EQ(single.status, 4);
     EXPECT_EQ(single.out, rooted + "[--log][log][-x][a b][][exit 4]");
-    const Outcome piped = Run(PROBE, "echo a\nexplain 'exit 4'\necho b\nexplain 'kill -9 $$'\n");
+    const std::string more(1 << 20, '#');  // than is read at a time: it is not the program's
+    const Outcome piped = Run(PROBE, "echo a\nexplain 'exit 4'\necho b\nexplain 'kill -9 $$'\n" + more);
     EXPECT_EQ(piped.status, 1);
     EXPECT_EQ(piped.out, SAID + "[a]\n" + rooted + "[exit 4]" + SAID + "[b]\n" + rooted + "[kill -9 $$]");
     EXPECT_EQ(piped.err, "zorv-local: line 4: zorv-explain was ended by signal 9\n");
