@@ -241,6 +241,12 @@ class OnTerminal(ConsoleTest):
         self.assertEqual(terminal.leave(""), -signal.SIGTERM)
         self.assertEqual(Terminal(self.root, closed="stdout").leave("help\r"), 1)
 
+    def test_keys_of_several_bytes(self):
+        terminal = Terminal(self.root, LC_ALL="C.UTF-8")
+        self.assertIn("unknown command 'x\u00fc\u78c1'", terminal.type("\u00fc\u78c1" + CTRL_A + "x\r", "list"))
+        terminal.until("zorv> ")
+        terminal.leave()
+
     def test_names_do_nothing_to_the_screen(self):
         name, command = "\x1b[2J\u202e\r\u00fc", f"showgraph mapnodeinfo ONE {RANGE}"
         self.configure(SAN_IO_READ=graph(name, "ONE"))
