@@ -5,10 +5,15 @@ import sqlite3
 import subprocess
 import tempfile
 import time
+import unicodedata
 import unittest
+from contextlib import closing
 from fractions import Fraction
 from pathlib import Path
 
+import jsonschema
+
+SCHEMA = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/explain.schema.json").read_text()))
 BIN = Path(os.environ["SMARTDIAGNOSE_BIN"])
 ZONE = 8 * 3600  # the tests run in CST-8
 DATABASE = "VRA/data/lumo/lumo_diagnose_data.db"
@@ -46,6 +51,20 @@ def worst_anomaly(samples):
     variance = sum((delay - mean) ** 2 for _, delay in samples) / (len(samples) - 1)
     flagged = [(-delay, when) for when, delay in samples if (delay - mean) ** 2 > 9 * variance]
     return [(when, -negative) for negative, when in sorted(flagged)[:1]]
+
+
+def anomalies(database, start, end):
+    tables = [name for name, in database.execute("select tablename from table_flag")]
+    for point in POINTS:
+        samples = [row for table in tables for row in database.execute(
+            f"select curtime, avgdelay from {table} join version_nmaps using (locateid) "
+            "where locatename = ? and curtime between ? and ?", (point, start, end))]
+        for when, delay in worst_anomaly(samples):
+            yield point, when, delay
+
+
+def cells(line):
+    return sum(2 if unicodedata.east_asian_width(letter) in "WF" else 1 for letter in line)
 
 
 def eventually(condition, seconds=60):
@@ -112,3 +131,23 @@ class ConsoleTest(unittest.TestCase):
         found_status, out, err = self.run_lines(lines)
         self.assertEqual((out, found_status), (screen, status), err)
         return err
+
+    def expect_anomalies(self, start, end):
+        with closing(sqlite3.connect(self.root / DATABASE)) as database:
+            expected = delay_listing(anomalies(database, start, end))
+        self.expect(f"delaydetect {compact(start)} {compact(end)}\n", 0, expected)
+
+    def run_explain(self, *options, root=None, zone="CST-8"):
+        done = subprocess.run([BIN / "zorv-explain", "--root", root or self.root, *options], capture_output=True,
+                              env={**os.environ, "TZ": zone})
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def explain(self, *times):
+        """The exit status, the text and the document, each checked for its form."""
+        status, text, err = self.run_explain(*times)
+        self.assertEqual([line for line in text.split("\n") if cells(line) > 80 or not line.isprintable()], [], err)
+        (json_status, document, _), again = (self.run_explain("--json", *times) for _ in range(2))
+        self.assertEqual((json_status, document, document.isascii()), (status, again[1], True))
+        found = json.loads(document, parse_constant=self.fail)
+        SCHEMA.validate(found)
+        return status, text, found

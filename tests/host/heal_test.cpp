@@ -2,12 +2,9 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdio>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
@@ -97,31 +94,6 @@ TEST_F(HealTest, TheFileStaysItsOwners) {
     EXPECT_EQ(status.st_mode & ALLPERMS, 0640U);
     EXPECT_EQ(status.st_uid, mayGive ? 1U : geteuid());
     EXPECT_EQ(status.st_gid, mayGive ? 2U : getegid());
-}
-
-TEST_F(HealTest, KilledWriterLeavesTheOldNumberOrTheNew) {
-    constexpr int32_t FIRST = 1000000000;  // as long as those that follow: a torn number is a smaller one
-    std::mt19937 random(20230105);
-    int32_t last = FIRST;
-    ASSERT_EQ(Write(last), 0U);
-    for (int kills = 0; last < FIRST + 1000 || kills < (getenv("SMARTDIAGNOSE_LONG") != nullptr ? 1000 : 100);
-         ++kills) {
-        const pid_t writer = fork();
-        if (writer == 0) {
-            for (int32_t next = last + 1; Write(next) == 0; ++next) {
-            }
-            _exit(1);
-        }
-        // Any moment within a write; nothing is expected to happen meanwhile.
-        usleep(static_cast<useconds_t>(random() % 20000));
-        kill(writer, SIGKILL);
-        int status = 0;
-        waitpid(writer, &status, 0);
-        ASSERT_TRUE(WIFSIGNALED(status)) << "a write failed";
-        const int32_t value = ReadBack();
-        ASSERT_GE(value, last) << "kill " << kills;
-        last = value;
-    }
 }
 
 TEST_F(HealTest, WritersDoNotMix) {
