@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "explain/analysis/own_delay.h"
 #include "explain/analysis/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -123,6 +124,7 @@ private:
             }
         }
         if (!hasRows) {
+            CheckNames();
             throw NoData(WhyNoRows(request));
         }
         size_t most = 0;
@@ -137,9 +139,21 @@ private:
         }
     }
 
+    // That the points which were named stand in their graphs.
+    void CheckNames() const {
+        for (const PointRequest& point : request.points) {
+            for (const std::string& graph : request.GraphsOf(point.name)) {
+                if (point.when == PointRequest::ALWAYS) {
+                    ReadGraphWorld(point.name, graph);
+                }
+            }
+        }
+    }
+
     bool IsAsked(PointRequest::When when, const explain::Look& look) const {
-        return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS || (when == PointRequest::IF_THERE && look.samples > 0) ||
-               look.flagged > 0 || !look.events.empty();
+        return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS ||
+               (when == PointRequest::IF_THERE && look.samples > 0) || look.flagged > 0 ||
+               !look.events.empty();
     }
 
     void AnalyseGuarded(const explain::Look& look, const std::string& graph) {
@@ -155,7 +169,8 @@ private:
         if (const auto found = unreadable.find(look.point); found != unreadable.end()) {
             throw NoData(found->second);
         }
-        const auto world = std::make_shared<const GraphWorld>(LoadGraphWorld(look.point, graph, store));
+        const auto world = std::make_shared<GraphWorld>(LoadGraphWorld(look.point, graph, store));
+        FillOwnDelays(*world);
         const Samples& samples = world->points.at(look.point).samples;
         if (look.samples == 0) {
             throw NoData({ReasonKind::NO_ROWS_OF_POINT, 0, 0, look.point});

@@ -13,7 +13,8 @@ namespace explain {
 namespace {
 
 constexpr double MAJORITY = 0.5;
-constexpr double CLOSE = 0.05;  // shares that differ by less are nearly equal
+constexpr int64_t RECENT = 86400;  // seconds; how old a row is says something of an incident only
+constexpr double CLOSE = 0.05;     // shares that differ by less are nearly equal
 
 // What is in braces stands for the reason's numbers and names; "{samples}" for a count with its word.
 constexpr struct {
@@ -99,6 +100,16 @@ std::string PointAnswer(const Analysis& analysis, ShareFigure figure) {
     const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
                                                       : "no single point below it explains more.";
     return first.point + " itself holds " + share + ": " + below + rival;
+}
+
+// What is told of an event that is within the usual, before it is divided all the same.
+std::string WeakOf(const Analysis& analysis) {
+    const Evidence& top = analysis.findings.front().evidence;
+    const double usual = *top.baselineDelay;
+    const std::string times =
+        usual > 0.0 ? Fixed(*top.eventDelay / usual, 1) + " times as slow as usual, " : "";
+    return analysis.point + " is " + times + Fixed(*top.deviations, 1) +
+           " deviations: within what is usual. ";
 }
 
 }  // namespace
@@ -208,6 +219,9 @@ const char* WordOf(Certainty certainty) {
 }
 
 std::string AnswerOf(const Analysis& analysis, ShareFigure figure) {
+    if (analysis.isWeak) {
+        return WeakOf(analysis) + PointAnswer(analysis, figure);
+    }
     switch (analysis.verdict) {
         case Verdict::POINT:
             return PointAnswer(analysis, figure);
@@ -285,8 +299,9 @@ std::string BasisOf(const Report& report) {
                                              : Counted(coverage.intervals, "interval");
     text += ", " + std::to_string(coverage.pointsWithRows) + " of " + Counted(coverage.points, "point");
     if (coverage.newest) {
-        text += ", newest row " + TimeOfDay(*coverage.newest, report.zoneOffset) + " (" +
-                Duration(std::max<int64_t>(0, report.madeAt - *coverage.newest)) + " old)";
+        const int64_t age = std::max<int64_t>(0, report.madeAt - *coverage.newest);
+        text += ", newest row " + TimeOfDay(*coverage.newest, report.zoneOffset) +
+                (age < RECENT ? " (" + Duration(age) + " old)" : "");
     }
     return text;
 }

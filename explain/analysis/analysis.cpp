@@ -287,7 +287,7 @@ Analysis Explain(const Question& question, const Look& look, const std::string& 
         static_cast<double>(look.samplesInEvents) / static_cast<double>(std::max<size_t>(look.samples, 1));
     analysis.world = world;
     const Samples& samples = world->points.at(look.point).samples;
-    const Stretches baseline = BaselineOf(samples, look.finding.events, event, question.baseline);
+    const Stretches baseline = BaselineOf(samples, look.finding, event, question.baseline);
     analysis.baseline = HullOf(SamplesIn(samples, baseline));
     std::vector<Evidence> evidence = AllEvidence(*world, event, baseline, EvidenceOf);
     const std::vector<double> shares = SharesOf(*world, evidence, &analysis.flows);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "explain/analysis/level.h"
+
 namespace explain {
 namespace {
 
@@ -47,11 +49,11 @@ std::vector<Value> Selected(const Samples& samples, const std::vector<Value>& va
 
 }  // namespace
 
-Stretches BaselineOf(const Samples& samples, const std::vector<Event>& events, const Window& event,
+Stretches BaselineOf(const Samples& samples, const Finding& finding, const Window& event,
                      const std::optional<Window>& named) {
     const auto outside = [&](const Window& window) {
         Stretches rest = Without({window}, event);
-        for (const Event& other : events) {
+        for (const Event& other : finding.events) {
             rest = Without(rest, other);
         }
         return rest;
@@ -59,8 +61,10 @@ Stretches BaselineOf(const Samples& samples, const std::vector<Event>& events, c
     if (named) {
         return outside(*named);
     }
-    const Stretches before = outside({INT64_MIN, event.start});
-    const Stretches after = outside({event.end, INT64_MAX});
+    const int64_t from = finding.isCurved ? event.start - LEVEL_SECONDS : INT64_MIN;
+    const int64_t until = finding.isCurved ? event.end + LEVEL_SECONDS : INT64_MAX;
+    const Stretches before = outside({from, event.start});
+    const Stretches after = outside({event.end, until});
     return CountIn(samples, before) < FEWEST_BASELINE && CountIn(samples, after) >= FEWEST_BASELINE ? after
                                                                                                     : before;
 }

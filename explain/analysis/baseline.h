@@ -12,9 +12,9 @@ namespace explain {
 using Stretches = std::vector<Window>;
 
 // What was usual beside the event of a series: all that lies before the event (with `named`, that stretch
-// instead) and in no event. Where that leaves fewer than FEWEST_BASELINE samples before an event, what lies
-// after it, likewise.
-Stretches BaselineOf(const Samples& samples, const std::vector<Event>& events, const Window& event,
+// instead; LEVEL_SECONDS where the series is curved) and in no event. Where that leaves fewer than
+// FEWEST_BASELINE samples before an event, what lies after it, likewise.
+Stretches BaselineOf(const Samples& samples, const Finding& finding, const Window& event,
                      const std::optional<Window>& named);
 
 // What of the stretches lies in the window.

@@ -1,13 +1,18 @@
 #include "explain/analysis/event.h"
 
 #include <algorithm>
+#include <functional>
 #include <iterator>
+
+#include "explain/analysis/level.h"
 
 namespace explain {
 namespace {
 
-constexpr size_t GAP = 1;           // samples within a run that are not high
-constexpr size_t WINDOW = 4;        // samples in a row whose mean is looked at, too
+constexpr size_t GAP = 1;        // samples within a run that are not high
+constexpr size_t WINDOW = 4;     // samples in a row whose mean is looked at, too
+constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
+constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t LEAST_USUAL = 10;  // one of so many samples at least stays in no event
 
 using Marks = std::vector<bool>;  // by position
@@ -122,6 +127,29 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     }
 }
 
+// Looks once more, with the slow curve taken out, where most of the spread comes from it.
+bool AddAlongCurve(const Samples& samples, const Marks& telling, High& high) {
+    const double spread = high.usual.scale;
+    bool isCurved = false;
+    for (size_t round = 0; round < MOST_ROUNDS; ++round) {
+        const std::vector<double> levelled = Levelled(samples, high.inside, high.usual.median);
+        High found = FindHigh(levelled, telling);
+        if (found.usual.scale > FLATTER * spread) {
+            return isCurved;
+        }
+        isCurved = true;
+        std::transform(found.inside.begin(), found.inside.end(), high.inside.begin(), found.inside.begin(),
+                       std::logical_or<>());
+        const bool isNew = found.inside != high.inside;
+        high.inside = std::move(found.inside);
+        high.deviations = std::move(found.deviations);
+        if (!isNew) {
+            break;
+        }
+    }
+    return isCurved;
+}
+
 Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
     Marks telling;
     telling.reserve(samples.size());
@@ -157,14 +185,6 @@ size_t HighestNear(const std::vector<double>& deviations, size_t position) {
                                begin);
 }
 
-template <typename Value>
-std::vector<double> Column(const Samples& samples, Value value) {
-    std::vector<double> column;
-    column.reserve(samples.size());
-    std::transform(samples.begin(), samples.end(), std::back_inserter(column), value);
-    return column;
-}
-
 }  // namespace
 
 Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline) {
@@ -174,8 +194,11 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     }
     const std::vector<double> delays = DelaysOf(samples);
     High high = FindHigh(delays, telling);
-    AddLasting(delays, telling, high);
-    Finding finding{{}, high.usual, std::move(high.deviations)};
+    const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
+    if (!isCurved) {
+        AddLasting(delays, telling, high);
+    }
+    Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
     for (const Run& run : RunsAbove(inside, 0.0)) {
         finding.events.push_back(EventOf(samples, finding, run.first, run.last));
@@ -225,24 +248,6 @@ Event EventAt(const Samples& samples, const Finding& finding, const std::vector<
 
 bool IsOngoing(const Event& event, size_t end) {
     return end - 1 - std::min(event.last, end - 1) <= GAP;
-}
-
-std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window) {
-    const auto position = [&](auto isBefore) {
-        return static_cast<size_t>(std::partition_point(samples.begin(), samples.end(), isBefore) -
-                                   samples.begin());
-    };
-    const size_t first = position([&](const Sample& sample) { return sample.time < window.start; });
-    const size_t end = position([&](const Sample& sample) { return sample.time <= window.end; });
-    return {first, std::max(first, end)};
-}
-
-std::vector<double> DelaysOf(const Samples& samples) {
-    return Column(samples, [](const Sample& sample) { return sample.delay; });
-}
-
-std::vector<double> RequestsOf(const Samples& samples) {
-    return Column(samples, [](const Sample& sample) { return sample.requests; });
 }
 
 }  // namespace explain

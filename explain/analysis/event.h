@@ -4,28 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <utility>
 #include <vector>
 
+#include "explain/analysis/series.h"
 #include "explain/analysis/statistics.h"
 
 namespace explain {
-
-// One interval of a trace point.
-struct Sample {
-    int64_t time = 0;       // UTC seconds since 1970
-    double delay = 0.0;     // average, microseconds
-    double requests = 0.0;  // accepted
-};
-using Samples = std::vector<Sample>;  // of ascending times
-
-// A stretch of time, UTC seconds, both ends included.
-struct Window {
-    int64_t start = 0;
-    int64_t end = 0;
-
-    bool Holds(int64_t time) const { return time >= start && time <= end; }
-};
 
 // A run of high samples, from its first one to its last one.
 struct Event : Window {
@@ -44,10 +28,6 @@ constexpr double HIGH = 5.0;
 constexpr double WEAK = 2.0;
 constexpr double MILD = 1.0;
 
-// The fewest samples that make a baseline, and of which events are told.
-constexpr size_t FEWEST_BASELINE = 5;
-constexpr size_t FEWEST_FOR_EVENTS = 11;
-
 // The fewest samples of which one can lie beyond three deviations of all.
 constexpr size_t FEWEST_FOR_SIGMA = 11;
 
@@ -56,6 +36,7 @@ struct Finding {
     std::vector<Event> events;       // in the order of time
     Usual usual;                     // of all samples that are in no event
     std::vector<double> deviations;  // of each sample from it; empty for too few samples
+    bool isCurved = false;           // most of the spread is a slow curve: see LEVEL_SECONDS
 };
 
 // All events of a series. What is usual is told by all samples that are in no event or, with `baseline`, by
@@ -73,11 +54,5 @@ Event EventAt(const Samples& samples, const Finding& finding, const std::vector<
 // Whether the event is still going on at the last sample before the position `end`: a last sample that is not
 // high does not end it.
 bool IsOngoing(const Event& event, size_t end);
-
-// The samples of a stretch of time, as positions: the first one, and the one behind the last.
-std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window);
-
-std::vector<double> DelaysOf(const Samples& samples);
-std::vector<double> RequestsOf(const Samples& samples);
 
 }  // namespace explain

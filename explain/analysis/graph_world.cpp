@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "explain/analysis/own_delay.h"
 #include "fault_spectrum_graph/fault_causality_graph.h"
 #include "fault_spectrum_graph/fault_json_object.h"
 
@@ -92,12 +91,17 @@ void WorldReader::ReadBelow(size_t position) {
 
 }  // namespace
 
-GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store) {
+GraphWorld ReadGraphWorld(const std::string& point, const std::string& graph) {
     GraphWorld world;
     if (!FaultJsonObject::GetInstance().IsMember(graph)) {
         throw NoData({ReasonKind::NO_GRAPH, 0, 0, graph});
     }
     WorldReader(world).Read(graph, point);
+    return world;
+}
+
+GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store) {
+    GraphWorld world = ReadGraphWorld(point, graph);
     for (auto& [name, data] : world.points) {
         const bool isObservation = data.isObservation;
         data = store.Of(name);
@@ -106,7 +110,6 @@ GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, Sa
             sample.requests = isObservation ? 0.0 : sample.requests;
         }
     }
-    FillOwnDelays(world);
     return world;
 }
 

@@ -28,9 +28,13 @@ struct GraphWorld {
     std::map<std::string, PointData> points;  // by name; an entry for every node
 };
 
-// Reads the nodes below the point `point` of the graph `graph` from the configuration, and takes their data
-// from the store, which may block on the database. Throws NoData; the standard conversion errors for a
-// configuration or cell that is no number, Json::LogicError for a value of the wrong type.
+// Reads the nodes below the point `point` of the graph `graph` from the configuration; no data yet. Throws
+// NoData; the standard conversion errors for a configuration that has no number where it needs one,
+// Json::LogicError for a value of the wrong type.
+GraphWorld ReadGraphWorld(const std::string& point, const std::string& graph);
+
+// The same with the data of its points, but for their own delays, from the store, which may block on the
+// database. Throws what both throw.
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store);
 
 }  // namespace explain

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis/event.h"
 #include "explain/analysis/reason.h"
+#include "explain/analysis/series.h"
 #include "fault_common/fault_series.h"
 
 namespace explain {

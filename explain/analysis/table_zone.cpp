@@ -35,8 +35,8 @@ uint32_t TakeTime(char** result, int32_t rowCount, int32_t columnCount, std::vec
     return 0;
 }
 
-// Appends the time of the first row or of the last one, in the order of time; nothing for a table without rows.
-// Connections allow no functions, not even min(). Returns success.
+// Appends the time of the first row or of the last one, in the order of time; nothing for a table without
+// rows. Connections allow no functions, not even min(). Returns success.
 bool TakeEnd(const std::string& table, const char* order, std::vector<int64_t>& times) {
     std::vector<int64_t> second;
     std::vector<std::string> texts;

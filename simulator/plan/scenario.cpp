@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "simulator/plan/world_options.h"
 
 namespace lumosim {
 namespace {

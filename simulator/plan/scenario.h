@@ -10,6 +10,8 @@
 
 namespace lumosim {
 
+constexpr double LOAD_SWING = 0.4;  // of the request rate, over a day
+
 enum class FaultKind { DELAY, ERROR, LOAD };
 
 // LATE faults happen at the same time, and when the options say; EARLY ones, at another, are decoys.

@@ -19,7 +19,6 @@ constexpr int64_t MAXIMUM_NOISE = 60;
 // A burst of two samples must stand out of its range.
 constexpr int64_t MINIMUM_SAMPLES = 60;
 constexpr int64_t MAXIMUM_SAMPLES = 172800;
-constexpr double LOAD_SWING = 0.4;  // of the request rate, over a day
 
 // A request that cannot be served as it is; the text is for the user.
 class BadInput : public std::runtime_error {

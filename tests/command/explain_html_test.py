@@ -16,7 +16,7 @@ SHOWN = '"><script>x</script><a onclick=x href="http://x">&amp;\\x1b[31m\\u202e\
 
 class Page(ConsoleTest):
     def page(self):
-        run = [BIN / "zorv-explain", "--root", self.root, "--html", self.root / "p", "20230105063000", "20230105143000"]
+        run = [BIN / "zorv-explain", "--root", self.root, "--html", self.root / "p", "20230105103000", "20230105143000"]
         text, = {(subprocess.check_output(run), (self.root / "p").read_text())[1] for _ in "12"}  # the same twice
         self.assertNotRegex(text, r"[\0-\x09\x0b-\x1f\x7f-\x9f\u202e]|<script|(src|href)=\"[^#]|url\(|@import")
         return ElementTree.fromstring(text.removeprefix("<!DOCTYPE html>"))
@@ -71,12 +71,12 @@ class Page(ConsoleTest):
         file, new, pipe, link, ahead = (self.root / name for name in ("p", "new", "pipe", "link", "ahead"))
         file.touch(), link.symlink_to(file), ahead.symlink_to(new), os.mkfifo(pipe)
         for path in link, ahead, pipe:
-            run = [BIN / "zorv-explain", "--root", self.root, "--html", path, "20230105063000", "20230105143000"]
+            run = [BIN / "zorv-explain", "--root", self.root, "--html", path, "20230105103000", "20230105143000"]
             explain = subprocess.Popen(run, stdout=subprocess.DEVNULL)
             page = pipe.read_text() if path == pipe else None
             self.assertEqual(explain.wait(), 1)
             self.assertTrue((page or path.read_text()).endswith("</html>\n"))
-        run = [BIN / "zorv-explain", "--root", self.root, "20230105063000", "20230105143000"]
+        run = [BIN / "zorv-explain", "--root", self.root, "20230105103000", "20230105143000"]
         for option, path in itertools.product(("--html", "--log"), (CONFIG, DATABASE, "evidence")):
             (self.root / "evidence").unlink(missing_ok=True), (self.root / "evidence").symlink_to(DATABASE)
             before = (self.root / path).read_bytes()

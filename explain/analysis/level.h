@@ -1,0 +1,17 @@
+// The slow curve of a series, such as that of a day.
+#pragma once
+
+#include <vector>
+
+#include "explain/analysis/series.h"
+
+namespace explain {
+
+// The level of a sample is the median of so long a stretch around it.
+constexpr int64_t LEVEL_SECONDS = 14400;
+
+// The delays with the slow curve taken out: each relative to the median of those around it (LEVEL_SECONDS in
+// all) that are not marked, and as large as `median` where it equals that.
+std::vector<double> Levelled(const Samples& samples, const std::vector<bool>& marked, double median);
+
+}  // namespace explain

@@ -1,0 +1,37 @@
+#include "explain/analysis/series.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace explain {
+namespace {
+
+template <typename Value>
+std::vector<double> Column(const Samples& samples, Value value) {
+    std::vector<double> column;
+    column.reserve(samples.size());
+    std::transform(samples.begin(), samples.end(), std::back_inserter(column), value);
+    return column;
+}
+
+}  // namespace
+
+std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window) {
+    const auto position = [&](auto isBefore) {
+        return static_cast<size_t>(std::partition_point(samples.begin(), samples.end(), isBefore) -
+                                   samples.begin());
+    };
+    const size_t first = position([&](const Sample& sample) { return sample.time < window.start; });
+    const size_t end = position([&](const Sample& sample) { return sample.time <= window.end; });
+    return {first, std::max(first, end)};
+}
+
+std::vector<double> DelaysOf(const Samples& samples) {
+    return Column(samples, [](const Sample& sample) { return sample.delay; });
+}
+
+std::vector<double> RequestsOf(const Samples& samples) {
+    return Column(samples, [](const Sample& sample) { return sample.requests; });
+}
+
+}  // namespace explain
