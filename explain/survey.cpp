@@ -152,7 +152,7 @@ private:
 
     bool IsAsked(PointRequest::When when, const explain::Look& look) const {
         return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS ||
-               (when == PointRequest::IF_THERE && look.samples > 0) || look.flagged > 0 ||
+               (when == PointRequest::IF_THERE && look.samples > 0) || !look.flagged.empty() ||
                !look.events.empty();
     }
 
