@@ -96,6 +96,7 @@ struct Analysis {
     std::vector<Trial> trials;                // six, for an answer
     std::optional<Walk> walk;                 // for an answer
 
+    bool HasAnswer() const { return verdict == Verdict::POINT || verdict == Verdict::LOAD; }
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };
