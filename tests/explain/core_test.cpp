@@ -269,7 +269,7 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=|H.", "+device 20 225 9000 "},
         {"=|H", "+device 20 450 9000 "},
         {"=|66", "+unknown 20 5 220 "},
-        {"=|5l", "-usual none -20 -800 "},
+        {"=|6.", "-usual 20 2 110 "},
         {"=|nn", "-usual none -45 1800 "},
         {"=|zz", "-usual 20 450 0 "},
         {"=|SS", "+load 20 450 180000 "},
