@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "explain/analysis/own_delay.h"
-#include "explain/analysis/table_zone.h"
+#include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
 

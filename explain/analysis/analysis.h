@@ -9,8 +9,8 @@
 
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/graph_world.h"
-#include "explain/analysis/look.h"
 #include "explain/analysis/modules.h"
+#include "explain/finding/look.h"
 
 namespace explain {
 

@@ -9,7 +9,7 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/analysis/evidence.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 #include "explain/wording.h"
 
 namespace explain {

@@ -6,11 +6,11 @@
 #include <cmath>
 #include <random>
 
-#include "explain/analysis/coverage.h"
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/own_delay.h"
-#include "explain/analysis/statistics.h"
-#include "explain/analysis/table_zone.h"
+#include "explain/finding/coverage.h"
+#include "explain/finding/statistics.h"
+#include "explain/finding/table_zone.h"
 
 namespace explain {
 namespace {

@@ -1,9 +1,9 @@
-#include "explain/analysis/look.h"
+#include "explain/finding/look.h"
 
 #include <algorithm>
 
-#include "explain/analysis/sample_store.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/sample_store.h"
+#include "explain/finding/statistics.h"
 #include "fault_algorithm/fault_correlation.h"
 
 namespace explain {

@@ -1,9 +1,9 @@
-#include "explain/analysis/level.h"
+#include "explain/finding/level.h"
 
 #include <algorithm>
 #include <optional>
 
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 
 namespace explain {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "explain/analysis/series.h"
+#include "explain/finding/series.h"
 
 namespace explain {
 
