@@ -13,7 +13,8 @@ constexpr size_t GAP = 1;        // samples within a run that are not high
 constexpr size_t WINDOW = 4;     // samples in a row whose mean is looked at, too
 constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
 constexpr size_t MOST_ROUNDS = 5;
-constexpr size_t LEAST_USUAL = 10;  // one of so many samples at least stays in no event
+constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
+constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
 
 using Marks = std::vector<bool>;  // by position
 
@@ -80,7 +81,7 @@ bool LeavesEnough(const Marks& telling, const Marks& inside) {
 // must mark FEWEST_BASELINE values.
 High FindHigh(const std::vector<double>& values, const Marks& telling) {
     High high{Marks(values.size(), false), {}, {}};
-    while (true) {
+    for (size_t search = 1;; ++search) {
         high.usual = UsualOf(values, telling, high.inside);
         high.deviations = DeviationsFrom(high.usual, values);
         Marks now = high.inside;
@@ -88,7 +89,7 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
             std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
                       now.begin() + static_cast<std::ptrdiff_t>(run.last) + 1, true);
         }
-        if (now == high.inside || !LeavesEnough(telling, now)) {
+        if (now == high.inside || !LeavesEnough(telling, now) || search == MOST_SEARCHES) {
             return high;
         }
         high.inside = std::move(now);
@@ -127,27 +128,24 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     }
 }
 
-// Looks once more, with the slow curve taken out, where most of the spread comes from it.
+// Looks once more with the slow curve taken out, where most of the spread comes from it. Returns whether it
+// does.
 bool AddAlongCurve(const Samples& samples, const Marks& telling, High& high) {
     const double spread = high.usual.scale;
-    bool isCurved = false;
     for (size_t round = 0; round < MOST_ROUNDS; ++round) {
-        const std::vector<double> levelled = Levelled(samples, high.inside, high.usual.median);
-        High found = FindHigh(levelled, telling);
+        High found = FindHigh(Levelled(samples, high.inside, high.usual.median), telling);
         if (found.usual.scale > FLATTER * spread) {
-            return isCurved;
+            return round > 0;
         }
-        isCurved = true;
-        std::transform(found.inside.begin(), found.inside.end(), high.inside.begin(), found.inside.begin(),
+        const Marks before = high.inside;
+        std::transform(before.begin(), before.end(), found.inside.begin(), high.inside.begin(),
                        std::logical_or<>());
-        const bool isNew = found.inside != high.inside;
-        high.inside = std::move(found.inside);
         high.deviations = std::move(found.deviations);
-        if (!isNew) {
+        if (high.inside == before) {
             break;
         }
     }
-    return isCurved;
+    return true;
 }
 
 Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {

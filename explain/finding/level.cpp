@@ -8,7 +8,7 @@
 namespace explain {
 namespace {
 
-constexpr size_t EVERY = 8;  // samples: between them the curve is straight
+constexpr int64_t STRAIGHT = 240;  // seconds: between samples so far apart the curve is a line
 
 // A point of the curve.
 struct Place {
@@ -55,16 +55,19 @@ double LevelAt(const Samples& samples, const std::vector<bool>& marked, size_t p
 
 std::vector<double> Levelled(const Samples& samples, const std::vector<bool>& marked, double median) {
     std::vector<double> levelled = DelaysOf(samples);
-    for (size_t from = 0; from < samples.size(); from += EVERY) {
-        const size_t to = std::min(from + EVERY, samples.size() - 1);
+    for (size_t from = 0; from < samples.size();) {
+        const size_t next =
+            PositionsIn(samples, {samples[from].time, samples[from].time + STRAIGHT - 1}).second;
+        const size_t to = std::min(next, samples.size() - 1);
         const double before = LevelAt(samples, marked, from, median);
         const double after = LevelAt(samples, marked, to, median);
-        for (size_t i = from; i < std::min(from + EVERY, samples.size()); ++i) {
+        for (size_t i = from; i < next; ++i) {
             const double way =
                 to > from ? static_cast<double>(i - from) / static_cast<double>(to - from) : 0.0;
             const double level = before + way * (after - before);
             levelled[i] *= level > 0.0 ? median / level : 1.0;
         }
+        from = next;
     }
     return levelled;
 }
