@@ -9,7 +9,7 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/analysis/evidence.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -162,6 +162,7 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED},
         {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE},
         {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE},
+        {"==H==66", 0, -1, " 40-40 x1 @40 81-82 x2 @81+", Silence::OUTSHONE},
         {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED},
         {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED},
         {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE},
@@ -188,6 +189,26 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         EXPECT_EQ(events, row.events) << row.letters;
         if (!look.events.empty()) {
             EXPECT_EQ(look.SilenceOn(look.events.back()), row.silence) << row.letters;
+        }
+    }
+}
+
+// A day's swing hides nothing, and is no event itself.
+TEST(Explain, FindsEventsAlongASlowCurve) {
+    for (const double swing : {0.0, 0.1, 0.3, 0.5}) {
+        for (const int64_t begin : {300, 1300, 2860}) {
+            std::mt19937 random(static_cast<unsigned>(begin));
+            Samples samples;
+            for (int64_t i = 0; i < 2880; ++i) {
+                const double wave = 1 + swing * std::sin(static_cast<double>(i) * 2 * M_PI / 2880);
+                const double noise = 1 + 0.03 * (static_cast<double>(random() % 2001) / 1000 - 1);
+                samples.push_back(
+                    {i * STEP, 1000 * wave * noise * (i >= begin && i < begin + 40 ? 1.6 : 1.0), 10});
+            }
+            const Finding finding = FindEvents(samples);
+            ASSERT_EQ(finding.events.size(), 1U) << swing << " " << begin;
+            EXPECT_EQ(finding.events.front().start, begin * STEP);
+            EXPECT_EQ(finding.isCurved, swing > 0.05);
         }
     }
 }
@@ -248,7 +269,7 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=|H.", "+device 20 225 9000 "},
         {"=|H", "+device 20 450 9000 "},
         {"=|66", "+unknown 20 5 220 "},
-        {"=|5l", "-usual none -20 -800 "},
+        {"=|6.", "-usual 20 2 110 "},
         {"=|nn", "-usual none -45 1800 "},
         {"=|zz", "-usual 20 450 0 "},
         {"=|SS", "+load 20 450 180000 "},

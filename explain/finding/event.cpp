@@ -1,10 +1,10 @@
-#include "explain/analysis/event.h"
+#include "explain/finding/event.h"
 
 #include <algorithm>
 #include <functional>
 #include <iterator>
 
-#include "explain/analysis/level.h"
+#include "explain/finding/level.h"
 
 namespace explain {
 namespace {
