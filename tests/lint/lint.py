@@ -36,10 +36,10 @@ ARROWS = {
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
     "simulator/graphs": set(),
-    "simulator/plan": {"simulator/graphs", "text"},
-    "simulator/files": {"simulator/plan", "simulator/graphs", "text"},
-    "simulator/live": {"simulator/files", "simulator/plan"},
-    "simulator": {"simulator/live", "simulator/files", "simulator/plan", "text"},
+    "simulator/plan": {"simulator/graphs", "cli", "text"},
+    "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
+    "simulator/live": {"simulator/files", "simulator/plan", "cli"},
+    "simulator": {"simulator/live", "simulator/files", "simulator/plan", "cli", "text"},
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
 ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
