@@ -105,9 +105,22 @@ std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& va
         means.push_back((values[left[i]] + values[left[i + 1]] + values[left[i + 2]] + values[left[i + 3]]) /
                         4);
     }
-    for (const size_t window : means.size() > 10 ? NaiveHigh(means) : Positions()) {
-        for (size_t i = window; i < window + 4; ++i) {
-            deviations[left[i]] > 1.0 ? void(inside.insert(left[i])) : void();
+    const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
+    for (const size_t i : left) {  // those between two that lie above the usual, over windows without a break
+        for (size_t k = 0; k < left.size(); ++k) {
+            for (size_t end = k; left[k] == i && deviations[i] > 1.0 && end < left.size(); ++end) {
+                bool holds = true;
+                for (size_t j = k; j <= end; ++j) {
+                    bool inWindow = false;
+                    for (size_t window = j < 3 ? 0 : j - 3; window <= j; ++window) {
+                        inWindow = inWindow || windows.count(window) > 0;
+                    }
+                    holds = holds && inWindow;
+                }
+                for (size_t j = left[k]; holds && deviations[left[end]] > 1.0 && j <= left[end]; ++j) {
+                    inside.insert(j);
+                }
+            }
         }
     }
     std::vector<std::pair<size_t, size_t>> events;
