@@ -96,8 +96,15 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
     }
 }
 
-// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high, all
-// from the first value that lies above what is usual to the last one. Single values of it may well be usual.
+bool HoldsMarked(const Marks& marks, const Run& run) {
+    const auto begin = marks.begin();
+    const auto end = begin + static_cast<std::ptrdiff_t>(run.last) + 1;
+    return std::find(begin + static_cast<std::ptrdiff_t>(run.first), end, true) != end;
+}
+
+// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high,
+// with those above WEAK that adjoin them, all from the first value that lies above what is usual to the last
+// one. Single values between may well be usual.
 void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
     std::vector<size_t> left;
     for (size_t i = 0; i < values.size(); ++i) {
@@ -120,8 +127,11 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
         return;
     }
-    const Marks highMeans = FindHigh(means, meansTelling).inside;
-    for (const Run& run : RunsAbove({highMeans.begin(), highMeans.end()}, 0.0, WINDOW - 1)) {
+    const High lasting = FindHigh(means, meansTelling);
+    for (const Run& run : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
+        if (!HoldsMarked(lasting.inside, run)) {
+            continue;
+        }
         const auto isAbove = [&](size_t position) { return high.deviations[position] > MILD; };
         const auto from = left.begin() + static_cast<std::ptrdiff_t>(run.first);
         const auto until = left.begin() + static_cast<std::ptrdiff_t>(run.last + WINDOW);

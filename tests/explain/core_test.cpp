@@ -106,20 +106,23 @@ std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& va
                         4);
     }
     const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
-    for (const size_t i : left) {  // those between two that lie above the usual, over windows without a break
-        for (size_t k = 0; k < left.size(); ++k) {
-            for (size_t end = k; left[k] == i && deviations[i] > 1.0 && end < left.size(); ++end) {
-                bool holds = true;
-                for (size_t j = k; j <= end; ++j) {
-                    bool inWindow = false;
-                    for (size_t window = j < 3 ? 0 : j - 3; window <= j; ++window) {
-                        inWindow = inWindow || windows.count(window) > 0;
-                    }
-                    holds = holds && inWindow;
-                }
-                for (size_t j = left[k]; holds && deviations[left[end]] > 1.0 && j <= left[end]; ++j) {
-                    inside.insert(j);
-                }
+    const std::vector<double> weak =
+        windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
+    for (const size_t window : windows) {  // with all weak ones that lead from window to adjoining window
+        for (const int way : {-1, 1}) {
+            size_t far = window;
+            for (size_t steps = 0, at = window; steps < 4 && at > 0 && at + 1 < weak.size(); ++steps) {
+                at = way < 0 ? at - 1 : at + 1;
+                far = weak[at] > 2.0 ? at : far;
+                steps = weak[at] > 2.0 ? SIZE_MAX : steps;
+            }
+            Positions above;
+            for (size_t i = std::min(window, far); i < std::max(window, far) + 4; ++i) {
+                deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
+            }
+            for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin());
+                 ++i) {
+                inside.insert(i);
             }
         }
     }
