@@ -128,6 +128,7 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
         return;
     }
     const High lasting = FindHigh(means, meansTelling);
+    Marks now = high.inside;
     for (const Run& run : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
         if (!HoldsMarked(lasting.inside, run)) {
             continue;
@@ -139,16 +140,19 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
         const auto last =
             std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
         if (first != until) {
-            std::fill(high.inside.begin() + static_cast<std::ptrdiff_t>(*first),
-                      high.inside.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
+            std::fill(now.begin() + static_cast<std::ptrdiff_t>(*first),
+                      now.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
         }
+    }
+    if (LeavesEnough(telling, now)) {
+        high.inside = std::move(now);
     }
 }
 
-// Looks once more with the slow curve taken out, where most of the spread comes from it. Returns whether it
-// does.
+// Looks once more with the slow curve taken out, where most of the spread of what is marked in no event comes
+// from it: a long event makes no curve. Returns whether there is one.
 bool AddAlongCurve(const Samples& samples, const Marks& telling, High& high) {
-    const double spread = high.usual.scale;
+    const double spread = UsualOf(DelaysOf(samples), telling, high.inside).scale;
     for (size_t round = 0; round < MOST_ROUNDS; ++round) {
         High found = FindHigh(Levelled(samples, high.inside, high.usual.median), telling);
         if (found.usual.scale > FLATTER * spread) {
@@ -209,10 +213,8 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     }
     const std::vector<double> delays = DelaysOf(samples);
     High high = FindHigh(delays, telling);
+    AddLasting(delays, telling, high);
     const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
-    if (!isCurved) {
-        AddLasting(delays, telling, high);
-    }
     Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
     for (const Run& run : RunsAbove(inside, 0.0)) {
