@@ -12,11 +12,13 @@
 #include "agent/agent_storage.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
+#include "host/services/startup.h"
 
 namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
-constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
+constexpr int DEEPEST_NESTING = 32;                      // what the plug-in reads
+constexpr const char* CONFIGURATION_ROW = "JsonObject";  // of the plug-in's start-up
 
 // What changes when the file does.
 using Stamp = std::tuple<bool, dev_t, ino_t, off_t, time_t, long>;
@@ -87,6 +89,16 @@ const RouteFile& CurrentRouteFile() {
         stamp = now;
     }
     return file;
+}
+
+std::string ConfigurationProblem() {
+    const RouteFile& file = CurrentRouteFile();
+    for (const StartupResult& row : StartupResults()) {
+        if (row.name == CONFIGURATION_ROW && row.result != 0) {
+            return "refused at the start" + (file.problem.empty() ? "" : ", " + file.problem);
+        }
+    }
+    return file.problem.empty() && file.graphs.empty() ? "it has no graphs" : "";
 }
 
 std::vector<std::string> PointNames(const RouteFile& file) {

@@ -1,0 +1,145 @@
+#include "host/console/answer_basis.h"
+
+#include <charconv>
+#include <utility>
+
+#include "host/console/route_file.h"
+#include "host/console/statistics_file.h"
+#include "host/services/failed_queries.h"
+
+namespace zorv {
+namespace {
+// How the plug-in's statements look.
+constexpr std::string_view ROWS = "select curtime";
+constexpr std::string_view ALL_COLUMNS = "select curtime, acceptnum";
+constexpr std::string_view BEGIN = "curtime >= ";
+constexpr std::string_view END = "curtime <= ";
+constexpr std::string_view HEAL_TABLE = " from fault_heal_event ";
+
+constexpr int64_t AROUND = 3600;  // a single row's neighbours tell the step
+
+bool BeginsWith(std::string_view text, std::string_view start) {
+    return text.substr(0, start.size()) == start;
+}
+
+// The number behind the last `word`: names stand before it.
+std::optional<int64_t> NumberBehind(std::string_view sql, std::string_view word) {
+    const size_t found = sql.rfind(word);
+    int64_t number = 0;
+    if (found == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const char* const start = sql.data() + found + word.size();
+    const auto result = std::from_chars(start, sql.data() + sql.size(), number);
+    return result.ec == std::errc() ? std::optional<int64_t>(number) : std::nullopt;
+}
+
+void Append(std::string& all, const std::string& one) {
+    all += (all.empty() || one.empty() ? "" : "; ") + one;
+}
+
+std::string WithoutConfiguration() {
+    const std::string problem = ConfigurationProblem();
+    return problem.empty() ? "" : "on no configuration: " + problem;
+}
+
+std::string FailedStatementsProblem() {
+    const FailedQueries failed = TakeFailedQueries();
+    if (failed.count == 0) {
+        return {};
+    }
+    return "on failed statements: " + std::to_string(failed.count) + " given up" +
+           (failed.reason.empty() ? "" : ", " + failed.reason);
+}
+}  // namespace
+
+AnswerBasis::AnswerBasis(std::string ofPoint, bool restsOnGraphs)
+    : point(std::move(ofPoint)), usesGraphs(restsOnGraphs) {
+    TakeFailedQueries();
+    ListenToStatements(this);
+}
+
+AnswerBasis::~AnswerBasis() {
+    ListenToStatements(nullptr);
+}
+
+void AnswerBasis::OnStatement(std::string_view sql) {
+    ++statements;
+    kind = Kind::OTHER;
+    if (BeginsWith(sql, ROWS)) {
+        AskForRows(sql);
+    } else if (sql.find(HEAL_TABLE) != std::string_view::npos) {
+        kind = Kind::HEAL_EVENTS;
+    }
+}
+
+void AnswerBasis::AskForRows(std::string_view sql) {
+    hasAsked = true;
+    askedForGraph |= BeginsWith(sql, ALL_COLUMNS);
+    if (!point.empty() && sql.find("= '" + point + "')") == std::string_view::npos) {
+        return;
+    }
+    const std::optional<int64_t> start = NumberBehind(sql, BEGIN);
+    const std::optional<int64_t> end = NumberBehind(sql, END);
+    if (!range && start && end && *start <= *end) {
+        range = {*start, *end};
+        count.emplace(*range);
+    }
+    if (count) {
+        count->EndSeries();
+        kind = Kind::ROWS;
+    }
+}
+
+void AnswerBasis::OnRow(int64_t first) {
+    if (kind == Kind::ROWS) {
+        count->Add(first);
+    } else if (kind == Kind::HEAL_EVENTS) {
+        wasHealed = true;
+    }
+}
+
+std::string AnswerBasis::Problem(bool hasFailed) {
+    ListenToStatements(nullptr);
+    if (count) {
+        count->EndSeries();
+    }
+    std::string problems = FailedStatementsProblem();
+    if (!hasFailed && !wasHealed) {
+        Append(problems, usesGraphs && !askedForGraph ? WithoutConfiguration() : "");
+        Append(problems, RowsProblem());
+    }
+    return problems.empty() ? "" : "the answer rests " + problems;
+}
+
+std::string AnswerBasis::RowsProblem() const {
+    if (!HasRows()) {
+        return "on no rows" + (point.empty() ? "" : " of " + point) + ": " + WhyNoRows();
+    }
+    Coverage coverage = count->Get();
+    if (coverage.step == 0) {
+        const TimeRange around = {range->start - AROUND, range->end + AROUND};
+        coverage = count->Get(StatisticsFile().CoverageOf(around).step);
+    }
+    return coverage.isPart ? "on a part of the range: " + coverage.Text() : "";
+}
+
+std::string AnswerBasis::WhyNoRows() const {
+    if (statements == 0) {
+        return "no database is open; 'status' tells of both";
+    }
+    if (!point.empty() && hasAsked && !range) {
+        return "this command never asks for them";
+    }
+    StatisticsFile file;
+    const std::optional<TimeRange> rows = file.Rows();
+    if (!file.Problem().empty()) {
+        return "the statistics cannot be read: " + file.Problem();
+    }
+    return rows ? "the statistics have " + TextOf(*rows) : "the statistics have none";
+}
+
+bool AnswerBasis::HasRows() const {
+    return count && count->Get().rows.has_value();
+}
+}  // namespace zorv
