@@ -5,7 +5,7 @@
 
 #include "host/console/route_file.h"
 #include "host/console/statistics_file.h"
-#include "host/services/failed_queries.h"
+#include "host/services/told_failures.h"
 
 namespace zorv {
 namespace {
@@ -16,7 +16,12 @@ constexpr std::string_view BEGIN = "curtime >= ";
 constexpr std::string_view END = "curtime <= ";
 constexpr std::string_view HEAL_TABLE = " from fault_heal_event ";
 
-constexpr int64_t AROUND = 3600;  // a single row's neighbours tell the step
+// And its answers: an error line that does not refuse what was typed, and one that needs no graph.
+constexpr std::string_view INNER_ERROR = "inner err";
+constexpr std::string_view NOTHING_FLAGGED = "There's no detect result";
+
+constexpr int64_t AROUND = 3600;                // a single row's neighbours tell the step
+constexpr int64_t FARTHEST = int64_t{1} << 40;  // a time that can be reckoned with
 
 bool BeginsWith(std::string_view text, std::string_view start) {
     return text.substr(0, start.size()) == start;
@@ -31,7 +36,8 @@ std::optional<int64_t> NumberBehind(std::string_view sql, std::string_view word)
     }
     const char* const start = sql.data() + found + word.size();
     const auto result = std::from_chars(start, sql.data() + sql.size(), number);
-    return result.ec == std::errc() ? std::optional<int64_t>(number) : std::nullopt;
+    const bool isTime = result.ec == std::errc() && number > -FARTHEST && number < FARTHEST;
+    return isTime ? std::optional<int64_t>(number) : std::nullopt;
 }
 
 void Append(std::string& all, const std::string& one) {
@@ -95,21 +101,31 @@ void AnswerBasis::OnRow(int64_t first) {
     if (kind == Kind::ROWS) {
         count->Add(first);
     } else if (kind == Kind::HEAL_EVENTS) {
-        wasHealed = true;
+        wasHealed |= first != 0;  // while SQLite reads a schema for itself, it brings rows as well
     }
 }
 
-std::string AnswerBasis::Problem(bool hasFailed) {
+std::string AnswerBasis::Problem(const Printed& printed) {
     ListenToStatements(nullptr);
     if (count) {
         count->EndSeries();
     }
     std::string problems = FailedStatementsProblem();
-    if (!hasFailed && !wasHealed) {
-        Append(problems, usesGraphs && !askedForGraph ? WithoutConfiguration() : "");
-        Append(problems, RowsProblem());
+    const bool isRefused = printed.hasErrorLine && printed.last.find(INNER_ERROR) == std::string::npos;
+    if (!isRefused && !wasHealed) {
+        const std::string configuration = MayLackGraphs(printed.last) ? WithoutConfiguration() : "";
+        Append(problems, configuration);
+        // A command that failed has not read all that it would have.
+        const bool isKnown = !printed.hasErrorLine || (configuration.empty() && statements > 0 && !HasRows());
+        Append(problems, isKnown ? RowsProblem() : "");
     }
     return problems.empty() ? "" : "the answer rests " + problems;
+}
+
+// As far as is seen without reading the file, which takes longer than most commands.
+bool AnswerBasis::MayLackGraphs(const std::string& printed) const {
+    return usesGraphs &&
+           (IsConfigurationRefused() || (!askedForGraph && !BeginsWith(printed, NOTHING_FLAGGED)));
 }
 
 std::string AnswerBasis::RowsProblem() const {

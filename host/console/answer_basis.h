@@ -9,6 +9,7 @@
 
 #include "host/console/coverage.h"
 #include "host/process/statements.h"
+#include "host/services/console.h"
 
 namespace zorv {
 // Listens to the statements of the thread that makes it, from then on until it is gone: those that read rows
@@ -25,10 +26,9 @@ public:
     void OnStatement(std::string_view sql) override;
     void OnRow(int64_t first) override;
 
-    // Why the answer is less than it looks like, in one line; empty: it is not. Where there was no answer
-    // (`hasFailed`) only statements that failed are told. Blocks for a look at the database when there were
-    // no rows.
-    std::string Problem(bool hasFailed);
+    // Why the answer, of which this was printed, is less than it looks like, or why there is none, in one
+    // line; empty: nothing is known. Blocks for a look at the database where there were hardly any rows.
+    std::string Problem(const Printed& printed);
 
     bool HasRows() const;
 
@@ -36,6 +36,7 @@ private:
     enum class Kind { OTHER, ROWS, HEAL_EVENTS };
 
     void AskForRows(std::string_view sql);
+    bool MayLackGraphs(const std::string& printed) const;
     std::string RowsProblem() const;
     std::string WhyNoRows() const;
 

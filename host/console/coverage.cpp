@@ -9,7 +9,7 @@ namespace zorv {
 namespace {
 constexpr int64_t STEPS_AT_AN_END = 2;
 constexpr size_t A_FIFTH = 5;
-constexpr int64_t MOST_SECONDS = int64_t{1} << 23;  // 97 days: commands take two
+constexpr int64_t MOST_UNITS = int64_t{1} << 23;  // seconds of 97 days: commands take two
 
 std::string Local(int64_t time) {
     return LocalTime(time, ZoneOffsetAt(time));
@@ -46,8 +46,9 @@ std::string Coverage::Text() const {
 }
 
 CoverageCount::CoverageCount(const TimeRange& ofRange)
-    : range{ofRange.start, std::min(ofRange.end, ofRange.start + MOST_SECONDS)},
-      seconds(static_cast<size_t>(std::max<int64_t>(0, range.end - range.start) + 1)) {}
+    : range(ofRange),
+      unit(1 + (range.end - range.start) / MOST_UNITS),
+      filled(static_cast<size_t>((range.end - range.start) / unit) + 1) {}
 
 void CoverageCount::Add(int64_t time) {
     if (time >= range.start && time <= range.end) {
@@ -62,7 +63,7 @@ void CoverageCount::EndSeries() {
     size_t* count = nullptr;
     int64_t counted = 0;
     for (size_t i = 0; i < series.size(); ++i) {
-        seconds[static_cast<size_t>(series[i])] = true;
+        filled[static_cast<size_t>(series[i] / unit)] = true;
         const int64_t distance = i == 0 ? 0 : series[i] - series[i - 1];
         if (distance != 0) {
             count = distance == counted ? count : &distances[distance];
@@ -70,40 +71,44 @@ void CoverageCount::EndSeries() {
             ++*count;
         }
     }
+    if (!series.empty()) {
+        oldest = std::min(oldest.value_or(series.front()), series.front());
+        newest = std::max(newest.value_or(series.back()), series.back());
+    }
     series.clear();
 }
 
 // Rows of one interval may be seconds apart.
-size_t CoverageCount::IntervalsWithRows(int64_t oldest, int64_t newest, int64_t step) const {
-    std::vector<bool> filled(static_cast<size_t>((newest - oldest) / step) + 2);
-    for (int64_t second = oldest; second <= newest; ++second) {
-        if (seconds[static_cast<size_t>(second)]) {
-            filled[static_cast<size_t>((second - oldest + step / 2) / step)] = true;
+size_t CoverageCount::IntervalsWithRows(int64_t step) const {
+    std::vector<bool> intervals(static_cast<size_t>((*newest - *oldest) / step) + 2);
+    const auto end = static_cast<size_t>(*newest / unit);
+    for (auto i = static_cast<size_t>(*oldest / unit); i <= end; ++i) {
+        if (filled[i]) {
+            const int64_t second = std::max(static_cast<int64_t>(i) * unit, *oldest);
+            intervals[static_cast<size_t>((second - *oldest + step / 2) / step)] = true;
         }
     }
-    return static_cast<size_t>(std::count(filled.begin(), filled.end(), true));
+    return static_cast<size_t>(std::count(intervals.begin(), intervals.end(), true));
 }
 
 Coverage CoverageCount::Get(int64_t knownStep) const {
     Coverage coverage;
-    const auto first = std::find(seconds.begin(), seconds.end(), true);
-    if (first == seconds.end()) {
+    if (!oldest) {
         return coverage;
     }
-    const int64_t oldest = first - seconds.begin();
-    const int64_t newest = seconds.rend() - std::find(seconds.rbegin(), seconds.rend(), true) - 1;
-    coverage.rows = {range.start + oldest, range.start + newest};
-    coverage.step = distances.empty() ? knownStep : MedianOf(distances);
+    coverage.rows = {range.start + *oldest, range.start + *newest};
+    coverage.step = distances.empty() ? knownStep : std::max(unit, MedianOf(distances));
     if (coverage.step == 0) {
         coverage.intervals = 1;
         return coverage;
     }
-    const size_t intervals = IntervalsWithRows(oldest, newest, coverage.step);
-    const auto between = static_cast<size_t>((newest - oldest) / coverage.step) + 1;
+    const int64_t length = range.end - range.start;
+    const size_t intervals = IntervalsWithRows(coverage.step);
+    const auto between = static_cast<size_t>((*newest - *oldest) / coverage.step) + 1;
     const int64_t atAnEnd = STEPS_AT_AN_END * coverage.step;
-    coverage.expected = std::max<size_t>(1, static_cast<size_t>((range.end - range.start) / coverage.step));
+    coverage.expected = std::max<size_t>(1, static_cast<size_t>(length / coverage.step));
     coverage.intervals = std::min(intervals, coverage.expected);  // both ends of a range may have a row
-    coverage.isPart = oldest > atAnEnd || range.end - range.start - newest > atAnEnd ||
+    coverage.isPart = *oldest > atAnEnd || length - *newest > atAnEnd ||
                       (between > intervals && (between - intervals) * A_FIFTH >= between);
     return coverage;
 }

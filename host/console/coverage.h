@@ -45,11 +45,13 @@ public:
     Coverage Get(int64_t knownStep = 0) const;
 
 private:
-    size_t IntervalsWithRows(int64_t oldest, int64_t newest, int64_t step) const;
+    size_t IntervalsWithRows(int64_t step) const;
 
-    const TimeRange range;
-    std::vector<int64_t> series;
-    std::vector<bool> seconds;            // of the range, those with rows
+    const TimeRange range;        // of which all that follows counts the seconds
+    const int64_t unit;           // more than one second where the range is longer than any command's
+    std::vector<int64_t> series;  // that is read
+    std::optional<int64_t> oldest, newest;
+    std::vector<bool> filled;             // units with rows
     std::map<int64_t, size_t> distances;  // in seconds from row to row, and how many
 };
 }  // namespace zorv

@@ -64,7 +64,7 @@ ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const 
     if (printed.last.empty()) {
         throw std::runtime_error("the command gave no answer; the log tells why");
     }
-    const std::string problem = known.basis == Basis::UNTOLD ? "" : basis.Problem(printed.hasErrorLine);
+    const std::string problem = known.basis == Basis::UNTOLD ? "" : basis.Problem(printed);
     if (!problem.empty()) {
         throw std::runtime_error(problem);
     }

@@ -12,13 +12,12 @@
 #include "agent/agent_storage.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
-#include "host/services/startup.h"
+#include "host/services/told_failures.h"
 
 namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
-constexpr int DEEPEST_NESTING = 32;                      // what the plug-in reads
-constexpr const char* CONFIGURATION_ROW = "JsonObject";  // of the plug-in's start-up
+constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
 
 // What changes when the file does.
 using Stamp = std::tuple<bool, dev_t, ino_t, off_t, time_t, long>;
@@ -93,10 +92,8 @@ const RouteFile& CurrentRouteFile() {
 
 std::string ConfigurationProblem() {
     const RouteFile& file = CurrentRouteFile();
-    for (const StartupResult& row : StartupResults()) {
-        if (row.name == CONFIGURATION_ROW && row.result != 0) {
-            return "refused at the start" + (file.problem.empty() ? "" : ", " + file.problem);
-        }
+    if (IsConfigurationRefused()) {
+        return "it was refused at the start" + (file.problem.empty() ? "" : ": " + file.problem);
     }
     return file.problem.empty() && file.graphs.empty() ? "it has no graphs" : "";
 }
