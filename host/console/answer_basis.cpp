@@ -137,7 +137,8 @@ std::string AnswerBasis::RowsProblem() const {
         const TimeRange around = {range->start - AROUND, range->end + AROUND};
         coverage = count->Get(StatisticsFile().CoverageOf(around).step);
     }
-    return coverage.isPart ? "on a part of the range: " + coverage.Text() : "";
+    return coverage.isPart ? "on a part of the range: " + TextOf(*coverage.rows) + ", " + coverage.Intervals()
+                           : "";
 }
 
 std::string AnswerBasis::WhyNoRows() const {

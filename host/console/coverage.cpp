@@ -35,14 +35,9 @@ std::string TextOf(const TimeRange& rows) {
     return "rows from " + Local(rows.start) + " to " + Local(rows.end);
 }
 
-std::string Coverage::Text() const {
-    if (!rows) {
-        return "no rows";
-    }
-    const std::string counted = expected == 0
-                                    ? Counted(intervals, "interval")
-                                    : std::to_string(intervals) + " of " + Counted(expected, "interval");
-    return TextOf(*rows) + ", " + counted;
+std::string Coverage::Intervals() const {
+    return expected == 0 ? Counted(intervals, "interval")
+                         : std::to_string(intervals) + " of " + Counted(expected, "interval");
 }
 
 CoverageCount::CoverageCount(const TimeRange& ofRange)

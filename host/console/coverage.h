@@ -25,8 +25,8 @@ struct Coverage {
     // More than two steps are missing at either end, or a fifth of the intervals between.
     bool isPart = false;
 
-    // TextOf(rows) + ", 240 of 480 intervals".
-    std::string Text() const;
+    // "240 of 480 intervals".
+    std::string Intervals() const;
 };
 
 // Takes the rows of one series after the other, a point in a table each, in any order.

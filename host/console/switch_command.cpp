@@ -1,5 +1,6 @@
 #include <array>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 
 #include "agent/agent_console.h"
@@ -7,6 +8,7 @@
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
 #include "host/console/commands.h"
+#include "host/process/settings.h"
 #include "host/services/log.h"
 #include "text/printable.h"
 
@@ -59,10 +61,22 @@ int32_t AskMaster(uint32_t opcode, int32_t payload) {
     return *number;
 }
 
+// What the answer -1 means: the file is not there, is damaged, or holds just that. Only the node that keeps
+// the switch can tell.
+std::string WhyDefault() {
+    std::error_code ignored;
+    if (ZORV_GetMasterNid() != ZORV_GetLocalNid()) {
+        return "no value of the switch is stored";
+    }
+    return std::filesystem::exists(RootedPath(FAULT_DIAG_SWITCH_FILE), ignored)
+               ? "what is stored is no value of the switch"
+               : "no value is stored";
+}
+
 // The value and what it means to a node that reads it.
 std::string Described(int32_t number) {
     if (number == FAULT_DIAG_SWITCH_UNREADABLE) {
-        return "2 (on-silent, the default: no value is stored)";
+        return "2 (on-silent, the default: " + WhyDefault() + ")";
     }
     for (const SwitchValue& value : VALUES) {
         if (value.number == number) {
