@@ -93,7 +93,7 @@ Words SharedOptions(const Options& options, const std::optional<Capture>& captur
 }
 
 ExitStatus RunCommands(const Options& options, const std::optional<Capture>& capture) {
-    Console console(SharedOptions(options, capture));
+    Console console(SharedOptions(options, capture), options.hints || isatty(STDOUT_FILENO) == 1);
     if (!options.command.empty()) {
         return console.Run(options.command, "");
     }

@@ -5,6 +5,7 @@
 
 #include "host/console/answer_basis.h"
 #include "host/console/help_words.h"
+#include "host/console/hint.h"
 #include "host/console/route_file.h"
 #include "host/services/console.h"
 
@@ -55,8 +56,14 @@ void RunHandler(const RegisteredCommand& command, const Words& words) {
     command.row->handler(static_cast<int32_t>(texts.size()), argv.data());
 }
 
+// Whether delaydetect has flagged nothing: its header is the last that was printed.
+bool IsHeader(const std::string& last) {
+    return last.rfind("lumoLocName", 0) == 0;
+}
+
 // A command that is given a range answers something, and says nothing of what that rests on.
-ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const Words& words) {
+ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const Words& words,
+                    const ConsoleState& state) {
     const bool hasPoint = known.basis == Basis::ROWS_OF_POINT && words.size() > 1;
     AnswerBasis basis(hasPoint ? words[1] : "", known.basis == Basis::GRAPHS);
     RunHandler(command, words);
@@ -65,16 +72,19 @@ ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const 
         throw std::runtime_error("the command gave no answer; the log tells why");
     }
     const std::string problem = known.basis == Basis::UNTOLD ? "" : basis.Problem(printed);
+    if (known.basis == Basis::ROWS && state.wantsHints && basis.HasRows() && IsHeader(printed.last)) {
+        HintAtEvent(words, state);
+    }
     if (!problem.empty()) {
         throw std::runtime_error(problem);
     }
     return STATUS_OK;
 }
 
-ExitStatus RunRegistered(const RegisteredCommand& command, const Words& words) {
+ExitStatus RunRegistered(const RegisteredCommand& command, const Words& words, const ConsoleState& state) {
     const auto known = KNOWN.find(command.row->name);
     if (known != KNOWN.end()) {
-        return RunKnown(command, known->second, words);
+        return RunKnown(command, known->second, words, state);
     }
     RunHandler(command, words);
     return STATUS_OK;
@@ -90,7 +100,9 @@ Command CommandOf(const RegisteredCommand& registered) {
             [help](const Words& before) { return WordsByHelp(help, before); },
             known == KNOWN.end() ? 0 : known->second.start,
             false,
-            [registered](const Words& words, ConsoleState&) { return RunRegistered(registered, words); }};
+            [registered](const Words& words, ConsoleState& state) {
+                return RunRegistered(registered, words, state);
+            }};
 }
 }  // namespace
 
