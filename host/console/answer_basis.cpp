@@ -115,8 +115,8 @@ std::string AnswerBasis::Problem(const Printed& printed) {
     if (!isRefused && !wasHealed) {
         const std::string configuration = MayLackGraphs(printed.last) ? WithoutConfiguration() : "";
         Append(problems, configuration);
-        // A command that failed has not read all that it would have.
-        const bool isKnown = !printed.hasErrorLine || (configuration.empty() && statements > 0 && !HasRows());
+        // A command that failed may have read less than there is.
+        const bool isKnown = !printed.hasErrorLine || (configuration.empty() && !StatisticsFile().Rows());
         Append(problems, isKnown ? RowsProblem() : "");
     }
     return problems.empty() ? "" : "the answer rests " + problems;

@@ -101,7 +101,7 @@ std::string Master() {
 }
 
 void Set(int32_t number) {
-    const int32_t before = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    const std::string before = Described(AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0));
     const int32_t result = AskMaster(ZORV_OP_SET_FAULTDIAG_SWITCH, number);
     if (result != 0) {
         throw std::runtime_error(Master() + " could not store the value, result " + std::to_string(result));
@@ -110,7 +110,7 @@ void Set(int32_t number) {
     if (after != number) {
         throw std::runtime_error(Master() + " stored the value, but now it has " + Described(after));
     }
-    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", Described(before).c_str(),
+    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", before.c_str(),
               Described(after).c_str(), Master().c_str());
 }
 }  // namespace

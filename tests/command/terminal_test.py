@@ -16,7 +16,7 @@ import unittest
 from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, POINTS, ConsoleTest, compact, delay_listing, eventually
 
 START = 1672885800
-RANGE = f"{compact(START)} {compact(START + 3600)}"
+RANGE = f"{compact(START)} {compact(START + 600)}"
 TABLE = "lumo_data_" + compact(START)
 ALARMS = "VRA/coffer_log/log/alarm/alarms.jsonl"
 SOUND = {TABLE: [(POINTS[0], START + 30 * i, 5000 if i == 7 else 100) for i in range(20)]}
@@ -285,7 +285,8 @@ class AboutTheHost(ConsoleTest):
             about[file] = f"{self.root}/{file}\n               {size}, changed {local}, 3 days ago\n"
         screen = ("node           7, master 7\nzone           +08:00, kept until this program ends\n"
                   "statistics     " + about[DATABASE] +
-                  f"earliest time  {compact(START)}\nheal events    " + about[HEAL_DATABASE] +
+                  f"earliest time  {compact(START)}\nrows           2023-01-05 10:30:00 to 2023-01-05 10:39:30, "
+                  f"the newest {int(time.time() - START - 570) // 86400} days ago\nlast hour      no rows\nheal events    " + about[HEAL_DATABASE] +
                   "configuration  " + about[CONFIG] +
                   "               2 graphs, nodes/edges of each:\n               A 0/0  B 2/1\n"
                   "switch         {}\nalarms         {} sent, {} suppressed, 0 lost since the start\n"

@@ -99,7 +99,7 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "  status: what this host works on: files, configuration, switch, alarms, start-up.\n"
          "  alarms [N]: the last N alarms, 20 if not told, the newest last.\n"
          "  switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch.\n"
-         "  explain START END | MINUTES: where the extra delay of slow points goes; --help tells more.\n"
+         "  explain [OPTIONS] START END | MINUTES: where the extra delay of slow points goes; --help tells more.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},
