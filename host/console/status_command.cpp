@@ -1,11 +1,10 @@
-#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <cinttypes>
 #include <cstring>
 #include <ctime>
-#include <memory>
+#include <optional>
 #include <sstream>
 
 #include "agent/agent_console.h"
@@ -14,6 +13,7 @@
 #include "host/console/columns.h"
 #include "host/console/commands.h"
 #include "host/console/route_file.h"
+#include "host/process/guarded_database.h"
 #include "host/process/settings.h"
 #include "host/services/alarm_counts.h"
 #include "host/services/startup.h"
@@ -72,34 +72,19 @@ void PrintFile(const char* name, const char* fixedPath) {
                      Age(std::time(nullptr) - changed));
 }
 
-struct Close {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
 // The time in the oldest table's name, behind its prefix, or why it is not known.
 std::string EarliestTime() {
     constexpr size_t PREFIX = 10;
-    sqlite3* opened = nullptr;
-    const std::string path = RootedPath(LUMO_DATABASE_FILE);
-    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    const std::unique_ptr<sqlite3, Close> connection(opened);
-    sqlite3_stmt* prepared = nullptr;
-    if (result == SQLITE_OK) {
-        sqlite3_prepare_v2(opened, "SELECT tablename FROM table_flag ORDER BY reporttime LIMIT 1", -1,
-                           &prepared, nullptr);
+    try {
+        const std::optional<std::string> table =
+            GuardedDatabase(RootedPath(LUMO_DATABASE_FILE)).First("tablename", "table_flag", "reporttime");
+        if (!table) {
+            return "unknown: there is no table";
+        }
+        return table->size() > PREFIX ? table->substr(PREFIX) : "unknown: a table's name is '" + *table + "'";
+    } catch (const DatabaseError& error) {
+        return std::string("unknown: ") + error.what();
     }
-    const std::unique_ptr<sqlite3_stmt, Close> statement(prepared);
-    const int step = prepared == nullptr ? SQLITE_ERROR : sqlite3_step(prepared);
-    if (step == SQLITE_DONE) {
-        return "unknown: there is no table";
-    }
-    if (step != SQLITE_ROW) {
-        return std::string("unknown: ") + sqlite3_errmsg(opened);
-    }
-    const auto* const name = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
-    const std::string table = name == nullptr ? "" : name;
-    return table.size() > PREFIX ? table.substr(PREFIX) : "unknown: a table's name is '" + table + "'";
 }
 
 void PrintConfiguration() {
