@@ -20,6 +20,7 @@ constexpr std::string_view HEAL_TABLE = " from fault_heal_event ";
 constexpr std::string_view INNER_ERROR = "inner err";
 constexpr std::string_view NOTHING_FLAGGED = "There's no detect result";
 
+constexpr const char* NO_STATISTICS = "the statistics have none";
 constexpr int64_t AROUND = 3600;                // a single row's neighbours tell the step
 constexpr int64_t FARTHEST = int64_t{1} << 40;  // a time that can be reckoned with
 
@@ -42,6 +43,24 @@ std::optional<int64_t> NumberBehind(std::string_view sql, std::string_view word)
 
 void Append(std::string& all, const std::string& one) {
     all += (all.empty() || one.empty() ? "" : "; ") + one;
+}
+
+std::string AboutStatistics() {
+    try {
+        const std::optional<TimeRange> rows = StatisticsFile().Rows();
+        return rows ? "the statistics have " + TextOf(*rows) : NO_STATISTICS;
+    } catch (const DatabaseError& error) {
+        return std::string("the statistics cannot be read: ") + error.what();
+    }
+}
+
+// The usual step of the rows in and around a range; 0: not known.
+int64_t StepAround(const TimeRange& range) {
+    try {
+        return StatisticsFile().CoverageOf({range.start - AROUND, range.end + AROUND}).step;
+    } catch (const DatabaseError&) {
+        return 0;
+    }
 }
 
 std::string WithoutConfiguration() {
@@ -116,7 +135,8 @@ std::string AnswerBasis::Problem(const Printed& printed) {
         const std::string configuration = MayLackGraphs(printed.last) ? WithoutConfiguration() : "";
         Append(problems, configuration);
         // A command that failed may have read less than there is.
-        const bool isKnown = !printed.hasErrorLine || (configuration.empty() && !StatisticsFile().Rows());
+        const bool isKnown =
+            !printed.hasErrorLine || (configuration.empty() && AboutStatistics() == NO_STATISTICS);
         Append(problems, isKnown ? RowsProblem() : "");
     }
     return problems.empty() ? "" : "the answer rests " + problems;
@@ -134,8 +154,7 @@ std::string AnswerBasis::RowsProblem() const {
     }
     Coverage coverage = count->Get();
     if (coverage.step == 0) {
-        const TimeRange around = {range->start - AROUND, range->end + AROUND};
-        coverage = count->Get(StatisticsFile().CoverageOf(around).step);
+        coverage = count->Get(StepAround(*range));
     }
     return coverage.isPart ? "on a part of the range: " + TextOf(*coverage.rows) + ", " + coverage.Intervals()
                            : "";
@@ -145,15 +164,8 @@ std::string AnswerBasis::WhyNoRows() const {
     if (statements == 0) {
         return "no database is open; 'status' tells of both";
     }
-    if (!point.empty() && hasAsked && !range) {
-        return "this command never asks for them";
-    }
-    StatisticsFile file;
-    const std::optional<TimeRange> rows = file.Rows();
-    if (!file.Problem().empty()) {
-        return "the statistics cannot be read: " + file.Problem();
-    }
-    return rows ? "the statistics have " + TextOf(*rows) : "the statistics have none";
+    const bool isNeverAsked = !point.empty() && hasAsked && !range;
+    return isNeverAsked ? "this command never asks for them" : AboutStatistics();
 }
 
 bool AnswerBasis::HasRows() const {

@@ -1,25 +1,19 @@
 // What the statistics database holds, for an operator who has to know what answers rest on.
 #pragma once
 
-#include <sqlite3.h>
-
-#include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/console/coverage.h"
+#include "host/process/guarded_database.h"
 
 namespace zorv {
-// A connection of its own to the database under the root, for one look. Each call blocks for statements that
-// are tried once; what they could not read is left out, and Problem() tells why.
+// A connection of its own to the database under the root, for one look. All functions block on the file, try
+// once, and throw DatabaseError.
 class StatisticsFile {
 public:
     StatisticsFile();
-
-    // SQLite's reason for the first thing that failed; empty: nothing has.
-    const std::string& Problem() const { return problem; }
 
     // The data tables' names as the catalogue has them, the oldest first.
     const std::vector<std::string>& Tables() const { return tables; }
@@ -31,18 +25,13 @@ public:
     Coverage CoverageOf(const TimeRange& range);
 
 private:
-    struct Close {
-        void operator()(sqlite3* connection) const;
-    };
-
-    // Hands every row of a statement to the function.
-    void Query(const std::string& sql, const std::function<void(sqlite3_stmt*)>& take);
+    // The rows of a table in the range. Returns how many there are.
+    size_t Add(const std::string& table, const TimeRange& range, CoverageCount& count);
 
     // The first or, with "desc", the last time in a table.
     std::optional<int64_t> EndOf(const std::string& table, const char* order);
 
-    std::unique_ptr<sqlite3, Close> connection;
-    std::string problem;
+    GuardedDatabase database;
     std::vector<std::string> tables;
 };
 }  // namespace zorv

@@ -85,7 +85,7 @@ bool PrintFile(const char* name, const char* fixedPath) {
 std::string EarliestTime(const StatisticsFile& file) {
     constexpr size_t PREFIX = 10;
     if (file.Tables().empty()) {
-        return "unknown: " + (file.Problem().empty() ? "there is no table" : file.Problem());
+        return "unknown: there is no table";
     }
     const std::string& table = file.Tables().front();
     return table.size() > PREFIX ? table.substr(PREFIX) : "unknown: a table's name is '" + table + "'";
@@ -95,7 +95,7 @@ std::string EarliestTime(const StatisticsFile& file) {
 bool PrintRows(StatisticsFile& file, int64_t now) {
     const std::optional<TimeRange> rows = file.Rows();
     if (!rows) {
-        PrintRow("rows", file.Problem().empty() ? "none" : "unknown: " + Printable(file.Problem()));
+        PrintRow("rows", "none");
         return false;
     }
     PrintRow("rows", LocalTime(rows->start, ZoneOffsetAt(rows->start)) + " to " +
@@ -110,9 +110,16 @@ bool PrintRows(StatisticsFile& file, int64_t now) {
 
 bool PrintStatistics() {
     PrintFile("statistics", LUMO_DATABASE_FILE);
-    StatisticsFile file;
-    PrintRow("earliest time", Printable(EarliestTime(file)));
-    return !file.Tables().empty() && PrintRows(file, std::time(nullptr));
+    const char* row = "earliest time";
+    try {
+        StatisticsFile file;
+        PrintRow(row, Printable(EarliestTime(file)));
+        row = "rows";
+        return PrintRows(file, std::time(nullptr));
+    } catch (const DatabaseError& error) {
+        PrintRow(row, "unknown: " + Printable(error.what()));
+        return false;
+    }
 }
 
 // Returns whether the plug-in has graphs.

@@ -110,8 +110,8 @@ void Set(int32_t number) {
     if (after != number) {
         throw std::runtime_error(Master() + " stored the value, but now it has " + Described(after));
     }
-    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", before.c_str(),
-              Described(after).c_str(), Master().c_str());
+    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", before.c_str(), Described(after).c_str(),
+              Master().c_str());
 }
 }  // namespace
 

@@ -20,6 +20,7 @@ COPY, NEXT = ": working on a copy of ", ". Copy it from the node again."
 CHANGE = "begin; update lumo_data_20230105120000 set avgdelay = 77777 where curtime <= 1672893300;"
 HOT, WAL = "pragma cache_size = 1;" + CHANGE, "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
 STALE = WAL + "drop table if exists more; create table more as select * from lumo_data_20230105120000; pragma wal_checkpoint(restart);"  # old frames stay
+ENDLESS = "view table_flag as with recursive c(x) as (select 1 union all select x from c) select count(*) as tablename from c"
 TWICE = STALE + 2 * "insert into more select * from more limit 999;"
 
 
@@ -87,6 +88,9 @@ class Capture(ConsoleTest):
                 opened.seek(place)
                 opened.write(b"x" * count)
 
+        def catalogue(created):
+            sqlite3.connect(database).executescript("drop table table_flag; create " + created)
+
         cases = [  # damage, exit status, what is said, options, how the node was left
             (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
             (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
@@ -94,6 +98,8 @@ class Capture(ConsoleTest):
             (lambda: os.truncate(database, 4096), 3, f"is cut short: it has 4096 of {size} bytes, and rows would be missing" + NEXT),
             (lambda: database.write_text("PK"), 3, f"{database} is no SQLite database, it begins with something else" + NEXT),
             (lambda: shutil.copy(heal, database), 3, f"{database} cannot be used: no such table: table_flag" + NEXT),
+            (lambda: catalogue(ENDLESS), 3, f"{database} cannot be used: table_flag is no ordinary table" + NEXT),
+            (lambda: catalogue("table table_flag(a, b as (a))"), 3, f"{database} cannot be used: table_flag has computed columns" + NEXT),
             (lambda: (database.unlink(), database.mkdir()), 3, f"{database} is not a file" + NEXT),
             (lambda: (database.unlink(), database.symlink_to(database)), 3, "cannot be read: Too many levels of symbolic links" + NEXT),
             (heal.unlink, 3, f"{heal} is missing:{healing} Copy it from the node, or go on without healing events by --empty-heal."),
