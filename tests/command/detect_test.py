@@ -12,6 +12,7 @@ RANGE = f"{compact(START)} {compact(START + 600)}"
 TABLE = "lumo_data_" + compact(START)
 SERIES = [(POINTS[0], START + 30 * number, 5000 if number == 7 else 100) for number in range(20)]
 FOUND = delay_listing([(POINTS[0], START + 210, 5000)])
+SWITCH = "VRA/coffer_log/log/heal/data/faultDiagSwitch.ini"
 SHOW = "\nSmartDiagnose DetectData Show\n"
 
 
@@ -76,6 +77,8 @@ class Detect(ConsoleTest):
             self.run_lines(f"switch set {value}\n")
             err = self.expect(4 * simulate, 0, 4 * (SIMU_HEADER + SPIKES))
             self.assertEqual(err.count(ALARM), alarms, err)
+        (self.root / SWITCH).write_text("[heal]\nvalue=2147483648\n")
+        self.expect("switch get\n", 0, "2 (on-silent, the default: what is stored is no value of the switch), from node 1\n")
         self.run_lines("switch set off\n")
         self.expect(simulate, 1, error("fault diagnose switch is off"))
 

@@ -7,7 +7,7 @@ import unittest
 from contextlib import closing
 from statistics import correlation
 
-from console import CONFIG, DATABASE, ConsoleTest, compact
+from console import CONFIG, DATABASE, DELAY_HEADER, ConsoleTest, compact
 
 EQUALS = 67 * "=" + "\n"
 HEALED = ("\n                   IoAbnormal Analysis\n" + EQUALS
@@ -127,6 +127,9 @@ class Scenarios(ConsoleTest):
                 status, text, found = self.explain(truth["start"], truth["end"])
                 self.check_explanation(truth, status, text, found["analyses"])
                 self.check_analysis(truth, [one["graph"] for one in found["analyses"]], covered)
+                _, screen, err = self.run_lines(f"delaydetect {truth['start']} {truth['end']}\n", "--hints")
+                is_unflagged = screen == DELAY_HEADER and any(look["samples_in_events"] for look in found["looks"])
+                self.assertEqual("an event that the detector cannot flag: see explain\n" in err, is_unflagged, err)
                 if (truth["fault"] or {}).get("error_type"):
                     self.check_errors(truth)
 

@@ -91,6 +91,7 @@ class OnTerminal(ConsoleTest):
                 ("errcodeshow IOE", "RROR "), ("errcodeshow IOERROR P", "OOL "), ("switch set on-", "silent "),
                 ("datashow O", "NE_"), ("showgraph mapg", "raph "), ("showgraph vecob T", "WO "),
                 ("explain 60 --gra", "ph "), ("explain --graph ", "A  B\r\n"), ("explain --point T", "WO "),
+                ("explain --point ho", "sts "), ("explain 60 --ba", "seline "), ("explain --baseline y", "esterday "),
                 # Nothing, which a terminal rings for: behind the last word that is known.
                 ("errcodeshow IOERROR POOL ", "\a"), ("showgraph vecob TWO ", "\a"), ("datashow TWO ", "\a"),
                 ("switch set on o", "\a"), ("switch get o", "\a"), ("help help s", "\a")):
@@ -145,9 +146,9 @@ class OnTerminal(ConsoleTest):
         held = open(file)
         self.addCleanup(held.close)
         fcntl.flock(held, fcntl.LOCK_EX)
-        for path in ("", "/dev/null", str(file / "below"), str(file)):
+        for path in ("", "/dev/null", str(file / "below"), str(file), str(self.root / DATABASE)):
             session = Terminal(self.root, XDG_STATE_HOME=str(self.root / "none"), ZORV_LOCAL_HISTFILE=path)
-            self.assertEqual("The history is not kept: " in session.screen, str(file) in path)
+            self.assertEqual("The history is not kept: " in session.screen, str(self.root) in path)
             session.type("help quit\r")
             session.leave()
         self.assertFalse((self.root / "none").exists())
@@ -297,9 +298,12 @@ class AboutTheHost(ConsoleTest):
         self.assertTrue(out.endswith(screen.format("1 (on), from master node 7", 3, 2)), out)
         self.assertEqual(self.run_lines("alarms\n")[1].count("0xF00C90150         faultDiagnose\n"), 3)
 
+        (self.root / CONFIG).write_text('{}\n{"A": {"nodes": [], "edges": []}}')
+        self.assertEqual(self.run_lines("status\n")[0], 1)
         for file in about:
             (self.root / file).unlink()
-        out = self.run_lines("status\n")[1]
+        status, out, _ = self.run_lines("status\n")
+        self.assertEqual((status, out.count("no causes can be found: it was refused at the start: No such file")), (1, 1))
         self.assertEqual(out.count("               No such file or directory\n"), 3)
         self.assertIn("earliest time  unknown: unable to open database file\n", out)
 
