@@ -94,7 +94,7 @@ Words SharedOptions(const Options& options, const std::optional<Capture>& captur
 }
 
 ExitStatus RunCommands(const Options& options, const std::optional<Capture>& capture) {
-    Console console(SharedOptions(options, capture));
+    Console console(SharedOptions(options, capture), options.hints || isatty(STDOUT_FILENO) == 1);
     if (!options.command.empty()) {
         return console.Run(options.command, "");
     }

@@ -18,9 +18,10 @@ COMMAND is run with its ARGS, which may begin with '-'. Without a command there 
 otherwise command lines are read from standard input. Where a command takes START and END these are local
 times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
 
-Exit status: 0 all went well, 1 a command reported an error, 2 unknown command or wrong usage, 3 the plug-in
-could not be loaded, the root or the log is not there, the cluster cannot be joined, or the capture cannot be
-used, 130 (in a shell) ended with Ctrl-C.
+Exit status: 0 all went well, 1 a command reported an error or its answer rests on too little (on no rows, a
+part of the range, failed statements or no configuration, told on standard error), 2 unknown command or wrong
+usage, 3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or
+the capture cannot be used, 130 (in a shell) ended with Ctrl-C.
 "explain" as COMMAND hands the exit status of zorv-explain on.
 
 On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.
@@ -72,6 +73,8 @@ void Declare(CLI::App& app, Options& options) {
            "--log-level", [&options](const std::string& word) { options.logLevel = LevelOf(word); },
            "error, warning, info or debug (or 3, 4, 5, 7); default: warning")
         ->type_name("L");
+    app.add_flag("--hints", options.hints,
+                 "Tell of events that delaydetect cannot flag, as on a terminal: takes as long as explain");
     app.prefix_command();
 }
 

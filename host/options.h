@@ -17,6 +17,7 @@ struct Options : InputOptions {
     std::string cluster;  // the file with its nodes; empty: there are no other nodes
     std::string logFile;  // empty: stderr
     uint32_t logLevel = VPLOG_LEVEL_WARNING;
+    bool hints = false;                // also where no terminal is
     std::vector<std::string> command;  // the command and its arguments; empty: a console
 };
 

@@ -8,6 +8,7 @@
 
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
+#include "host/capture/inputs.h"
 #include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
 
@@ -194,6 +195,10 @@ Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
     if (const std::optional<std::string> given = RootOfStarter(directory)) {
         root = *given;
         return;
+    }
+    if (WhyNotWritten(TemporaryPlace() + "/root", {directory, true})) {
+        throw CaptureError("the temporary directory " + TemporaryPlace() + " lies in the capture " +
+                           directory + ", where nothing may change. Name another place with TMPDIR.");
     }
     temporary = std::make_unique<TemporaryDirectory>();
     root = temporary->Path();

@@ -1,7 +1,6 @@
 #include "host/capture/captured_database.h"
 
 #include <fcntl.h>
-#include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -10,11 +9,11 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "host/process/files.h"
+#include "host/process/guarded_database.h"
 
 namespace zorv {
 namespace {
@@ -144,33 +143,15 @@ void CheckJournal(const std::string& path, uint64_t size) {
     }
 }
 
-struct CloseHandle {
-    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
-};
-
-class Connection {
-public:
-    Connection(const std::string& path, int flags, const std::string& shownPath) : shown(shownPath) {
-        sqlite3* opened = nullptr;
-        const int result = sqlite3_open_v2(path.c_str(), &opened, flags, nullptr);
-        handle.reset(opened);
-        Check(result);
+// Does what is to be done with a database, and names the file that the operator knows when it fails.
+template <typename Work>
+void OrCaptureError(const std::string& shownPath, Work work) {
+    try {
+        work();
+    } catch (const DatabaseError& error) {
+        throw CaptureError(shownPath + " cannot be used: " + error.what() + AGAIN);
     }
-
-    void Run(const std::string& statements) {
-        Check(sqlite3_exec(handle.get(), statements.c_str(), nullptr, nullptr, nullptr));
-    }
-
-private:
-    void Check(int result) const {
-        if (result != SQLITE_OK) {
-            throw CaptureError(shown + " cannot be used: " + sqlite3_errmsg(handle.get()) + AGAIN);
-        }
-    }
-
-    std::unique_ptr<sqlite3, CloseHandle> handle;
-    const std::string shown;
-};
+}
 
 void CheckSpace(const std::string& what, uint64_t needed, const std::string& directory) {
     std::error_code ignored;
@@ -240,19 +221,26 @@ uint64_t CopyDatabase(const CapturedDatabase& database, const std::string& path)
 }
 
 void SettleCopy(const std::string& path, const std::string& shownPath) {
-    Connection copy(path, SQLITE_OPEN_READWRITE, shownPath);
-    copy.Run("pragma synchronous = off; select count(*) from sqlite_master; pragma journal_mode = delete;");
+    OrCaptureError(shownPath, [&] {
+        GuardedDatabase(path, SQLITE_OPEN_READWRITE)
+            .Run(
+                "pragma synchronous = off; select count(*) from sqlite_master; pragma journal_mode = "
+                "delete;");
+    });
 }
 
 void CheckTables(const std::string& path, const std::vector<std::string>& tables,
                  const std::string& shownPath) {
-    Connection database(path, SQLITE_OPEN_READONLY, shownPath);
-    for (const std::string& table : tables) {
-        database.Run("select 1 from " + table + " limit 1;");
-    }
+    OrCaptureError(shownPath, [&] {
+        GuardedDatabase database(path);
+        for (const std::string& table : tables) {
+            database.First("1", table);
+        }
+    });
 }
 
 void MakeDatabase(const std::string& path, const std::string& statement) {
-    Connection(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, path).Run(statement);
+    OrCaptureError(path,
+                   [&] { GuardedDatabase(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE).Run(statement); });
 }
 }  // namespace zorv

@@ -14,8 +14,7 @@
 namespace zorv {
 namespace {
 std::string MakeDirectory() {
-    const char* const named = std::getenv("TMPDIR");
-    const std::string place = named == nullptr || *named == '\0' ? "/tmp" : named;
+    const std::string place = TemporaryPlace();
     std::string path = place + "/zorv-capture.XXXXXX";
     if (mkdtemp(path.data()) == nullptr) {
         throw std::runtime_error("no temporary directory can be made in " + place + ": " +
@@ -38,6 +37,11 @@ std::string MakeDirectory() {
     _exit(0);
 }
 }  // namespace
+
+std::string TemporaryPlace() {
+    const char* const named = std::getenv("TMPDIR");
+    return named == nullptr || *named == '\0' ? "/tmp" : named;
+}
 
 TemporaryDirectory::TemporaryDirectory() : path(MakeDirectory()) {
     int ends[2] = {-1, -1};

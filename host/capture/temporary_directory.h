@@ -6,11 +6,14 @@
 #include <string>
 
 namespace zorv {
+// Where such a directory is made: $TMPDIR, or /tmp.
+std::string TemporaryPlace();
+
 // A second process waits for the end of this one, by exit, _exit or signal, and then removes the directory
 // with all in it. It keeps the standard streams, so that whoever reads them to the end finds nothing left.
 class TemporaryDirectory {
 public:
-    // Makes the directory below $TMPDIR, or /tmp; nobody else may look into it. Throws std::runtime_error.
+    // Makes the directory below TemporaryPlace(); nobody else may look into it. Throws std::runtime_error.
     // Forks: call it before there are other threads.
     TemporaryDirectory();
     // Removes the directory and waits until that is done.

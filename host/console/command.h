@@ -12,6 +12,7 @@ namespace zorv {
 // What a command may know and change of the console that runs it.
 struct ConsoleState {
     const Words sharedOptions;  // of this program: those that it runs take them over
+    const bool wantsHints;      // at what an answer does not tell, although that takes longer
     bool leaving = false;       // the operator has asked to leave, or can no longer be told anything
 };
 

@@ -31,8 +31,9 @@ constexpr std::array<Row, 6> ROWS = {
      {"alarms", "[N]", "the last N alarms, 20 if not told, the newest last.", NoWords, 0, false, RunAlarms},
      {"switch", "get | set on|on-silent|off", "show or set the cluster's fault diagnosis switch.",
       WordsAfterSwitch, 0, false, RunSwitch},
-     {"explain", "START END | MINUTES", "where the extra delay of slow points goes; --help tells more.",
-      WordsAfterExplain, 0, true, RunExplain},
+     {"explain", "[OPTIONS] START END | MINUTES",
+      "where the extra delay of slow points goes; --help tells more.", WordsAfterExplain, 0, true,
+      RunExplain},
      {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
 
 Command CommandOf(const Row& row) {

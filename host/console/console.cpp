@@ -64,9 +64,9 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
     const CommandRun run;
     ExitStatus status = STATUS_OK;
     try {
-        TakeErrorLine();
+        ForgetPrinted();
         status = Dispatch(words, state);
-        status = TakeErrorLine() ? STATUS_FAILED : status;
+        status = GetPrinted().hasErrorLine ? STATUS_FAILED : status;
     } catch (const UsageError& error) {
         Report(place, error.what());
         status = STATUS_USAGE;

@@ -10,8 +10,9 @@ namespace zorv {
 // Belongs to one thread, the console's.
 class Console {
 public:
-    // The options of this program that those which it runs take over.
-    explicit Console(Words optionsToShare) : state{std::move(optionsToShare)} {}
+    // The options of this program that those which it runs take over, and whether to hint at what an answer
+    // does not tell.
+    Console(Words optionsToShare, bool hints) : state{std::move(optionsToShare), hints} {}
 
     // Runs one command line, or does nothing when it has no words. Results go to stdout; what is wrong with
     // the line, to stderr, with `place` (such as "line 3: ") before it. The command failed when a program

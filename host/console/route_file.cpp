@@ -12,6 +12,7 @@
 #include "agent/agent_storage.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
+#include "host/services/told_failures.h"
 
 namespace zorv {
 namespace {
@@ -87,6 +88,14 @@ const RouteFile& CurrentRouteFile() {
         stamp = now;
     }
     return file;
+}
+
+std::string ConfigurationProblem() {
+    const RouteFile& file = CurrentRouteFile();
+    if (IsConfigurationRefused()) {
+        return "it was refused at the start" + (file.problem.empty() ? "" : ": " + file.problem);
+    }
+    return file.problem.empty() && file.graphs.empty() ? "it has no graphs" : "";
 }
 
 std::vector<std::string> PointNames(const RouteFile& file) {

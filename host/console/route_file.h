@@ -21,6 +21,10 @@ struct RouteFile {
 // not the form of a graph is left out. The console's thread; blocks while it reads the file.
 const RouteFile& CurrentRouteFile();
 
+// Why the plug-in has no graphs: it refused the file at its start, or there are none in it. Empty: it has
+// some, as far as can be told. The console's thread; blocks as above.
+std::string ConfigurationProblem();
+
 // The points of all graphs, each once.
 std::vector<std::string> PointNames(const RouteFile& file);
 

@@ -8,10 +8,12 @@
 #include <optional>
 #include <string>
 
+#include "host/capture/inputs.h"
 #include "host/console/completion.h"
 #include "host/console/history_file.h"
 #include "host/console/line_editor.h"
 #include "host/process/interrupt.h"
+#include "host/process/settings.h"
 #include "host/services/console.h"
 #include "text/printable.h"
 
@@ -34,6 +36,17 @@ bool ReadLine(std::streambuf& input, std::string& line) {
     }
     return true;
 }
+// None where lines would go into a file that is read, or into a capture; which is told.
+std::string AllowedHistoryPath() {
+    const std::string path = HistoryPath();
+    const HostSettings& settings = GetHostSettings();
+    const Inputs inputs = {settings.capture.value_or(settings.root), settings.capture.has_value()};
+    const std::optional<std::string> reason = path.empty() ? std::nullopt : WhyNotWritten(path, inputs);
+    if (reason) {
+        std::fprintf(stderr, "The history is not kept: %s\n", Printable(*reason).c_str());
+    }
+    return reason ? "" : path;
+}
 }  // namespace
 
 ExitStatus RunLinesOfInput(Console& console) {
@@ -54,7 +67,7 @@ ExitStatus RunLinesOfInput(Console& console) {
 
 ExitStatus RunTerminal(Console& console) {
     TakeInterrupts();
-    const std::string historyPath = HistoryPath();
+    const std::string historyPath = AllowedHistoryPath();
     LineEditor editor(isatty(STDOUT_FILENO) == 1 ? stdout : stderr, historyPath, WordsAfter);
     std::fputs("'help' lists the commands, TAB completes them; 'quit' or Ctrl-D leaves.\n", stderr);
     bool isTold = false;

@@ -1,11 +1,12 @@
-#include <sqlite3.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cinttypes>
 #include <cstring>
 #include <ctime>
-#include <memory>
+#include <optional>
 #include <sstream>
 
 #include "agent/agent_console.h"
@@ -14,6 +15,7 @@
 #include "host/console/columns.h"
 #include "host/console/commands.h"
 #include "host/console/route_file.h"
+#include "host/console/statistics_file.h"
 #include "host/process/settings.h"
 #include "host/services/alarm_counts.h"
 #include "host/services/startup.h"
@@ -24,6 +26,7 @@
 namespace zorv {
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
+constexpr int64_t HOUR = 3600;
 
 void PrintRow(const char* name, const std::string& text) {
     DBG_Print("%-14s %s\n", name, text.c_str());
@@ -59,54 +62,75 @@ std::string Size(int64_t bytes) {
 }
 
 // Only stat(): to open and close a database file would drop SQLite's locks on it.
-void PrintFile(const char* name, const char* fixedPath) {
+// Returns whether it can be opened.
+bool PrintFile(const char* name, const char* fixedPath) {
     const std::string path = GivenPath(fixedPath);
     PrintRow(name, Printable(path));
     struct stat status {};
     if (stat(path.c_str(), &status) != 0) {
         PrintRow("", std::strerror(errno));
-        return;
+        return false;
     }
     const time_t changed = status.st_mtim.tv_sec;
     PrintRow("", Size(status.st_size) + ", changed " + LocalTime(changed, ZoneOffsetAt(changed)) + ", " +
                      Age(std::time(nullptr) - changed));
+    if (access(path.c_str(), R_OK) != 0) {
+        PrintRow("", std::strerror(errno));
+        return false;
+    }
+    return true;
 }
 
-struct Close {
-    void operator()(sqlite3* connection) const { sqlite3_close(connection); }
-    void operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
-};
-
 // The time in the oldest table's name, behind its prefix, or why it is not known.
-std::string EarliestTime() {
+std::string EarliestTime(const StatisticsFile& file) {
     constexpr size_t PREFIX = 10;
-    sqlite3* opened = nullptr;
-    const std::string path = RootedPath(LUMO_DATABASE_FILE);
-    const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READONLY, nullptr);
-    const std::unique_ptr<sqlite3, Close> connection(opened);
-    sqlite3_stmt* prepared = nullptr;
-    if (result == SQLITE_OK) {
-        sqlite3_prepare_v2(opened, "SELECT tablename FROM table_flag ORDER BY reporttime LIMIT 1", -1,
-                           &prepared, nullptr);
-    }
-    const std::unique_ptr<sqlite3_stmt, Close> statement(prepared);
-    const int step = prepared == nullptr ? SQLITE_ERROR : sqlite3_step(prepared);
-    if (step == SQLITE_DONE) {
+    if (file.Tables().empty()) {
         return "unknown: there is no table";
     }
-    if (step != SQLITE_ROW) {
-        return std::string("unknown: ") + sqlite3_errmsg(opened);
-    }
-    const auto* const name = reinterpret_cast<const char*>(sqlite3_column_text(prepared, 0));
-    const std::string table = name == nullptr ? "" : name;
+    const std::string& table = file.Tables().front();
     return table.size() > PREFIX ? table.substr(PREFIX) : "unknown: a table's name is '" + table + "'";
 }
 
-void PrintConfiguration() {
+// Returns whether there are rows.
+bool PrintRows(StatisticsFile& file, int64_t now) {
+    const std::optional<TimeRange> rows = file.Rows();
+    if (!rows) {
+        PrintRow("rows", "none");
+        return false;
+    }
+    PrintRow("rows", LocalTime(rows->start, ZoneOffsetAt(rows->start)) + " to " +
+                         LocalTime(rows->end, ZoneOffsetAt(rows->end)) + ", the newest " +
+                         Age(now - rows->end));
+    const Coverage hour = file.CoverageOf({now - HOUR, now});
+    PrintRow("last hour", !hour.rows    ? "no rows"
+                          : hour.isPart ? hour.Intervals() + ", it has gaps"
+                                        : hour.Intervals());
+    return true;
+}
+
+bool PrintStatistics() {
+    PrintFile("statistics", LUMO_DATABASE_FILE);
+    const char* row = "earliest time";
+    try {
+        StatisticsFile file;
+        PrintRow(row, Printable(EarliestTime(file)));
+        row = "rows";
+        return PrintRows(file, std::time(nullptr));
+    } catch (const DatabaseError& error) {
+        PrintRow(row, "unknown: " + Printable(error.what()));
+        return false;
+    }
+}
+
+// Returns whether the plug-in has graphs.
+bool PrintConfiguration() {
     PrintFile("configuration", ZORV_ROUTE_CONFIG_FILE);
     const RouteFile& file = CurrentRouteFile();
-    if (!file.problem.empty()) {
-        PrintRow("", "not read: " + file.problem);
+    const std::string lack = ConfigurationProblem();
+    if (!lack.empty()) {
+        PrintRow("", "no causes can be found: " + lack);
+    } else if (!file.problem.empty()) {
+        PrintRow("", "not read again: " + file.problem);
     }
     Words graphs;
     for (const RouteGraph& graph : file.graphs) {
@@ -120,12 +144,18 @@ void PrintConfiguration() {
     for (std::string line; std::getline(lines, line);) {
         PrintRow("", line);
     }
+    return lack.empty() && file.problem.empty();
 }
 
 std::string Alarms() {
     const AlarmCounts counts = CountAlarms();
     return std::to_string(counts.sent) + " sent, " + std::to_string(counts.suppressed) + " suppressed, " +
            std::to_string(counts.lost) + " lost since the start";
+}
+
+bool IsStarted() {
+    const std::vector<StartupResult> rows = StartupResults();
+    return std::all_of(rows.begin(), rows.end(), [](const StartupResult& row) { return row.result == 0; });
 }
 
 std::string Startup() {
@@ -143,13 +173,12 @@ ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
     }
     PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
     PrintRow("zone", ZoneText(ZoneOffsetAt(std::time(nullptr))) + ", kept until this program ends");
-    PrintFile("statistics", LUMO_DATABASE_FILE);
-    PrintRow("earliest time", Printable(EarliestTime()));
-    PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
-    PrintConfiguration();
+    const bool hasRows = PrintStatistics();
+    const bool hasHealEvents = PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
+    const bool hasGraphs = PrintConfiguration();
     PrintRow("switch", SwitchAndItsOrigin());
     PrintRow("alarms", Alarms());
     PrintRow("start-up", Startup());
-    return STATUS_OK;
+    return hasRows && hasHealEvents && hasGraphs && IsStarted() ? STATUS_OK : STATUS_FAILED;
 }
 }  // namespace zorv

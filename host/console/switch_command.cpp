@@ -1,5 +1,6 @@
 #include <array>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 
 #include "agent/agent_console.h"
@@ -7,6 +8,7 @@
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
 #include "host/console/commands.h"
+#include "host/process/settings.h"
 #include "host/services/log.h"
 #include "text/printable.h"
 
@@ -59,10 +61,22 @@ int32_t AskMaster(uint32_t opcode, int32_t payload) {
     return *number;
 }
 
+// What the answer -1 means: the file is not there, is damaged, or holds just that. Only the node that keeps
+// the switch can tell.
+std::string WhyDefault() {
+    std::error_code ignored;
+    if (ZORV_GetMasterNid() != ZORV_GetLocalNid()) {
+        return "no value of the switch is stored";
+    }
+    return std::filesystem::exists(RootedPath(FAULT_DIAG_SWITCH_FILE), ignored)
+               ? "what is stored is no value of the switch"
+               : "no value is stored";
+}
+
 // The value and what it means to a node that reads it.
 std::string Described(int32_t number) {
     if (number == FAULT_DIAG_SWITCH_UNREADABLE) {
-        return "2 (on-silent, the default: no value is stored)";
+        return "2 (on-silent, the default: " + WhyDefault() + ")";
     }
     for (const SwitchValue& value : VALUES) {
         if (value.number == number) {
@@ -87,7 +101,7 @@ std::string Master() {
 }
 
 void Set(int32_t number) {
-    const int32_t before = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    const std::string before = Described(AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0));
     const int32_t result = AskMaster(ZORV_OP_SET_FAULTDIAG_SWITCH, number);
     if (result != 0) {
         throw std::runtime_error(Master() + " could not store the value, result " + std::to_string(result));
@@ -96,8 +110,8 @@ void Set(int32_t number) {
     if (after != number) {
         throw std::runtime_error(Master() + " stored the value, but now it has " + Described(after));
     }
-    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", Described(before).c_str(),
-              Described(after).c_str(), Master().c_str());
+    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", before.c_str(), Described(after).c_str(),
+              Master().c_str());
 }
 }  // namespace
 

@@ -17,6 +17,7 @@ constexpr int STEPS_BETWEEN_LOOKS = 1000;  // of SQLite's virtual machine, a few
 constexpr int64_t MOST_STEPS = 2'000'000'000;
 
 thread_local int64_t g_steps = 0;  // of the statement that runs
+thread_local StatementListener* g_listener = nullptr;
 
 // SQLite holds a connection's own mutex when a connection comes or goes. Whoever holds the mutex of the set
 // may therefore only try the connection's.
@@ -35,22 +36,50 @@ int StopIfInterruptedOrEndless(void* /*user*/) {
     return Interrupted() || g_steps > MOST_STEPS ? 1 : 0;
 }
 
-int Trace(unsigned event, void* user, void* /*object*/, void* /*detail*/) {
-    auto* const connection = static_cast<sqlite3*>(user);
+void Forget(sqlite3* connection) {
+    Connections& connections = AllConnections();
+    const std::lock_guard<std::mutex> lock(connections.mutex);
+    connections.open.erase(connection);
+}
+
+// SQLite's code cannot be left by an exception.
+template <typename Tell>
+void TellListener(Tell tell) {
+    try {
+        if (g_listener != nullptr) {
+            tell(*g_listener);
+        }
+    } catch (...) {
+        g_listener = nullptr;
+    }
+}
+
+void Begin(sqlite3* connection, const char* sql) {
     g_steps = 0;
-    if (event == SQLITE_TRACE_CLOSE) {
-        Connections& connections = AllConnections();
-        const std::lock_guard<std::mutex> lock(connections.mutex);
-        connections.open.erase(connection);
-    } else if (Interrupted()) {
+    if (Interrupted()) {
         sqlite3_interrupt(connection);  // a short statement would end before anybody looks
+    }
+    TellListener([=](StatementListener& listener) { listener.OnStatement(sql); });
+}
+
+int Trace(unsigned event, void* user, void* object, void* detail) {
+    auto* const connection = static_cast<sqlite3*>(user);
+    if (event == SQLITE_TRACE_ROW) {
+        TellListener([=](StatementListener& listener) {
+            listener.OnRow(sqlite3_column_int64(static_cast<sqlite3_stmt*>(object), 0));
+        });
+    } else if (event == SQLITE_TRACE_CLOSE) {
+        Forget(connection);
+    } else {
+        Begin(connection, static_cast<const char*>(detail));
     }
     return 0;
 }
 
 int WatchConnection(sqlite3* connection, char** /*error*/, const void* /*api*/) {
     sqlite3_progress_handler(connection, STEPS_BETWEEN_LOOKS, &StopIfInterruptedOrEndless, nullptr);
-    sqlite3_trace_v2(connection, SQLITE_TRACE_STMT | SQLITE_TRACE_CLOSE, &Trace, connection);
+    sqlite3_trace_v2(connection, SQLITE_TRACE_STMT | SQLITE_TRACE_ROW | SQLITE_TRACE_CLOSE, &Trace,
+                     connection);
     Connections& connections = AllConnections();
     const std::lock_guard<std::mutex> lock(connections.mutex);
     connections.open.insert(connection);
@@ -87,5 +116,9 @@ std::string FailedStatements() {
         failures += (failures.empty() || failure.empty() ? "" : "; ") + failure;
     }
     return failures;
+}
+
+void ListenToStatements(StatementListener* listener) {
+    g_listener = listener;
 }
 }  // namespace zorv

@@ -25,7 +25,11 @@ struct Groups {
     std::vector<RegisteredCommand> commands;
 };
 
-std::atomic<bool> g_errorLine{false};
+struct Screen {
+    std::mutex mutex;
+    Printed printed;
+};
+
 std::atomic<int> g_outputError{0};
 
 Groups& AllGroups() {
@@ -33,9 +37,18 @@ Groups& AllGroups() {
     return groups;
 }
 
+Screen& TheScreen() {
+    static Screen& screen = MakeImmortal<Screen>();
+    return screen;
+}
+
 void Print(std::string_view text) {
-    if (text.substr(0, ERROR_START.size()) == ERROR_START || text == INNER_ERROR) {
-        g_errorLine = true;
+    {
+        Screen& screen = TheScreen();
+        const std::lock_guard<std::mutex> lock(screen.mutex);
+        screen.printed.hasErrorLine |=
+            text.substr(0, ERROR_START.size()) == ERROR_START || text == INNER_ERROR;
+        screen.printed.last = text;
     }
     // What a database or a configuration holds must not act on a terminal; a file or a pipe gets every byte.
     static const bool isTerminal = isatty(STDOUT_FILENO) == 1;
@@ -81,8 +94,16 @@ std::vector<RegisteredCommand> RegisteredCommands() {
     return groups.commands;
 }
 
-bool TakeErrorLine() {
-    return g_errorLine.exchange(false);
+Printed GetPrinted() {
+    Screen& screen = TheScreen();
+    const std::lock_guard<std::mutex> lock(screen.mutex);
+    return screen.printed;
+}
+
+void ForgetPrinted() {
+    Screen& screen = TheScreen();
+    const std::lock_guard<std::mutex> lock(screen.mutex);
+    screen.printed = {};
 }
 
 int OutputError() {

@@ -1,6 +1,7 @@
 // The console service as the host sees it: the registered commands, and what became of their output.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "agent/agent_console.h"
@@ -14,8 +15,16 @@ struct RegisteredCommand {
 // Every registered command, in the order of registration. Any thread.
 std::vector<RegisteredCommand> RegisteredCommands();
 
-// Whether an error line was printed since the last call of this function, which starts afresh. Any thread.
-bool TakeErrorLine();
+// What was printed since the last call of ForgetPrinted().
+struct Printed {
+    bool hasErrorLine = false;
+    std::string last;  // the text of the last call; empty: nothing was printed
+};
+
+// Any thread, as for the next.
+Printed GetPrinted();
+
+void ForgetPrinted();
 
 // 0 while all that was printed reached stdout; else the errno of the first failure. Any thread.
 int OutputError();

@@ -14,6 +14,7 @@
 #include "host/process/immortal.h"
 #include "host/process/interrupt.h"
 #include "host/services/alarm_counts.h"
+#include "host/services/told_failures.h"
 #include "text/printable.h"
 
 namespace zorv {
@@ -84,6 +85,7 @@ void ConfigureLog(const std::string& file, uint32_t level) {
 void vplog(uint32_t module, uint32_t stated, const char* file, uint32_t line, const char* function,
            uint32_t /*reserved*/, const char* format, ...) {
     zorv::CountSuppressedAlarm(format);
+    zorv::NoteFailure(format);
     // What fails in a command that was stopped fails for that reason, many times.
     const uint32_t level = zorv::Interrupted() ? uint32_t{VPLOG_LEVEL_DEBUG} : stated;
     va_list args;

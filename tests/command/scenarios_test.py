@@ -7,7 +7,7 @@ import unittest
 from contextlib import closing
 from statistics import correlation
 
-from console import CONFIG, DATABASE, ConsoleTest, compact
+from console import CONFIG, DATABASE, DELAY_HEADER, ConsoleTest, compact
 
 EQUALS = 67 * "=" + "\n"
 HEALED = ("\n                   IoAbnormal Analysis\n" + EQUALS
@@ -19,9 +19,9 @@ HEAD = EQUALS + "AnomalyNodeName                  RootGraphName\n{:<32}{:<32}\n"
 
 class Scenarios(ConsoleTest):
     def check_detection(self, start, end):
-        for first, last in ((start, end), (start + 2000, end - 4321), (start, start + 600)):
-            self.expect_anomalies(first, last)
+        covered = [self.expect_anomalies(*ends) for ends in ((start, end), (start + 2000, end - 4321), (start, start + 600))]
         self.expect("showvalidtime\n", 0, f"\t\tThe earliest timestamp that can be diagnosed is {compact(start)}.\n")
+        return covered[0]
 
     def delays(self, point, peak):
         with closing(sqlite3.connect(self.root / DATABASE)) as database:
@@ -49,11 +49,11 @@ class Scenarios(ConsoleTest):
             self.assertTrue(found.startswith(self.path(graph, [fault["detector_point"]], fault["peak_epoch"])), found)
             self.assertEqual(found.count(EQUALS), 1)
 
-    def check_analysis(self, truth, graphs):
+    def check_analysis(self, truth, graphs, covered):
         """Of the graphs that were analysed the first one has the fault."""
         dates, fault = (truth["start"], truth["end"]), truth["fault"] or {}
         status, screen, err = self.run_lines("delayanal {} {}\n".format(*dates))
-        self.assertEqual(status, 0, err)
+        self.assertEqual(status, int(not covered), err)
         if truth["heal_events"]:
             self.assertEqual(screen, HEALED + "".join(
                 "{healtime:<17}{healcause:<16}{modulename:<16}{infercause:<16}\n".format(**event)
@@ -123,10 +123,13 @@ class Scenarios(ConsoleTest):
     def test_every_scenario(self):
         for scenario, truth in self.worlds():
             with self.subTest(scenario=scenario):
-                self.check_detection(truth["start_epoch"], truth["end_epoch"])
+                covered = self.check_detection(truth["start_epoch"], truth["end_epoch"])
                 status, text, found = self.explain(truth["start"], truth["end"])
                 self.check_explanation(truth, status, text, found["analyses"])
-                self.check_analysis(truth, [one["graph"] for one in found["analyses"]])
+                self.check_analysis(truth, [one["graph"] for one in found["analyses"]], covered)
+                _, screen, err = self.run_lines(f"delaydetect {truth['start']} {truth['end']}\n", "--hints")
+                is_unflagged = screen == DELAY_HEADER and any(look["samples_in_events"] for look in found["looks"])
+                self.assertEqual("an event that the detector cannot flag: see explain\n" in err, is_unflagged, err)
                 if (truth["fault"] or {}).get("error_type"):
                     self.check_errors(truth)
 

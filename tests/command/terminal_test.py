@@ -16,7 +16,7 @@ import unittest
 from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, POINTS, ConsoleTest, compact, delay_listing, eventually
 
 START = 1672885800
-RANGE = f"{compact(START)} {compact(START + 3600)}"
+RANGE = f"{compact(START)} {compact(START + 600)}"
 TABLE = "lumo_data_" + compact(START)
 ALARMS = "VRA/coffer_log/log/alarm/alarms.jsonl"
 SOUND = {TABLE: [(POINTS[0], START + 30 * i, 5000 if i == 7 else 100) for i in range(20)]}
@@ -91,6 +91,7 @@ class OnTerminal(ConsoleTest):
                 ("errcodeshow IOE", "RROR "), ("errcodeshow IOERROR P", "OOL "), ("switch set on-", "silent "),
                 ("datashow O", "NE_"), ("showgraph mapg", "raph "), ("showgraph vecob T", "WO "),
                 ("explain 60 --gra", "ph "), ("explain --graph ", "A  B\r\n"), ("explain --point T", "WO "),
+                ("explain --point ho", "sts "), ("explain 60 --ba", "seline "), ("explain --baseline y", "esterday "),
                 # Nothing, which a terminal rings for: behind the last word that is known.
                 ("errcodeshow IOERROR POOL ", "\a"), ("showgraph vecob TWO ", "\a"), ("datashow TWO ", "\a"),
                 ("switch set on o", "\a"), ("switch get o", "\a"), ("help help s", "\a")):
@@ -145,9 +146,9 @@ class OnTerminal(ConsoleTest):
         held = open(file)
         self.addCleanup(held.close)
         fcntl.flock(held, fcntl.LOCK_EX)
-        for path in ("", "/dev/null", str(file / "below"), str(file)):
+        for path in ("", "/dev/null", str(file / "below"), str(file), str(self.root / DATABASE)):
             session = Terminal(self.root, XDG_STATE_HOME=str(self.root / "none"), ZORV_LOCAL_HISTFILE=path)
-            self.assertEqual("The history is not kept: " in session.screen, str(file) in path)
+            self.assertEqual("The history is not kept: " in session.screen, str(self.root) in path)
             session.type("help quit\r")
             session.leave()
         self.assertFalse((self.root / "none").exists())
@@ -285,7 +286,8 @@ class AboutTheHost(ConsoleTest):
             about[file] = f"{self.root}/{file}\n               {size}, changed {local}, 3 days ago\n"
         screen = ("node           7, master 7\nzone           +08:00, kept until this program ends\n"
                   "statistics     " + about[DATABASE] +
-                  f"earliest time  {compact(START)}\nheal events    " + about[HEAL_DATABASE] +
+                  f"earliest time  {compact(START)}\nrows           2023-01-05 10:30:00 to 2023-01-05 10:39:30, "
+                  f"the newest {int(time.time() - START - 570) // 86400} days ago\nlast hour      no rows\nheal events    " + about[HEAL_DATABASE] +
                   "configuration  " + about[CONFIG] +
                   "               2 graphs, nodes/edges of each:\n               A 0/0  B 2/1\n"
                   "switch         {}\nalarms         {} sent, {} suppressed, 0 lost since the start\n"
@@ -296,9 +298,12 @@ class AboutTheHost(ConsoleTest):
         self.assertTrue(out.endswith(screen.format("1 (on), from master node 7", 3, 2)), out)
         self.assertEqual(self.run_lines("alarms\n")[1].count("0xF00C90150         faultDiagnose\n"), 3)
 
+        (self.root / CONFIG).write_text('{}\n{"A": {"nodes": [], "edges": []}}')
+        self.assertEqual(self.run_lines("status\n")[0], 1)
         for file in about:
             (self.root / file).unlink()
-        out = self.run_lines("status\n")[1]
+        status, out, _ = self.run_lines("status\n")
+        self.assertEqual((status, out.count("no causes can be found: it was refused at the start: No such file")), (1, 1))
         self.assertEqual(out.count("               No such file or directory\n"), 3)
         self.assertIn("earliest time  unknown: unable to open database file\n", out)
 

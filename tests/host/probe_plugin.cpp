@@ -28,12 +28,19 @@ uint32_t Report(int32_t /*argc*/, char** /*argv*/) {
     return 0;
 }
 
+// Gives a query up and answers all the same, or does not answer.
+uint32_t Detect(int32_t argc, char** /*argv*/) {
+    vplog(422, VPLOG_LEVEL_ERROR, "probe.cpp", 8, "Detect", 0, "faild for %d times, donot retry again.", 35);
+    return argc == 3 ? DBG_Print("lumoLocName\n"), 0U : 1U;
+}
+
 char g_group[] = "probe";
 ZORV_DIAG_CMD_S g_commands[] = {
     {"echo", Echo, "echo [WORD...]: show the words;\nthey may be quoted."},
     {"print", [](int32_t, char** argv) { return DBG_Print("%s\n", argv[3]), 7U; }, "a line of text"},
     {"throw", [](int32_t, char**) -> uint32_t { throw std::runtime_error("thrown by a handler"); }, nullptr},
     {"probe", Report, "probe"},
+    {"delaydetect", Detect, nullptr},
     {nullptr, nullptr, nullptr}};
 
 uint32_t AnswerSwitch(ZORV_COMM_INFO_S* info, char* msg, void* /*context*/) {

@@ -45,6 +45,10 @@ TEST_F(ProgramTest, ExitStatuses) {
         {PROBE + "-- echo", "", 0, SAID + "\n", ""},
         {PROBE + "print '\ninner error'", "", 1, "\ninner error\n", ""},
         {PROBE + "throw", "", 1, "", "zorv-local: thrown by a handler\n"},
+        {PROBE + "--log log delaydetect", "", 1, "lumoLocName\n",
+         "failed statements: 1 given up; on no rows: no database"},
+        {PROBE + "--log log delaydetect 60", "", 1, "",
+         "zorv-local: the command gave no answer; the log tells why\n"},
         {PROBE + "''", "", 2, "", "zorv-local: unknown command ''" + ADVICE},
         {PROBE, "echo '", 2, "", "zorv-local: line 1: the quote ' is not closed\n"},
         {PROBE, "", 0, "", ""},
@@ -94,12 +98,14 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
         {std::string("echo a\0b", 8), "", "a command line cannot hold a NUL byte\n"},
         {"\x1b[2J\x7f\xff", "", "unknown command '\\x1b[2J\\x7f\\xff'" + ADVICE},
         {"help",
-         "probe\n  echo [WORD...]: show the words;\n  print: a line of text\n  throw\n  probe\n"
+         "probe\n  echo [WORD...]: show the words;\n  print: a line of text\n  throw\n  probe\n  "
+         "delaydetect\n"
          "console\n  help [COMMAND]: list the commands, or explain one.\n"
          "  status: what this host works on: files, configuration, switch, alarms, start-up.\n"
          "  alarms [N]: the last N alarms, 20 if not told, the newest last.\n"
          "  switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch.\n"
-         "  explain START END | MINUTES: where the extra delay of slow points goes; --help tells more.\n"
+         "  explain [OPTIONS] START END | MINUTES: where the extra delay of slow points goes; --help tells "
+         "more.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},

@@ -1,0 +1,110 @@
+#include "host/console/coverage.h"
+
+#include <algorithm>
+
+#include "text/counted.h"
+#include "text/local_time.h"
+
+namespace zorv {
+namespace {
+constexpr int64_t STEPS_AT_AN_END = 2;
+constexpr size_t A_FIFTH = 5;
+constexpr int64_t MOST_UNITS = int64_t{1} << 23;  // seconds of 97 days: commands take two
+
+std::string Local(int64_t time) {
+    return LocalTime(time, ZoneOffsetAt(time));
+}
+
+int64_t MedianOf(const std::map<int64_t, size_t>& counts) {
+    size_t all = 0;
+    for (const auto& [value, count] : counts) {
+        all += count;
+    }
+    size_t below = 0;
+    for (const auto& [value, count] : counts) {
+        below += count;
+        if (below * 2 >= all) {
+            return value;
+        }
+    }
+    return 0;
+}
+}  // namespace
+
+std::string TextOf(const TimeRange& rows) {
+    return "rows from " + Local(rows.start) + " to " + Local(rows.end);
+}
+
+std::string Coverage::Intervals() const {
+    return expected == 0 ? Counted(intervals, "interval")
+                         : std::to_string(intervals) + " of " + Counted(expected, "interval");
+}
+
+CoverageCount::CoverageCount(const TimeRange& ofRange)
+    : range(ofRange),
+      unit(1 + (range.end - range.start) / MOST_UNITS),
+      filled(static_cast<size_t>((range.end - range.start) / unit) + 1) {}
+
+void CoverageCount::Add(int64_t time) {
+    if (time >= range.start && time <= range.end) {
+        series.push_back(time - range.start);
+    }
+}
+
+void CoverageCount::EndSeries() {
+    if (!std::is_sorted(series.begin(), series.end())) {
+        std::sort(series.begin(), series.end());
+    }
+    size_t* count = nullptr;
+    int64_t counted = 0;
+    for (size_t i = 0; i < series.size(); ++i) {
+        filled[static_cast<size_t>(series[i] / unit)] = true;
+        const int64_t distance = i == 0 ? 0 : series[i] - series[i - 1];
+        if (distance != 0) {
+            count = distance == counted ? count : &distances[distance];
+            counted = distance;
+            ++*count;
+        }
+    }
+    if (!series.empty()) {
+        oldest = std::min(oldest.value_or(series.front()), series.front());
+        newest = std::max(newest.value_or(series.back()), series.back());
+    }
+    series.clear();
+}
+
+// Rows of one interval may be seconds apart.
+size_t CoverageCount::IntervalsWithRows(int64_t step) const {
+    std::vector<bool> intervals(static_cast<size_t>((*newest - *oldest) / step) + 2);
+    const auto end = static_cast<size_t>(*newest / unit);
+    for (auto i = static_cast<size_t>(*oldest / unit); i <= end; ++i) {
+        if (filled[i]) {
+            const int64_t second = std::max(static_cast<int64_t>(i) * unit, *oldest);
+            intervals[static_cast<size_t>((second - *oldest + step / 2) / step)] = true;
+        }
+    }
+    return static_cast<size_t>(std::count(intervals.begin(), intervals.end(), true));
+}
+
+Coverage CoverageCount::Get(int64_t knownStep) const {
+    Coverage coverage;
+    if (!oldest) {
+        return coverage;
+    }
+    coverage.rows = {range.start + *oldest, range.start + *newest};
+    coverage.step = distances.empty() ? knownStep : std::max(unit, MedianOf(distances));
+    if (coverage.step == 0) {
+        coverage.intervals = 1;
+        return coverage;
+    }
+    const int64_t length = range.end - range.start;
+    const size_t intervals = IntervalsWithRows(coverage.step);
+    const auto between = static_cast<size_t>((*newest - *oldest) / coverage.step) + 1;
+    const int64_t atAnEnd = STEPS_AT_AN_END * coverage.step;
+    coverage.expected = std::max<size_t>(1, static_cast<size_t>(length / coverage.step));
+    coverage.intervals = std::min(intervals, coverage.expected);  // both ends of a range may have a row
+    coverage.isPart = *oldest > atAnEnd || length - *newest > atAnEnd ||
+                      (between > intervals && (between - intervals) * A_FIFTH >= between);
+    return coverage;
+}
+}  // namespace zorv
