@@ -129,7 +129,7 @@ ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
     PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
     PrintRow("zone", ZoneText(ZoneOffsetAt(std::time(nullptr))) + ", kept until this program ends");
     PrintFile("statistics", LUMO_DATABASE_FILE);
-    PrintRow("earliest time", Printable(EarliestTime()));
+    PrintRow("earliest time", Printable(EarliestTime(), 100));
     PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
     PrintConfiguration();
     PrintRow("switch", SwitchAndItsOrigin());
