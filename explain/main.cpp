@@ -21,6 +21,7 @@
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
 #include "text/local_time.h"
+#include "text/printable.h"
 
 namespace explain {
 using namespace zorv;
@@ -54,9 +55,13 @@ ExitStatus StatusOf(const Report& report) {
     return cannotTell || report.coverage.IsPart() ? STATUS_CANNOT_TELL : STATUS_NOTHING;
 }
 
+class OutputError : public std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 void PrintAnswer(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw std::runtime_error("the answer cannot be printed");
+        throw OutputError(std::string("the answer cannot be printed: ") + std::strerror(errno));
     }
 }
 
@@ -75,12 +80,18 @@ void WritePage(const std::string& path, const std::string& page) {
         isWritten = stream.good();
     }
     if (!isWritten) {
-        throw std::runtime_error("the page '" + path + "' cannot be written: " + std::strerror(errno));
+        throw OutputError("the page '" + path + "' cannot be written: " + std::strerror(errno));
     }
 }
 
 // Nothing that is read is written to, and nothing in a capture.
 void RefuseInputs(const Options& options) {
+    std::error_code ignored;
+    if (options.html && !options.log.empty() && !std::filesystem::is_other(*options.html, ignored) &&
+        std::filesystem::weakly_canonical(*options.html, ignored) ==
+            std::filesystem::weakly_canonical(options.log, ignored)) {
+        throw cli::UsageError("'" + options.log + "' cannot be both the page and the log");
+    }
     const Inputs inputs = {options.capture.value_or(options.root.value_or("")), options.capture.has_value()};
     for (const std::string& path : {options.html.value_or(""), options.log}) {
         const std::optional<std::string> reason = path.empty() ? std::nullopt : WhyNotWritten(path, inputs);
@@ -100,9 +111,14 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
     const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
     const Report report = MakeReport(options, request, input, arguments, clock);
-    PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
-    if (options.html) {
-        WritePage(*options.html, HtmlReport(report));
+    try {
+        PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
+        if (options.html) {
+            WritePage(*options.html, HtmlReport(report));
+        }
+    } catch (const OutputError& error) {
+        std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        return STATUS_NOT_WRITTEN;
     }
     return StatusOf(report);
 }

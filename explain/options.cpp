@@ -17,7 +17,7 @@ yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time u
 every point that the detector flags in the range is explained.
 
 Exit status: 0 answered, 1 nothing anomalous, 2 wrong usage, 3 no data or no configuration, 4 cannot tell,
-130 (in a shell) ended with Ctrl-C.
+5 the answer or the page cannot be written, 130 (in a shell) ended with Ctrl-C.
 
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour

@@ -29,7 +29,8 @@ enum ExitStatus : int {
     STATUS_NOTHING = 1,  // nothing anomalous
     STATUS_USAGE = cli::STATUS_USAGE,
     STATUS_NO_DATA = 3,  // or no configuration
-    STATUS_CANNOT_TELL = 4
+    STATUS_CANNOT_TELL = 4,
+    STATUS_NOT_WRITTEN = 5  // the answer or the page
 };
 
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing

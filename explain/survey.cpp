@@ -167,7 +167,7 @@ private:
             AnalyseEvents(look, graph);
         } catch (...) {
             ++failures;
-            AddWithout(look, graph, Verdict::CANNOT_TELL, ReasonOfFailure());
+            AddWithout(look, graph, Verdict::CANNOT_TELL, ReasonOfFailure(graph));
         }
     }
 
@@ -219,15 +219,16 @@ private:
 
 }  // namespace
 
-Reason ReasonOfFailure() {
+Reason ReasonOfFailure(const std::string& graph) {
+    const std::string where = graph.empty() ? "" : graph + ": ";
     try {
         throw;
     } catch (const NoData& error) {
         return error.Why();
     } catch (const Json::Exception& error) {
-        return {ReasonKind::BAD_CONFIGURATION, 0, 0, error.what()};
+        return {ReasonKind::BAD_CONFIGURATION, 0, 0, where + error.what()};
     } catch (const std::logic_error& error) {  // of a conversion
-        return {ReasonKind::BAD_VALUE, 0, 0, error.what()};
+        return {ReasonKind::BAD_VALUE, 0, 0, where + error.what()};
     }
 }
 

@@ -6,9 +6,9 @@
 
 namespace explain {
 
-// Why an exception that is being handled left somebody without an answer. One that says nothing of the data
-// is thrown on.
-Reason ReasonOfFailure();
+// Why an exception that is being handled left somebody without an answer, and in which graph where that is
+// known. One that says nothing of the data is thrown on.
+Reason ReasonOfFailure(const std::string& graph = "");
 
 // Fills what the report says of the data: looks, coverage, analyses. The databases must be open; blocks on
 // them. What cannot be explained of a point leaves the others their answers. Throws NoData where there is no

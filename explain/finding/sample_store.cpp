@@ -1,6 +1,7 @@
 #include "explain/finding/sample_store.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
@@ -15,6 +16,14 @@ namespace {
 constexpr const char* TIME_AND_DELAY = "curtime, avgdelay";
 constexpr const char* REQUESTS = "acceptnum";
 constexpr int32_t COLUMNS = 3;
+
+// Of a range, and of a point in it: days of tables made every minute, and of a row a second.
+constexpr size_t MOST_TABLES = 10'000;
+constexpr size_t MOST_ROWS = 1'000'000;
+
+[[noreturn]] void ThrowTooMany(const char* what, const std::string& subject) {
+    throw NoData({ReasonKind::BAD_VALUE, 0, 0, subject + ": too many " + what + " for the range"});
+}
 
 // Appends the numbers of all rows to `numbers`.
 uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& numbers,
@@ -41,8 +50,27 @@ std::string Quoted(const std::string& name) {
 
 std::string CompactTime(int64_t time) {
     std::string text;
-    TransUtcTimeToLocalTime(std::to_string(time), text);
+    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
+        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
+    }
     return text;
+}
+
+std::vector<std::string> TablesOf(const Window& stretch) {
+    std::vector<std::string> tables;
+    const std::string start = CompactTime(stretch.start);
+    const std::string end = CompactTime(stretch.end);
+    try {
+        if (FaultGetQueryTable(start, end, tables) != 0) {
+            throw NoData({ReasonKind::UNREADABLE_DATABASE});
+        }
+    } catch (const std::logic_error&) {  // of a conversion, which says less
+        throw NoData({ReasonKind::BAD_VALUE, 0, 0, "a table's name in table_flag has no time"});
+    }
+    if (tables.size() > MOST_TABLES) {
+        ThrowTooMany("tables", "table_flag");
+    }
+    return tables;
 }
 
 Samples SamplesOf(const std::vector<int64_t>& numbers) {
@@ -69,17 +97,17 @@ FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
 
 SampleStore::SampleStore(const std::vector<Window>& stretches) {
     for (const Window& stretch : stretches) {
-        parts.push_back({stretch, {}});
-        if (FaultGetQueryTable(CompactTime(stretch.start), CompactTime(stretch.end), parts.back().tables) !=
-            0) {
-            throw NoData({ReasonKind::UNREADABLE_DATABASE});
-        }
+        parts.push_back({stretch, TablesOf(stretch)});
     }
 }
 
 const PointData& SampleStore::Of(const std::string& point) {
     const auto known = points.find(point);
-    return known != points.end() ? known->second : points.emplace(point, Load(point)).first->second;
+    try {
+        return known != points.end() ? known->second : points.emplace(point, Load(point)).first->second;
+    } catch (const std::logic_error& error) {
+        throw std::invalid_argument(point + ": " + error.what());
+    }
 }
 
 PointData SampleStore::Load(const std::string& point) const {
@@ -96,6 +124,9 @@ PointData SampleStore::Load(const std::string& point) const {
             FaultConstructSql(query, sql);
             if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
                 throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, point});
+            }
+            if (numbers.size() > MOST_ROWS * COLUMNS) {
+                ThrowTooMany("rows", point);
             }
         }
     }

@@ -24,12 +24,12 @@ struct PointData {
 // for. The stretches ascend and do not overlap. Confined to one thread; blocks on the database.
 class SampleStore {
 public:
-    // Chooses the tables. Throws NoData when the database cannot be read or has no tables, and the standard
-    // conversion errors for a table's name without a time.
+    // Chooses the tables. Throws NoData when the database cannot be read, has no tables, far too many, or one
+    // whose name is without a time, and std::runtime_error when this machine's zone cannot be asked for.
     explicit SampleStore(const std::vector<Window>& stretches);
 
-    // Valid as long as the store. A point without rows has none. Throws NoData when a query failed, and the
-    // standard conversion errors for a cell that is no number.
+    // Valid as long as the store. A point without rows has none. Throws NoData when a query failed or its
+    // rows are far too many, and std::invalid_argument, which names the point, for a cell that is no number.
     const PointData& Of(const std::string& point);
 
     // All points that were asked for.

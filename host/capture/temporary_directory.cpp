@@ -23,12 +23,25 @@ std::string MakeDirectory() {
     return path;
 }
 
-// Out of reach of the signals that end this process and its group.
+// While it lives no signal is delivered to the calling thread, or to a process that it forks.
+class BlockedSignals {
+public:
+    BlockedSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_SETMASK, &all, &before);
+    }
+    ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &before, nullptr); }
+    BlockedSignals(const BlockedSignals&) = delete;
+    BlockedSignals& operator=(const BlockedSignals&) = delete;
+
+private:
+    sigset_t before{};
+};
+
+// Out of reach of the signals that end this process and its group: it was forked while they were blocked.
 [[noreturn]] void RemoveAtTheEnd(int lifeline, const std::string& path) {
     setsid();
-    for (const int signal : {SIGHUP, SIGINT, SIGQUIT, SIGTERM}) {
-        std::signal(signal, SIG_IGN);
-    }
     char byte = 0;
     while (read(lifeline, &byte, 1) < 0 && errno == EINTR) {
     }
@@ -43,7 +56,9 @@ std::string TemporaryPlace() {
     return named == nullptr || *named == '\0' ? "/tmp" : named;
 }
 
-TemporaryDirectory::TemporaryDirectory() : path(MakeDirectory()) {
+TemporaryDirectory::TemporaryDirectory() {
+    const BlockedSignals blocked;  // or one would leave the directory there before it has its remover
+    path = MakeDirectory();
     int ends[2] = {-1, -1};
     const bool isPipe = pipe2(ends, O_CLOEXEC) == 0;
     remover = isPipe ? fork() : -1;

@@ -58,6 +58,9 @@ fs::path NewFileBeside(const fs::path& target) {
 }  // namespace
 
 ReplacedFile::ReplacedFile(fs::path file) : target(std::move(file)) {
+    if (fs::is_directory(fs::symlink_status(target))) {  // found out before anything else is replaced
+        throw std::system_error(EISDIR, std::generic_category(), "cannot write " + target.string());
+    }
     fs::create_directories(target.parent_path());
     RemoveLeftOvers(target);
     newPath = NewFileBeside(target);
@@ -83,8 +86,12 @@ void ReplacedFile::Write(const std::string& text) const {
 }
 
 void ReplacedFile::Commit() {
-    RemoveJournals(target);
-    fs::rename(newPath, target);
+    try {
+        RemoveJournals(target);
+        fs::rename(newPath, target);
+    } catch (const fs::filesystem_error& error) {
+        throw std::system_error(error.code(), "cannot write " + target.string());
+    }
     newPath.clear();
 }
 

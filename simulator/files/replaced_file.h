@@ -11,7 +11,7 @@ class ReplacedFile {
 public:
     // Creates the folder of `target` and in it the new file, empty, under a name that was free, with the mode
     // of the old file, if any, and its owner where that may be set. Removes what interrupted runs left there.
-    // Throws std::system_error.
+    // Throws std::system_error, also where `target` is a folder.
     explicit ReplacedFile(std::filesystem::path target);
     // Removes the new file unless it was committed.
     ~ReplacedFile();
@@ -25,7 +25,7 @@ public:
     // Writes `text` as the new file. Throws std::runtime_error.
     void Write(const std::string& text) const;
     // Puts the new file in the old one's place. A database's journals of the old file go with it. Throws
-    // std::filesystem::filesystem_error.
+    // std::system_error.
     void Commit();
 
 private:
