@@ -90,6 +90,10 @@ std::string AnswerOf(const Analysis& analysis, const Report& report, const Figur
 // without an event.
 std::string SinceOf(const Analysis& analysis, const Report& report);
 
+// What the graph advises for the point that is named, behind the words that lead to it; empty when nothing.
+constexpr const char* ADVICE_LEAD = "What to do: ";
+std::string AdviceOf(const Analysis& analysis);
+
 // The answer as the line of a list, "BDM_DISK_READ 97.3 %, sure"; and the event's time there.
 std::string BriefOf(const Analysis& analysis, const Figures& figures);
 std::string BriefTimeOf(const Analysis& analysis, int64_t zoneOffset);

@@ -31,9 +31,8 @@ Markup Answer(const Analysis& analysis, const Report& report) {
     Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, report, PAGE_FIGURES)));
     const std::string since = SinceOf(analysis, report);
     box += since.empty() ? Markup() : Element("p", since);
-    if (analysis.verdict == Verdict::POINT && !analysis.candidates.front().advice.empty()) {
-        box += Element("p", Element("strong", "What to do: ") + Text(analysis.candidates.front().advice));
-    }
+    const std::string advice = AdviceOf(analysis);
+    box += advice.empty() ? Markup() : Element("p", Element("strong", ADVICE_LEAD) + Text(advice));
     return Element("div", {{"class", "answer"}}, box + Quiet(ModulesOf(analysis, PAGE_FIGURES)));
 }
 
@@ -59,11 +58,12 @@ Markup EventPart(const Analysis& analysis, const Report& report) {
 }
 
 Markup Graph(const Analysis& analysis, size_t number) {
-    const Markup note = Element("figcaption",
-                                "Each line leads from a point to what it waits for; its width is the share "
-                                "of the extra delay that flows "
-                                "along it. A box tells what stays with the point itself, of what comes to "
-                                "it. Grey points have no part.");
+    const Markup note =
+        Element("figcaption", {{"class", "wide"}},
+                Text("Each line leads from a point to what it waits for; its width is the share "
+                     "of the extra delay that flows "
+                     "along it. A box tells what stays with the point itself, of what comes to "
+                     "it. Grey points have no part."));
     return Element("h3", "Where the extra delay goes") +
            Element("figure", Element("div",
                                      {{"class", "scroll wide"},

@@ -179,8 +179,10 @@ Markup GraphDrawing(const Analysis& analysis, size_t number) {
                           MARGIN * 2 + turn + (picture.leftOut > 0 ? LINE_HEIGHT * 2 : 0.0);
     const std::string id = "graph" + std::to_string(number);
     Markup drawing;
-    for (size_t i = 0; i < picture.edges.size(); ++i) {
-        drawing += DrawEdge(analysis, picture, i);
+    for (const bool flows : {false, true}) {  // what flows lies above what does not
+        for (size_t i = 0; i < picture.edges.size(); ++i) {
+            drawing += flows == (picture.edges[i].flow > 0.0) ? DrawEdge(analysis, picture, i) : Markup();
+        }
     }
     for (const PlacedNode& node : picture.nodes) {
         drawing += DrawNode(analysis, node);

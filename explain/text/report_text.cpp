@@ -72,9 +72,12 @@ std::string Headline(const Analysis& analysis, const Report& report) {
     const size_t cells = std::min(CellsOf(Subject(analysis)), LINE_CELLS);
     std::string text = subject + std::string(cells, '=') + "\n" +
                        Paragraph("", Printable(AnswerOf(analysis, report, FIGURES)));
-    for (const std::string& line : {SinceOf(analysis, report), ModulesOf(analysis, FIGURES)}) {
-        text += line.empty() ? "" : Paragraph("", Printable(line));
-    }
+    const auto add = [&text](const char* lead, const std::string& line) {
+        text += line.empty() ? "" : Paragraph(lead, Printable(line, MOST_ADVICE));
+    };
+    add("", SinceOf(analysis, report));
+    add(ADVICE_LEAD, AdviceOf(analysis));
+    add("", ModulesOf(analysis, FIGURES));
     return analysis.verdict == Verdict::NOTHING ? text + LargestText(report, analysis.point) : text;
 }
 
@@ -152,11 +155,6 @@ std::string CertaintyText(const Analysis& analysis) {
     return text;
 }
 
-std::string AdviceText(const Candidate& first) {
-    const std::string advice = Printable(first.advice, MOST_ADVICE);
-    return Title("Advice") + Paragraph("  ", advice.empty() ? "the graph has none for this point" : advice);
-}
-
 // ---- the whole
 
 std::string DetailsText(const Analysis& analysis, const Report& report) {
@@ -165,8 +163,7 @@ std::string DetailsText(const Analysis& analysis, const Report& report) {
         text += TreeText(analysis);
     }
     if (analysis.verdict == Verdict::POINT) {
-        text += RankingText(analysis, report.zoneOffset) + CertaintyText(analysis) +
-                AdviceText(analysis.candidates.front());
+        text += RankingText(analysis, report.zoneOffset) + CertaintyText(analysis);
     }
     if (analysis.walk) {
         text +=

@@ -21,6 +21,11 @@ bool IsSingle(const Event& event) {
     return event.first == event.last;
 }
 
+// The slow point itself comes first: there is no cause to be sure of.
+bool NamesItself(const Analysis& analysis) {
+    return analysis.candidates.front().point == analysis.point;
+}
+
 // What holds the delay, without a word on how sure that is.
 std::string HolderOf(const Analysis& analysis, const Figures& figures) {
     const Candidate& first = analysis.candidates.front();
@@ -29,7 +34,7 @@ std::string HolderOf(const Analysis& analysis, const Figures& figures) {
                                   ? ""
                                   : " " + analysis.candidates[1].point + " holds nearly as much: " +
                                         figures.share(analysis.candidates[1].share) + ".";
-    if (first.point != analysis.point) {
+    if (!NamesItself(analysis)) {
         return first.point + " (" + first.graph + ") holds " + share + "." + rival;
     }
     const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
@@ -70,7 +75,8 @@ std::string AnswerOf(const Analysis& analysis, const Report& report, const Figur
     }
     switch (analysis.verdict) {
         case Verdict::POINT:
-            return HolderOf(analysis, figures) + " That is " + CertaintyOf(analysis) + ".";
+            return HolderOf(analysis, figures) +
+                   (NamesItself(analysis) ? "" : " That is " + CertaintyOf(analysis) + ".");
         case Verdict::LOAD:
             return "Load: the requests rose and the delay with them. No point is to blame.";
         case Verdict::NOTHING:
@@ -102,6 +108,10 @@ std::string SinceOf(const Analysis& analysis, const Report& report) {
            StateOf(analysis, report.zoneOffset) + ".";
 }
 
+std::string AdviceOf(const Analysis& analysis) {
+    return analysis.verdict == Verdict::POINT && !analysis.isWeak ? analysis.candidates.front().advice : "";
+}
+
 std::string BriefOf(const Analysis& analysis, const Figures& figures) {
     if (analysis.isWeak) {
         return "within the usual";
@@ -110,6 +120,10 @@ std::string BriefOf(const Analysis& analysis, const Figures& figures) {
         return WordOf(analysis.verdict);
     }
     const Candidate& first = analysis.candidates.front();
+    if (NamesItself(analysis)) {
+        return first.share >= MAJORITY ? "nothing below it explains it"
+                                       : "no single point below it explains it";
+    }
     return first.point + " " + figures.share(first.share) + ", " + WordOf(analysis.certainty);
 }
 

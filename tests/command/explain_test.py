@@ -40,7 +40,7 @@ class Explain(ConsoleTest):
         self.sql("update version_nmaps set locatename = cast(? as text) where locatename = ?", LABEL, DISK)
         status, text, found = self.explain(*self.range)
         self.assertIn(f"\n{SHOWN}\n(SAN_IO_READ) holds ", text)
-        self.assertIn("\n  Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
+        self.assertIn("\nWhat to do: Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
         first = found["analyses"][0]["candidates"][0]
         self.assertEqual((status, first["point"], first["advice"]),
                          (0, LABEL.decode(errors="replace"), ADVICE.decode(errors="replace")))
