@@ -96,7 +96,7 @@ std::string AdviceOf(const Analysis& analysis);
 
 // The answer as the line of a list, "BDM_DISK_READ 97.3 %, sure"; and the event's time there.
 std::string BriefOf(const Analysis& analysis, const Figures& figures);
-std::string BriefTimeOf(const Analysis& analysis, int64_t zoneOffset);
+std::string BriefTimeOf(const Analysis& analysis, const Report& report);
 
 // "module BDM 62.0 %, between nodes 37.0 %", the largest first; empty where no point is named.
 std::string ModulesOf(const Analysis& analysis, const Figures& figures);
@@ -127,6 +127,9 @@ Facts LoadFactsOf(const Analysis& analysis, const Figures& figures);
 // of the report explains.
 std::vector<Event> OthersOf(const Analysis& analysis);
 std::vector<Event> OnlyListedOf(const Analysis& analysis, const Report& report);
+
+// That there are such events, behind the last answer of a point; empty behind others, or where there is none.
+std::string AlsoListed(const Report& report, size_t position);
 
 // Why the detector is silent on the event that is explained; empty when it is not.
 std::string SilenceOf(const Analysis& analysis);

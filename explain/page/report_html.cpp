@@ -48,10 +48,11 @@ Markup Summary(const Report& report) {
     Table table("One answer for each event and graph", {{"Event"}, {"Point"}, {"Graph"}, {"Answer"}});
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         const Analysis& analysis = report.analyses[i];
-        const std::string when = BriefTimeOf(analysis, report.zoneOffset);
+        const std::string more = AlsoListed(report, i);
         table.Add({Element("a", {{"href", "#analysis" + std::to_string(i + 1)}},
-                           Text(when.empty() ? "no event" : when)),
-                   Text(analysis.point), Text(analysis.graph), Text(BriefOf(analysis, PAGE_FIGURES))});
+                           Text(BriefTimeOf(analysis, report))),
+                   Text(analysis.point), Text(analysis.graph),
+                   Text(BriefOf(analysis, PAGE_FIGURES) + (more.empty() ? "" : "; " + more))});
     }
     return Element("section", Element("h2", "Answers") + table.Done());
 }

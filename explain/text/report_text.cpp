@@ -84,13 +84,16 @@ std::string Headline(const Analysis& analysis, const Report& report) {
 // The answers in short, where there are several.
 std::string Overview(const Report& report) {
     std::string text = "Answers\n";
-    for (size_t i = 0; i < report.analyses.size(); ++i) {
-        const Analysis& analysis = report.analyses[i];
-        if (i == 0 || Subject(analysis) != Subject(report.analyses[i - 1])) {
-            text += Paragraph("  ", Subject(analysis));
+    const std::vector<Analysis>& all = report.analyses;
+    for (size_t i = 0; i < all.size(); ++i) {
+        const std::string subject = Subject(all[i]);
+        if (i == 0 || Subject(all[i - 1]) != subject) {
+            text += Paragraph("  ", subject);
         }
-        text += Paragraph("    " + PadRight(BriefTimeOf(analysis, report.zoneOffset), 31) + "  ",
-                          Printable(BriefOf(analysis, FIGURES)));
+        text += Paragraph("    " + PadRight(BriefTimeOf(all[i], report), 31) + "  ",
+                          Printable(BriefOf(all[i], FIGURES)));
+        const std::string more = AlsoListed(report, i);
+        text += more.empty() ? "" : Paragraph("    ", more);
     }
     return text;
 }

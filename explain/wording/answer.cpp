@@ -54,6 +54,11 @@ std::string WeakAnswer(const Analysis& analysis, const Figures& figures) {
                                      : "There is no extra delay to divide.");
 }
 
+// Whether what is divided is a stretch of time that was asked for, and no event that begins and ends.
+bool IsWindow(const Analysis& analysis, const Report& report) {
+    return analysis.isWeak || report.question.during;
+}
+
 std::string StateOf(const Analysis& analysis, int64_t zoneOffset) {
     const Event& event = *analysis.event;
     const std::string last = LocalTime(event.end, zoneOffset);
@@ -96,8 +101,8 @@ std::string SinceOf(const Analysis& analysis, const Report& report) {
         return {};
     }
     const Event& event = *analysis.event;
-    if (analysis.isWeak || report.question.during) {
-        return "Looked at from " + LocalTimes(event.start, event.end, report.zoneOffset) + ".";
+    if (IsWindow(analysis, report)) {
+        return "The time that was looked at: " + LocalTimes(event.start, event.end, report.zoneOffset) + ".";
     }
     const std::string start = LocalTime(event.start, report.zoneOffset);
     if (IsSingle(event)) {
@@ -127,13 +132,14 @@ std::string BriefOf(const Analysis& analysis, const Figures& figures) {
     return first.point + " " + figures.share(first.share) + ", " + WordOf(analysis.certainty);
 }
 
-std::string BriefTimeOf(const Analysis& analysis, int64_t zoneOffset) {
+std::string BriefTimeOf(const Analysis& analysis, const Report& report) {
     if (!analysis.event) {
-        return {};
+        return "no event";
     }
     const Event& event = *analysis.event;
-    return event.isOngoing ? LocalTime(event.start, zoneOffset) + ", going on"
-                           : LocalTimes(event.start, event.end, zoneOffset);
+    return event.isOngoing && !IsWindow(analysis, report)
+               ? LocalTime(event.start, report.zoneOffset) + ", going on"
+               : LocalTimes(event.start, event.end, report.zoneOffset);
 }
 
 std::string ModulesOf(const Analysis& analysis, const Figures& figures) {

@@ -31,7 +31,7 @@ std::string MissingOf(const Report& report) {
     };
     add(coverage.lacksBegin, "none before " + LocalTime(coverage.oldest.value_or(0), report.zoneOffset));
     add(coverage.lacksEnd, "none after " + LocalTime(coverage.newest.value_or(0), report.zoneOffset));
-    add(coverage.lacksBetween, "a fifth of the intervals between or more is missing");
+    add(coverage.lacksBetween, "a fifth or more of the intervals between is missing");
     return text;
 }
 

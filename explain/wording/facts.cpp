@@ -112,6 +112,15 @@ std::vector<Event> OnlyListedOf(const Analysis& analysis, const Report& report) 
     return listed;
 }
 
+std::string AlsoListed(const Report& report, size_t position) {
+    const Analysis& analysis = report.analyses[position];
+    const size_t next = position + 1;
+    const bool isLast = next == report.analyses.size() || report.analyses[next].point != analysis.point ||
+                        report.analyses[next].graph != analysis.graph;
+    const size_t count = isLast ? OnlyListedOf(analysis, report).size() : 0;
+    return count == 0 ? "" : "and " + Counted(count, "other event") + ", listed with each answer";
+}
+
 std::string SilenceOf(const Analysis& analysis) {
     switch (analysis.silence) {
         case Silence::FEW:

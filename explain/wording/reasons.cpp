@@ -19,6 +19,7 @@ constexpr struct {
     {ReasonKind::NO_ROWS_IN_EVENT, "no rows during the event"},
     {ReasonKind::NO_ROWS, "no rows in the range"},
     {ReasonKind::FEW_BEFORE_EVENT, "only {samples} before the event, {needed} are needed"},
+    {ReasonKind::FEW_IN_BASELINE, "the baseline that was named has only {samples}, {needed} are needed"},
     {ReasonKind::FEW_FOR_SIGMA, "only {samples}: three-sigma needs {needed} to fire"},
     {ReasonKind::CLOCK_JUMPED, "the clock jumped: rows were put in the order of their times"},
     {ReasonKind::FEW_IN_COMMON, "too few intervals in common with the point above: {count} of {needed}"},

@@ -89,6 +89,8 @@ class Explain(ConsoleTest):
             (["--zone", "+0200", *times], 3, "named in \\+08:00: use --zone \\+0800"),
             ([compact(epoch - 3600), quiet], 4, "only a part of the range"), (ten, 1, "^Nothing anomalous: "),
             (["--during", peak, compact(epoch + 9600)], 0, DISK), (["--during", *ten], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
+            (["--baseline", quiet, times[1], *times], 0, "^  usual by .*, as named, "), (["--baseline", "yesterday", *times], 4, "baseline that was named has only 0 samples"),
+            (["--baseline", *times, *times, "60"], 2, "--help"),
             (["--point", "X\x1b", *graph, *times], 3, r"the graph SAN_IO_READ has no point X\\x1b"),
             ([*point, "--graph", "X", *times], 3, "the configuration has no graph X"),
             ([*point, "--at", first, *times], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
