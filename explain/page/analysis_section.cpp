@@ -168,8 +168,10 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
     }
     section += EventPart(analysis, report);
     if (IsAnswer(analysis)) {
-        section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
-                   CertaintyPart(analysis);
+        section += Graph(analysis, number);
+    }
+    if (analysis.verdict == Verdict::POINT) {
+        section += Element("h3", "Ranking") + RankingTable(analysis) + CertaintyPart(analysis);
     }
     section += WalkPart(analysis, report.zoneOffset);
     if (analysis.world != nullptr) {
