@@ -53,6 +53,11 @@ void Input::Open() const {
         throw std::runtime_error("the configuration " + directory + ZORV_ROUTE_CONFIG_FILE +
                                  " cannot be read");
     }
+    for (const char* const file : {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE}) {
+        if (std::error_code ignored; !std::filesystem::exists(FaultPath(file), ignored)) {
+            throw std::runtime_error("the database " + directory + file + " is not there");
+        }
+    }
     if (FaultDataBaseInit() != 0) {
         throw std::runtime_error("the databases " + directory + LUMO_DATABASE_FILE + " and " + directory +
                                  ZORV_HEAL_DATABASE_FILE + " cannot both be opened");

@@ -20,6 +20,7 @@
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
+#include "host/process/statements.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 
@@ -39,7 +40,7 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     try {
         Survey(request, report);
     } catch (...) {
-        throw std::runtime_error(SentenceOf(ReasonOfFailure()));
+        throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
     }
     return report;
 }

@@ -14,10 +14,11 @@ constexpr const char* DESCRIPTION =
 constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
 yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time up to now. Without --point,
-every point that the detector flags in the range is explained.
+every event of the points at which hosts enter is explained.
 
-Exit status: 0 answered, 1 nothing anomalous, 2 wrong usage, 3 no data or no configuration, 4 cannot tell,
-5 the answer or the page cannot be written, 130 (in a shell) ended with Ctrl-C.
+Exit status: 0 answered, 1 nothing anomalous or within the usual, 2 wrong usage, 3 no data or no
+configuration, 4 cannot tell, or nothing in a range of which a part has no rows, 5 the answer or the page
+cannot be written, 130 (in a shell) ended with Ctrl-C.
 
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
@@ -48,7 +49,7 @@ void Declare(CLI::App& app, Options& options) {
         ->excludes(at);
     app.add_option("--baseline", options.baseline,
                    "What tells what is usual: START END, or the same stretch 'yesterday', '-7d'")
-        ->expected(1, 2)
+        ->expected(1, 4)  // those of the range among them: see SplitBaseline()
         ->type_name("START END");
     app.add_option("--node", options.node, "The node's name, for reports of several")->type_name("NAME");
     app.add_flag("--json", options.json, "Print JSON");
@@ -57,16 +58,25 @@ void Declare(CLI::App& app, Options& options) {
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
 
-// A word behind the one of --baseline is the range's where that would lack it.
+bool IsMinutes(const std::string& word) {
+    return word.size() <= 4 && word.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// The words behind those of --baseline are the range's where that would lack them.
 void SplitBaseline(Options& options) {
-    const auto isNumber = [](const std::string& word) {
-        return word.find_first_not_of("0123456789") == std::string::npos;
-    };
-    const std::vector<std::string>& times = options.times;
-    const bool lacksTimes = times.empty() ? options.during.empty() : times.size() == 1 && !isNumber(times[0]);
-    if (options.baseline.size() > 1 && lacksTimes) {
-        options.times.insert(options.times.begin(), options.baseline.back());
-        options.baseline.pop_back();
+    std::vector<std::string>& words = options.baseline;
+    std::vector<std::string>& times = options.times;
+    const bool lacksTimes =
+        times.empty() ? options.during.empty() : times.size() == 1 && !IsMinutes(times[0]);
+    if (words.size() < 2 || !lacksTimes) {
+        return;
+    }
+    const bool hasMinutes = times.empty() && IsMinutes(words.back());
+    const auto range = hasMinutes || !times.empty() || words.size() == 2 ? 1 : 2;
+    times.insert(times.begin(), words.end() - range, words.end());
+    words.erase(words.end() - range, words.end());
+    if (words.size() > 2) {
+        throw CLI::ArgumentMismatch("--baseline: a START and an END, 'yesterday' or '-7d'");
     }
 }
 

@@ -189,13 +189,21 @@ private:
             return;
         }
         if (look.finding.deviations.empty()) {
-            AddWithout(look, graph, Verdict::CANNOT_TELL,
-                       {ReasonKind::FEW_FOR_SIGMA, samples.size(), FEWEST_FOR_EVENTS});
+            AddWithout(look, graph, Verdict::CANNOT_TELL, WhyTooFew(samples));
         } else {
             AddWithout(look, graph, question.during ? Verdict::CANNOT_TELL : Verdict::NOTHING,
                        {question.during ? ReasonKind::NO_ROWS_IN_EVENT : ReasonKind::NO_HIGH_SAMPLE});
         }
         report.analyses.back().world = world;
+    }
+
+    // Why nothing tells what is usual.
+    Reason WhyTooFew(const Samples& samples) const {
+        if (!question.baseline) {
+            return {ReasonKind::FEW_FOR_SIGMA, samples.size(), FEWEST_FOR_EVENTS};
+        }
+        const auto [first, end] = PositionsIn(samples, *question.baseline);
+        return {ReasonKind::FEW_IN_BASELINE, end - first, FEWEST_FOR_EVENTS};
     }
 
     void AddWithout(const explain::Look& look, const std::string& graph, Verdict verdict,

@@ -1,5 +1,5 @@
-// Every sentence of the reports, once: text, page and JSON take theirs from here. Names in a sentence are as
-// the configuration has them: whoever shows it makes it harmless.
+// Every sentence of the reports, once: text, page and JSON take theirs from here, so that they say the same.
+// Names in a sentence are as the configuration has them: whoever shows it makes it harmless.
 #pragma once
 
 #include <cstddef>
@@ -19,14 +19,26 @@ enum class Nature;
 enum class Verdict;
 struct Analysis;
 struct Candidate;
-struct ChanceFlags;
 struct Event;
 struct Look;
 struct Reason;
 struct Report;
+struct Trial;
 
-// How a form of the report writes a share of 0 to 1.
-using ShareFigure = std::string (*)(double);
+// How a form of the report writes what it measures.
+struct Figures {
+    std::string (*share)(double);  // of 0 to 1
+    std::string (*delay)(double);  // in microseconds
+};
+
+// A line of a section: what it is about, in a word, and what there is to say.
+struct Fact {
+    const char* name;
+    std::string sentence;
+};
+using Facts = std::vector<Fact>;
+
+// ---- words and figures
 
 // The time of day of a local time, as "14:03:00". `zoneOffset` is in seconds east of UTC.
 std::string TimeOfDay(int64_t time, int64_t zoneOffset);
@@ -41,11 +53,6 @@ std::string Fixed(double value, int decimals);
 // A share of 0 to 1 as "84.3 %".
 std::string Percent(double share);
 
-// "only 10 samples: three-sigma needs 11 to fire"; with `most`, "only 4 to 10 samples ...", of several
-// reasons that differ in their counts.
-std::string SentenceOf(const Reason& reason);
-std::string SentenceOf(const Reason& reason, size_t most);
-
 // "point", "load", "nothing", "cannot tell"; "device", "load", "usual", "unknown"; "first half".
 const char* WordOf(Verdict verdict);
 const char* WordOf(Nature nature);
@@ -55,48 +62,86 @@ const char* WordOf(Certainty certainty);  // "sure", "likely", "unsure"
 // What stands for the module of points that wait for other nodes.
 constexpr const char* BETWEEN_NODES = "between nodes";
 
-// What stands for the name of a point that could not be told.
-constexpr const char* CANNOT_TELL_WHICH = "cannot tell";
-
-// The whole answer where no point is slow: an all clear only where the whole range was looked at.
-std::string NothingOf(const Report& report);
-
-// Why the detector is silent on the event that is explained; empty when it is not.
-std::string SilenceOf(const Analysis& analysis);
-
-// Whether the event still goes on: "still going on at the last sample", "over".
-std::string StateOf(const Event& event);
-
-// The answer in a few sentences.
-std::string AnswerOf(const Analysis& analysis, ShareFigure figure);
+// What the columns of the table of points mean.
+constexpr const char* COLUMNS_LEGEND =
+    "z: how far the event's samples lie from the usual in the mean, in deviations; r: correlation with the "
+    "point above, over the range";
 
 // "14.2 deviations above the usual".
 std::string DeviationsOf(double deviations);
 
-// What the delay at equal load says; what the nature of a delay means.
-std::string EqualLoadOf(const std::optional<double>& ratio);
-std::string MeaningOf(Nature nature);
+// "only 10 samples: three-sigma needs 11 to fire"; with `most`, "only 4 to 10 samples ...", of several
+// reasons that differ in their counts.
+std::string SentenceOf(const Reason& reason);
+std::string SentenceOf(const Reason& reason, size_t most);
 
-// How sure the order of the candidates is, of which there must be one: how far the first is ahead; how many
-// parts of the baseline agree.
-std::string MarginOf(const std::vector<Candidate>& candidates, ShareFigure figure);
+// The same of what ended everything; `failed` is what SQLite says of it, empty when it says nothing.
+std::string FailureOf(const Reason& reason, const std::string& failed);
+
+// ---- the answer
+
+// Whether the second candidate is hardly behind the first: then none of the two is to blame alone.
+bool IsTie(const std::vector<Candidate>& candidates);
+
+// What holds the delay and how sure that is; or why there is no answer.
+std::string AnswerOf(const Analysis& analysis, const Report& report, const Figures& figures);
+
+// Since when, and whether it still goes on: "Slow since 2023-01-05 12:58:00, over since 13:00:00." Empty
+// without an event.
+std::string SinceOf(const Analysis& analysis, const Report& report);
+
+// What the graph advises for the point that is named, behind the words that lead to it; empty when nothing.
+constexpr const char* ADVICE_LEAD = "What to do: ";
+std::string AdviceOf(const Analysis& analysis);
+
+// The answer as the line of a list, "BDM_DISK_READ 97.3 %, sure"; and the event's time there.
+std::string BriefOf(const Analysis& analysis, const Figures& figures);
+std::string BriefTimeOf(const Analysis& analysis, const Report& report);
+
+// "module BDM 62.0 %, between nodes 37.0 %", the largest first; empty where no point is named.
+std::string ModulesOf(const Analysis& analysis, const Figures& figures);
+
+// Why the answer is as sure as it is; how far the first candidate is ahead; how many parts of the baseline
+// agree. There must be a candidate.
+std::string CertaintyOf(const Analysis& analysis);
+std::string MarginOf(const std::vector<Candidate>& candidates, const Figures& figures);
 std::string AgreementOf(const Analysis& analysis);
 
-// "module BDM 62.0 %, between nodes 37.0 %", the largest first.
-std::string ModulesOf(const Analysis& analysis, ShareFigure figure);
+// The point that comes first in a trial, or that none can be told.
+std::string FirstOf(const Trial& trial);
 
 // What the plug-in's own walk says beside the answer, with the window that it looked at; its subject is the
 // walk.
 std::string WalkOf(const Analysis& analysis, int64_t zoneOffset);
 
-// What an answer rests on: "480 of 480 intervals, 190 of 190 points, newest row 14:29:30 (20 s old)".
-std::string BasisOf(const Report& report);
+// ---- what it rests on
 
-// How far the point went from the usual: "largest deviation 2.1, 1039 us at 12:59:00"; or that it has no
-// rows.
-std::string LargestOf(const Look& look, int64_t zoneOffset);
+// Of the event that is explained: when, peak, why the detector is silent, what is usual and by what. Empty
+// without an event.
+Facts EventFactsOf(const Analysis& analysis, const Report& report, const Figures& figures);
 
-// How many samples are flagged, and how many would be by chance.
-std::string ChanceOf(const ChanceFlags& flags);
+// Delay and load of the slow point beside what is usual; empty where nothing is known of them.
+Facts LoadFactsOf(const Analysis& analysis, const Figures& figures);
+
+// The events beside the one that is explained, in the order of time; and of them those that no other analysis
+// of the report explains.
+std::vector<Event> OthersOf(const Analysis& analysis);
+std::vector<Event> OnlyListedOf(const Analysis& analysis, const Report& report);
+
+// That there are such events, behind the last answer of a point; empty behind others, or where there is none.
+std::string AlsoListed(const Report& report, size_t position);
+
+// Why the detector is silent on the event that is explained; empty when it is not.
+std::string SilenceOf(const Analysis& analysis);
+
+// What was looked at: the range, how much of it has rows, what is missing, and how many flags say anything.
+Facts BasisOf(const Report& report);
+
+// The whole answer where no point is slow: an all clear only where the whole range was looked at.
+std::string NothingOf(const Report& report);
+
+// How far the point went from the usual: "largest deviation 2.1, 1039 us at 12:59:00"; or
+// that it has no rows.
+std::string LargestOf(const Look& look, const Report& report, const Figures& figures);
 
 }  // namespace explain

@@ -25,6 +25,7 @@ enum class ReasonKind {
     NO_HIGH_SAMPLE,
     NO_REQUESTS,
     NO_REQUEST_COUNTS,  // an observation point at the top
+    FEW_IN_BASELINE,    // samples, in the one that was named
 
     // Why nothing could be looked at.
     NO_GRAPH,

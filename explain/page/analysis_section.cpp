@@ -1,5 +1,7 @@
 #include "explain/page/analysis_section.h"
 
+#include <algorithm>
+
 #include "explain/page/drawings.h"
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
@@ -9,95 +11,79 @@
 namespace explain {
 namespace {
 
-constexpr size_t SERIES_MOST = 8;  // of a way
+constexpr size_t SERIES_MOST = 8;    // of a way
+constexpr int64_t LEAST_BEFORE = 4;  // of what follows an event's begin, the part shown before it
 
-const char* StyleOf(Verdict verdict) {
-    switch (verdict) {
-        case Verdict::POINT:
-            return "answer point";
-        case Verdict::LOAD:
-            return "answer load";
-        case Verdict::NOTHING:
-        case Verdict::CANNOT_TELL:
-        default:
-            return "answer";
-    }
+// What the eye is to catch: red is for what is likely at least, and no tie is.
+const char* StyleOf(const Analysis& analysis) {
+    const bool isPoint = analysis.verdict == Verdict::POINT;
+    return !IsAnswer(analysis) || analysis.isWeak                                  ? "weak"
+           : !isPoint                                                              ? "load"
+           : analysis.certainty == Certainty::UNSURE || IsTie(analysis.candidates) ? "unsure"
+                                                                                   : "point";
 }
 
-Markup Answer(const Analysis& analysis) {
-    Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, PercentFigure)));
-    if (analysis.verdict == Verdict::POINT) {
-        const std::string& advice = analysis.candidates.front().advice;
-        box += advice.empty() ? Markup() : Element("p", Element("strong", "What to do: ") + Text(advice));
-        box += Element("p", {{"class", "quiet"}},
-                       Text(AgreementOf(analysis) + "; " + MarginOf(analysis.candidates, PercentFigure)));
-    }
-    return Element("div", {{"class", StyleOf(analysis.verdict)}}, box);
+Markup Quiet(const std::string& sentence) {
+    return sentence.empty() ? Markup() : Element("p", {{"class", "quiet"}}, Text(sentence));
 }
 
-class Facts {
-public:
-    void Add(std::string_view name, std::string_view value) {
-        facts += Element("div", Element("dt", name) + Element("dd", value));
-    }
-    Markup Done() const { return Element("dl", {{"class", "facts"}}, facts); }
-
-private:
-    Markup facts;
-};
-
-void AddLoad(const Evidence& top, Facts& facts) {
-    facts.Add("Delay, mean in the event",
-              DelayFigure(top.eventDelay) + " against " + DelayFigure(top.baselineDelay) + " before it");
-    facts.Add("Requests per interval",
-              Figure(top.eventRequests, 0) + " against " + Figure(top.baselineRequests, 0) + " before it");
-    facts.Add("Delay at equal load", EqualLoadOf(top.equalLoadRatio));
-    facts.Add("Load or device", MeaningOf(top.nature));
-    facts.Add("Baseline", Counted(top.baselineCount, "sample") + " before the event");
+Markup Answer(const Analysis& analysis, const Report& report) {
+    Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, report, PAGE_FIGURES)));
+    const std::string since = SinceOf(analysis, report);
+    box += since.empty() ? Markup() : Element("p", since);
+    const std::string advice = AdviceOf(analysis);
+    box += advice.empty() ? Markup() : Element("p", Element("strong", ADVICE_LEAD) + Text(advice));
+    return Element("div", {{"class", "answer"}}, box + Quiet(ModulesOf(analysis, PAGE_FIGURES)));
 }
 
-Markup EventFacts(const Analysis& analysis, int64_t zoneOffset) {
+// What was seen of the point, where that is the whole answer.
+Markup LargestPart(const Analysis& analysis, const Report& report) {
+    for (const Look& look : report.looks) {
+        if (look.point == analysis.point && analysis.verdict == Verdict::NOTHING) {
+            return Element("p", LargestOf(look, report, PAGE_FIGURES));
+        }
+    }
+    return {};
+}
+
+Markup EventPart(const Analysis& analysis, const Report& report) {
     if (!analysis.event) {
         return {};
     }
-    const Event& event = *analysis.event;
-    Facts facts;
-    facts.Add("When", LocalTimes(event.start, event.end, zoneOffset));
-    facts.Add("Peak", DelayFigure(event.peakDelay) + " at " + TimeOfDay(event.peakTime, zoneOffset) + ", " +
-                          DeviationsOf(event.peakDeviations));
-    facts.Add("High samples", std::to_string(event.count));
-    if (!analysis.findings.empty()) {
-        AddLoad(analysis.findings.front().evidence, facts);
+    Facts facts = EventFactsOf(analysis, report, PAGE_FIGURES);
+    for (const Fact& fact : LoadFactsOf(analysis, PAGE_FIGURES)) {
+        facts.push_back(fact);
     }
-    return Element("h3", "The event") + facts.Done() + EventTable(analysis, zoneOffset);
+    return Element("h3", "The event") + FactList(facts) + EventTable(analysis, report);
 }
 
 Markup Graph(const Analysis& analysis, size_t number) {
-    const Markup note = Element("figcaption",
-                                "Each line leads from a point to what it waits for; its width is the share "
-                                "of the extra delay that flows "
-                                "along it. A box tells what stays with the point itself, of what comes to "
-                                "it. Grey points have no part.");
+    const Markup note =
+        Element("figcaption", {{"class", "wide"}},
+                Text("Each line leads from a point to what it waits for; its width is the share "
+                     "of the extra delay that flows "
+                     "along it. A box tells what stays with the point itself, of what comes to "
+                     "it. Grey points have no part."));
     return Element("h3", "Where the extra delay goes") +
            Element("figure", Element("div",
-                                     {{"class", "scroll"},
+                                     {{"class", "scroll wide"},
                                       {"tabindex", "0"},
                                       {"role", "region"},
                                       {"aria-label", "Graph of the extra delay"}},
                                      GraphDrawing(analysis, number)) +
-                                 note);
+                                 FlowList(analysis) + note);
 }
 
+// Once for wide screens and once for narrow ones.
 Markup SeriesFigure(const Analysis& analysis, const std::string& point, const std::optional<double>& usual,
                     const SeriesFrame& frame, const std::string& id) {
-    const Markup caption = Element("figcaption", Element("strong", point));
-    const Markup drawing = SeriesDrawing(point, analysis.world->points.at(point).samples, usual, frame, id);
-    return Element("figure", caption + Element("div",
-                                               {{"class", "scroll"},
-                                                {"tabindex", "0"},
-                                                {"role", "region"},
-                                                {"aria-label", "Delay of " + point}},
-                                               drawing));
+    const Samples& samples = analysis.world->points.at(point).samples;
+    Markup figure = Element("figcaption", Element("strong", point));
+    for (const bool isNarrow : {false, true}) {
+        figure += Element("div", {{"class", isNarrow ? "narrow" : "wide"}},
+                          SeriesDrawing(point, samples, usual, frame, id + (isNarrow ? "n" : ""), isNarrow));
+    }
+    return Element("figure", figure);
 }
 
 // Of a long way, its upper end and the answer.
@@ -112,17 +98,27 @@ std::vector<size_t> DrawnWay(const Analysis& analysis) {
     return way;
 }
 
-Markup Series(const Analysis& analysis, const Report& report, size_t number) {
-    SeriesFrame frame{
-        report.question.range.start, report.question.range.end, report.zoneOffset, analysis.event, {}};
-    if (analysis.baseline) {
-        frame.baselineStart = analysis.baseline->start;
+// The range, and an event before it, with something of what was before.
+SeriesFrame FrameOf(const Analysis& analysis, const Report& report) {
+    const Window& range = report.question.range;
+    SeriesFrame frame{range.start, range.end, range.start, report.zoneOffset, analysis.event, {}, {}};
+    frame.others = OthersOf(analysis);
+    frame.baseline = analysis.baseline;
+    if (analysis.event) {
+        const int64_t before = (range.end - analysis.event->start) / LEAST_BEFORE;
+        frame.start = std::min(range.start, analysis.event->start - before);
     }
+    return frame;
+}
+
+Markup Series(const Analysis& analysis, const Report& report, size_t number) {
+    const SeriesFrame frame = FrameOf(analysis, report);
     Markup figures =
         Element("h3", IsAnswer(analysis) ? "Delay along the way" : "Delay of the point") +
         Element("p", {{"class", "quiet"}},
                 Text("Mean delay per interval over local time (UTC" + ZoneText(report.zoneOffset) +
-                     "). The dashed line is the median of the baseline."));
+                     "). The dashed line is the median of the baseline. Shaded are the baseline, the event, "
+                     "other events without a border, and what lies before the range."));
     size_t count = 0;
     for (const size_t node : DrawnWay(analysis)) {
         const std::optional<double> usual =
@@ -131,6 +127,13 @@ Markup Series(const Analysis& analysis, const Report& report, size_t number) {
                                 "series" + std::to_string(number) + "-" + std::to_string(++count));
     }
     return figures;
+}
+
+Markup CertaintyPart(const Analysis& analysis) {
+    return Element("h3", "How sure that is") +
+           Element("p", CertaintyOf(analysis) + "; " + MarginOf(analysis.candidates, PAGE_FIGURES) + "; " +
+                            AgreementOf(analysis)) +
+           TrialTable(analysis);
 }
 
 Markup WalkPart(const Analysis& analysis, int64_t zoneOffset) {
@@ -147,14 +150,28 @@ bool IsAnswer(const Analysis& analysis) {
     return analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
 }
 
+Markup FactList(const Facts& facts) {
+    Markup list;
+    for (const Fact& fact : facts) {
+        list += Element("div", Element("dt", fact.name) + Element("dd", fact.sentence));
+    }
+    return Element("dl", {{"class", "facts"}}, list);
+}
+
 Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t number) {
     const std::string id = "analysis" + std::to_string(number);
     Markup section = Element("h2", {{"id", id + "-name"}},
                              Text(analysis.point) + Element("small", Text(" in ") + Text(analysis.graph)));
-    section += Answer(analysis) + EventFacts(analysis, report.zoneOffset);
+    section += Answer(analysis, report) + LargestPart(analysis, report);
+    if (report.analyses.size() == 1) {
+        section += Element("h3", "Looked at") + FactList(BasisOf(report));
+    }
+    section += EventPart(analysis, report);
     if (IsAnswer(analysis)) {
-        section += Graph(analysis, number) + Element("h3", "Ranking") + RankingTable(analysis) +
-                   Element("h3", "How sure that is") + TrialTable(analysis);
+        section += Graph(analysis, number);
+    }
+    if (analysis.verdict == Verdict::POINT) {
+        section += Element("h3", "Ranking") + RankingTable(analysis) + CertaintyPart(analysis);
     }
     section += WalkPart(analysis, report.zoneOffset);
     if (analysis.world != nullptr) {
@@ -163,7 +180,8 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
     if (!analysis.findings.empty()) {
         section += Element("h3", "Evidence per point") + EvidenceTables(analysis, report.zoneOffset);
     }
-    return Element("section", {{"id", id}, {"aria-labelledby", id + "-name"}}, section);
+    return Element("section", {{"id", id}, {"class", StyleOf(analysis)}, {"aria-labelledby", id + "-name"}},
+                   section);
 }
 
 }  // namespace explain

@@ -11,10 +11,11 @@ namespace explain {
 namespace {
 
 // In the units of the drawing, which is shown in about its own size on a wide screen.
-constexpr double WIDTH = 1100.0;
+constexpr double WIDE = 1100.0;
+constexpr double NARROW = 350.0;
 constexpr double HEIGHT = 168.0;
 constexpr double LEFT = 76.0;
-constexpr double RIGHT = WIDTH - 12.0;
+constexpr double MARGIN = 12.0;
 constexpr double TOP = 20.0;
 constexpr double BOTTOM = HEIGHT - 26.0;
 constexpr double TICK = 5.0;
@@ -25,6 +26,7 @@ constexpr double NAMED_BASELINE = 120.0;  // narrower ones have no room for the 
 
 constexpr size_t BUCKETS = 300;  // each draws its lowest and its highest sample
 constexpr int64_t TIME_TICKS_MOST = 9;
+constexpr int64_t TIME_TICKS_NARROW = 3;
 constexpr double DELAY_TICKS = 4.0;
 constexpr double GAP = 2.5;  // distances of two drawn samples, before the line breaks
 
@@ -39,12 +41,13 @@ double RoundStep(double least) {
     return 10.0 * power;
 }
 
-int64_t TimeStep(int64_t span) {
+// For at most so many ticks.
+int64_t TimeStep(int64_t span, int64_t most) {
     static constexpr std::array<int64_t, 14> STEPS = {1,   5,    10,   30,   60,    300,   600,
                                                       900, 1800, 3600, 7200, 10800, 21600, 43200};
-    const auto* step = std::find_if(STEPS.begin(), STEPS.end(),
-                                    [span](int64_t one) { return span / one <= TIME_TICKS_MOST; });
-    return step != STEPS.end() ? *step : std::max<int64_t>(86400, span / TIME_TICKS_MOST);
+    const auto* step =
+        std::find_if(STEPS.begin(), STEPS.end(), [=](int64_t one) { return span / one <= most; });
+    return step != STEPS.end() ? *step : std::max<int64_t>(86400, span / most);
 }
 
 // Every peak stays: of each bucket of equal length, its lowest and its highest sample.
@@ -70,8 +73,12 @@ Samples Thinned(const Samples& samples) {
 // Draws one picture.
 class Chart {
 public:
-    Chart(const Samples& all, const std::optional<double>& usualDelay, const SeriesFrame& common)
-        : samples(Thinned(all)), usual(usualDelay), frame(common) {
+    Chart(const Samples& all, const std::optional<double>& usualDelay, const SeriesFrame& common, bool narrow)
+        : samples(Thinned(all)),
+          usual(usualDelay),
+          frame(common),
+          isNarrow(narrow),
+          right((narrow ? NARROW : WIDE) - MARGIN) {
         for (const Sample& sample : samples) {
             most = std::max(most, sample.delay);
         }
@@ -88,7 +95,7 @@ private:
     double X(int64_t time) const {
         const double span = std::max(1.0, static_cast<double>(frame.end) - static_cast<double>(frame.start));
         const double part = (static_cast<double>(time) - static_cast<double>(frame.start)) / span;
-        return LEFT + std::clamp(part, 0.0, 1.0) * (RIGHT - LEFT);
+        return LEFT + std::clamp(part, 0.0, 1.0) * (right - LEFT);
     }
 
     double Y(double delay) const { return BOTTOM - std::clamp(delay / most, 0.0, 1.0) * (BOTTOM - TOP); }
@@ -108,22 +115,35 @@ private:
             Text(name));
     }
 
+    // Of a window that reaches into the picture.
+    Markup Shade(const char* style, const Window& window) const {
+        return window.end < frame.start || window.start > frame.end
+                   ? Markup()
+                   : Shade(style, X(window.start), X(window.end));
+    }
+
     Markup Shades() const {
         Markup shades;
+        if (frame.rangeStart > frame.start) {
+            shades += Shade("before", {frame.start, frame.rangeStart});
+        }
+        if (frame.baseline) {
+            shades += Shade("baseline", *frame.baseline);
+            const double from = X(frame.baseline->start);
+            if (X(frame.baseline->end) - from > NAMED_BASELINE) {
+                shades += ShadeName("label", from, "start", "baseline");
+            }
+        }
+        for (const Event& other : frame.others) {
+            shades += Shade("other", other);
+        }
         if (!frame.event) {
             return shades;
         }
         const double event = X(frame.event->start);
-        if (frame.baselineStart) {
-            const double baseline = X(*frame.baselineStart);
-            shades += Shade("baseline", baseline, event);
-            if (event - baseline > NAMED_BASELINE) {
-                shades += ShadeName("label", baseline, "start", "baseline");
-            }
-        }
-        shades += Shade("event", event, X(frame.event->end));
-        const bool isLate = event > (LEFT + RIGHT) / 2;
-        return shades + ShadeName("label hot", event, isLate ? "end" : "start", "event");
+        const bool isLate = event > (LEFT + right) / 2;
+        return shades + Shade("event", *frame.event) +
+               ShadeName("label hot", event, isLate ? "end" : "start", "event");
     }
 
     Markup DelayAxis() const {
@@ -133,7 +153,7 @@ private:
             const double delay = static_cast<double>(i) * delayStep;
             const double y = Y(delay);
             axis += Element("path", {{"class", i > 0 ? "grid" : "axis"},
-                                     {"d", "M" + PlaceFigure(LEFT, y) + " H" + Figure(RIGHT, 1)}});
+                                     {"d", "M" + PlaceFigure(LEFT, y) + " H" + Figure(right, 1)}});
             axis += Element("text",
                             {{"class", "label"},
                              {"x", Figure(LEFT - TICK, 1)},
@@ -155,7 +175,8 @@ private:
     }
 
     Markup TimeAxis() const {
-        const int64_t step = TimeStep(frame.end - frame.start);
+        const int64_t step =
+            TimeStep(frame.end - frame.start, isNarrow ? TIME_TICKS_NARROW : TIME_TICKS_MOST);
         const int64_t local = frame.start + frame.zoneOffset;
         const int64_t first = frame.start + (step - local % step) % step;
         Markup axis;
@@ -167,7 +188,7 @@ private:
                             {{"class", "label"},
                              {"x", Figure(x, 1)},
                              {"y", Figure(BOTTOM + TICK_TEXT, 1)},
-                             {"text-anchor", x + LEFT / 2 > RIGHT ? "end" : "middle"}},
+                             {"text-anchor", x + LEFT / 2 > right ? "end" : "middle"}},
                             Text(TickText(time, step, time == first)));
         }
         return axis;
@@ -175,7 +196,7 @@ private:
 
     Markup UsualLine() const {
         return usual ? Element("path", {{"class", "usual"},
-                                        {"d", "M" + PlaceFigure(LEFT, Y(*usual)) + " H" + Figure(RIGHT, 1)}})
+                                        {"d", "M" + PlaceFigure(LEFT, Y(*usual)) + " H" + Figure(right, 1)}})
                      : Markup();
     }
 
@@ -209,6 +230,8 @@ private:
     const Samples samples;
     const std::optional<double> usual;
     const SeriesFrame& frame;
+    const bool isNarrow;
+    const double right;
     double most = 0.0;  // the upper end of the axis, microseconds
     double delayStep = 1.0;
 };
@@ -226,17 +249,18 @@ std::string Description(const Samples& samples, const SeriesFrame& frame) {
 }  // namespace
 
 Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
-                     const SeriesFrame& frame, const std::string& id) {
+                     const SeriesFrame& frame, const std::string& id, bool isNarrow) {
+    const Samples shown = SamplesIn(samples, {{frame.start, frame.end}});
     const Markup heading =
         Element("title", {{"id", id + "-title"}}, Text("Delay of ") + Text(name) + Text(" over local time")) +
-        Element("desc", {{"id", id + "-desc"}}, Text(Description(samples, frame)));
+        Element("desc", {{"id", id + "-desc"}}, Text(Description(shown, frame)));
     return Element("svg",
                    {{"xmlns", "http://www.w3.org/2000/svg"},
                     {"class", "chart"},
                     {"role", "img"},
                     {"aria-labelledby", id + "-title " + id + "-desc"},
-                    {"viewBox", "0 0 " + Figure(WIDTH, 0) + " " + Figure(HEIGHT, 0)}},
-                   heading + Chart(samples, usual, frame).Draw());
+                    {"viewBox", "0 0 " + Figure(isNarrow ? NARROW : WIDE, 0) + " " + Figure(HEIGHT, 0)}},
+                   heading + Chart(shown, usual, frame, isNarrow).Draw());
 }
 
 }  // namespace explain

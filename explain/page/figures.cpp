@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include "explain/wording.h"
-
 namespace explain {
 namespace {
 
@@ -45,5 +43,8 @@ std::string DelayFigure(double microseconds, double largest) {
            : size < MOST_OF_A_UNIT * SECOND    ? Figure(microseconds / MILLISECOND, 1) + SPACE + "ms"
                                                : Figure(microseconds / SECOND, 1) + SPACE + "s";
 }
+
+const Figures PAGE_FIGURES = {PercentFigure,
+                              [](double microseconds) { return DelayFigure(microseconds, microseconds); }};
 
 }  // namespace explain

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "explain/wording.h"
+
 namespace explain {
 
 // What stands where nothing is known.
@@ -25,5 +27,8 @@ std::string PlaceFigure(double x, double y);
 // several to compare.
 std::string DelayFigure(const std::optional<double>& microseconds);
 std::string DelayFigure(double microseconds, double largest);
+
+// What the sentences of the page are written with.
+extern const Figures PAGE_FIGURES;
 
 }  // namespace explain

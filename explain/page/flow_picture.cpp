@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <numeric>
 #include <optional>
 
 namespace explain {
@@ -181,10 +182,8 @@ private:
     // The node with the largest flow takes the column closest to those above it, the next one of what is
     // left.
     void PlaceRow(const std::vector<size_t>& row) {
-        std::vector<size_t> free;
-        for (size_t i = 0; i < row.size(); ++i) {
-            free.push_back(PICTURE_COLUMNS - row.size() + i * 2);
-        }
+        std::vector<size_t> free(PICTURE_COLUMNS);
+        std::iota(free.begin(), free.end(), size_t{0});
         for (const size_t place : row) {
             const double middle = MiddleAbove(place);
             const auto distance = [middle](size_t column) {
@@ -192,7 +191,7 @@ private:
             };
             const auto closest = std::min_element(
                 free.begin(), free.end(), [&](size_t a, size_t b) { return distance(a) < distance(b); });
-            picture.nodes[place].halfColumn = *closest;
+            picture.nodes[place].column = *closest;
             free.erase(closest);
         }
         for (const size_t place : row) {
@@ -209,11 +208,11 @@ private:
         for (const PlacedEdge& edge : picture.edges) {
             if (edge.to == place && picture.nodes[edge.from].row != NONE) {
                 const double weight = LEAST_WEIGHT + edge.flow;
-                sum += weight * static_cast<double>(picture.nodes[edge.from].halfColumn);
+                sum += weight * static_cast<double>(picture.nodes[edge.from].column);
                 weights += weight;
             }
         }
-        return weights > 0.0 ? sum / weights : PICTURE_COLUMNS - 1.0;
+        return weights > 0.0 ? sum / weights : (PICTURE_COLUMNS - 1.0) / 2;
     }
 
     // The edges that lead down from a node, and the one that leads to it where all before it is left out.

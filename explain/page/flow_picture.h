@@ -8,13 +8,13 @@
 
 namespace explain {
 
-// A node in the grid of the picture. Rows count from the top; columns are in halves of a node's place, so
-// that rows can be centred.
+// A node in the grid of the picture. Rows count from the top. Between the columns there is room for lines
+// that pass a row.
 struct PlacedNode {
     size_t node = 0;    // position in the findings
     double flow = 0.0;  // the share that comes to it, 0 to 1
     size_t row = 0;
-    size_t halfColumn = 0;
+    size_t column = 0;
 };
 
 struct PlacedEdge {

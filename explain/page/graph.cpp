@@ -10,50 +10,66 @@ namespace explain {
 namespace {
 
 // In the units of the drawing, which is shown in about its own size on a wide screen.
-constexpr double NODE_WIDTH = 204.0;
+constexpr double NODE_WIDTH = 200.0;
 constexpr double NODE_HEIGHT = 52.0;
-constexpr double HALF_COLUMN = 111.0;
-constexpr double ROW = 96.0;
+constexpr double BETWEEN_COLUMNS = 28.0;  // where lines pass rows
+constexpr double BETWEEN_ROWS = 44.0;     // where they change columns
 constexpr double MARGIN = 8.0;
+constexpr double LANE = 7.0;
+constexpr double TURN = 36.0;  // above and below all rows, for lines that lead back up
 constexpr double BAR_HEIGHT = 5.0;
 constexpr double LINE_HEIGHT = 15.0;
 constexpr double PADDING = 9.0;
 constexpr double WIDEST_FLOW = 12.0;
 constexpr double LEAST_TOLD = 0.0005;  // that does not read as 0.0 %
 constexpr size_t NAME_CELLS = 28;      // that fit a node
+constexpr size_t MOST_LISTED = 60;
+constexpr size_t DEEPEST_LISTED = 12;  // deeper ones stand no farther to the right
 
 double LeftOf(const PlacedNode& node) {
-    return MARGIN + static_cast<double>(node.halfColumn) * HALF_COLUMN;
+    return MARGIN + BETWEEN_COLUMNS + static_cast<double>(node.column) * (NODE_WIDTH + BETWEEN_COLUMNS);
 }
 
 double TopOf(const PlacedNode& node) {
-    return MARGIN + static_cast<double>(node.row) * ROW;
+    return MARGIN + static_cast<double>(node.row) * (NODE_HEIGHT + BETWEEN_ROWS);
 }
 
-// Down, from the middle of the lower side to that of the upper one. Any other way leads round the right side.
-std::string OutlineOf(const PlacedNode& from, const PlacedNode& to) {
-    const double middle = NODE_WIDTH / 2;
-    if (from.row < to.row) {
-        const double bend = (ROW - NODE_HEIGHT) * 0.8;
-        const double x = LeftOf(from) + middle;
-        const double y = TopOf(from) + NODE_HEIGHT;
-        const double endX = LeftOf(to) + middle;
-        return "M" + PlaceFigure(x, y) + " C" + PlaceFigure(x, y + bend) + " " +
-               PlaceFigure(endX, TopOf(to) - bend) + " " + PlaceFigure(endX, TopOf(to));
+// An end of a line: the middle of a box's lower or upper side.
+struct End {
+    double x = 0.0;
+    double y = 0.0;
+};
+
+std::string Curve(double x, double y, double nextX, double nextY, const End& end) {
+    return " C" + PlaceFigure(x, y) + " " + PlaceFigure(nextX, nextY) + " " + PlaceFigure(end.x, end.y);
+}
+
+// Straight down to the next row. To any other one, beside the columns of the boxes between: what lies in
+// one place would be hidden, so such lines take three lanes in turns.
+std::string OutlineOf(const PlacedNode& from, const PlacedNode& to, size_t lane) {
+    const End begin{LeftOf(from) + NODE_WIDTH / 2, TopOf(from) + NODE_HEIGHT};
+    const End end{LeftOf(to) + NODE_WIDTH / 2, TopOf(to)};
+    const double bend = BETWEEN_ROWS * 0.8;
+    const std::string start = "M" + PlaceFigure(begin.x, begin.y);
+    if (from.row + 1 == to.row) {
+        return start + Curve(begin.x, begin.y + bend, end.x, end.y - bend, end);
     }
-    const double x = LeftOf(from) + NODE_WIDTH;
-    const double y = TopOf(from) + NODE_HEIGHT / 2;
-    const double endX = LeftOf(to) + NODE_WIDTH;
-    const double endY = TopOf(to) + NODE_HEIGHT / 2;
-    const double aside = std::max(x, endX) + MARGIN * 2;
-    return "M" + PlaceFigure(x, y) + " C" + PlaceFigure(aside, y) + " " + PlaceFigure(aside, endY) + " " +
-           PlaceFigure(endX, endY);
+    const double side = (NODE_WIDTH + BETWEEN_COLUMNS) / 2;
+    const double x =
+        end.x + (from.column < to.column ? -side : side) + (static_cast<double>(lane % 3) - 1.0) * LANE;
+    const bool isUp = from.row >= to.row;
+    const double room = isUp ? 0.0 : BETWEEN_ROWS;
+    return start +
+           Curve(begin.x, begin.y + bend, x, begin.y + room - (isUp ? -bend : bend), {x, begin.y + room}) +
+           " V" + Figure(end.y - room, 1) +
+           Curve(x, end.y - room + (isUp ? -bend : bend), end.x, end.y - bend, end);
 }
 
-Markup DrawEdge(const Analysis& analysis, const FlowPicture& picture, const PlacedEdge& edge) {
+Markup DrawEdge(const Analysis& analysis, const FlowPicture& picture, size_t lane) {
+    const PlacedEdge& edge = picture.edges[lane];
     const PlacedNode& from = picture.nodes[edge.from];
     const PlacedNode& to = picture.nodes[edge.to];
-    const std::string outline = OutlineOf(from, to);
+    const std::string outline = OutlineOf(from, to, lane);
     if (edge.flow <= 0.0) {
         return Element("path", {{"class", "edge"}, {"d", outline}});
     }
@@ -92,10 +108,17 @@ std::string PartOf(const NodeFinding& finding, double flow) {
     return "own " + PercentFigure(finding.share) + " of " + PercentFigure(flow);
 }
 
+// Whether the answer names the node, or nearly does.
+bool IsNamed(const Analysis& analysis, size_t node) {
+    const std::vector<Candidate>& candidates = analysis.candidates;
+    return analysis.verdict == Verdict::POINT &&
+           (node == candidates.front().node || (IsTie(candidates) && node == candidates[1].node));
+}
+
 Markup DrawNode(const Analysis& analysis, const PlacedNode& place) {
     const NodeFinding& finding = analysis.findings[place.node];
     const bool takesPart = finding.evidence.takesPart;
-    const bool isFirst = analysis.verdict == Verdict::POINT && place.node == analysis.candidates.front().node;
+    const bool isFirst = IsNamed(analysis, place.node);
     const std::string part = PartOf(finding, place.flow);
     Markup node = Element("title", Text(finding.node.point) + Text(", ") + Text(part) + Text(", graph ") +
                                        Text(finding.node.graph));
@@ -132,31 +155,72 @@ Markup LeftOutNote(const FlowPicture& picture, double height) {
                    Text("and " + Counted(picture.leftOut, "more point") + share));
 }
 
+bool LeadsBack(const FlowPicture& picture) {
+    return std::any_of(picture.edges.begin(), picture.edges.end(), [&](const PlacedEdge& edge) {
+        return picture.nodes[edge.from].row >= picture.nodes[edge.to].row;
+    });
+}
+
+Markup ListedNode(const NodeFinding& finding, size_t depth) {
+    const std::string indent = Figure(static_cast<double>(std::min(depth, DEEPEST_LISTED)) * 10.0, 0);
+    return Element("p", {{"style", "margin-left:" + indent + "px"}},
+                   Element("strong", finding.node.point) + Element("br", Attributes{}) +
+                       Text("own " + PercentFigure(finding.share) + ", " + WordOf(finding.evidence.nature)));
+}
+
 }  // namespace
 
 Markup GraphDrawing(const Analysis& analysis, size_t number) {
     const FlowPicture picture = PictureOf(analysis);
-    const double width = HALF_COLUMN * static_cast<double>(PICTURE_COLUMNS * 2 - 2) + NODE_WIDTH + MARGIN * 4;
-    const double height = ROW * static_cast<double>(picture.rows) - (ROW - NODE_HEIGHT) + MARGIN * 2 +
-                          (picture.leftOut > 0 ? LINE_HEIGHT * 2 : 0.0);
+    const double turn = LeadsBack(picture) ? TURN : 0.0;
+    const double width =
+        (NODE_WIDTH + BETWEEN_COLUMNS) * static_cast<double>(PICTURE_COLUMNS) + BETWEEN_COLUMNS + MARGIN * 2;
+    const double height = (NODE_HEIGHT + BETWEEN_ROWS) * static_cast<double>(picture.rows) - BETWEEN_ROWS +
+                          MARGIN * 2 + turn + (picture.leftOut > 0 ? LINE_HEIGHT * 2 : 0.0);
     const std::string id = "graph" + std::to_string(number);
-    Markup drawing = Element("title", {{"id", id + "-title"}},
-                             Text("Where the extra delay of ") + Text(analysis.point) + Text(" goes")) +
-                     Element("desc", {{"id", id + "-desc"}}, Text(Description(analysis, picture)));
-    for (const PlacedEdge& edge : picture.edges) {
-        drawing += DrawEdge(analysis, picture, edge);
+    Markup drawing;
+    for (const bool flows : {false, true}) {  // what flows lies above what does not
+        for (size_t i = 0; i < picture.edges.size(); ++i) {
+            drawing += flows == (picture.edges[i].flow > 0.0) ? DrawEdge(analysis, picture, i) : Markup();
+        }
     }
     for (const PlacedNode& node : picture.nodes) {
         drawing += DrawNode(analysis, node);
     }
     drawing += LeftOutNote(picture, height);
-    return Element("svg",
-                   {{"xmlns", "http://www.w3.org/2000/svg"},
-                    {"class", "graph"},
-                    {"role", "img"},
-                    {"aria-labelledby", id + "-title " + id + "-desc"},
-                    {"viewBox", "0 0 " + Figure(width, 0) + " " + Figure(height, 0)}},
-                   drawing);
+    return Element(
+        "svg",
+        {{"xmlns", "http://www.w3.org/2000/svg"},
+         {"class", "graph"},
+         {"role", "img"},
+         {"aria-labelledby", id + "-title " + id + "-desc"},
+         {"viewBox", "0 " + Figure(-turn, 0) + " " + Figure(width, 0) + " " + Figure(height + turn, 0)}},
+        Element("title", {{"id", id + "-title"}},
+                Text("Where the extra delay of ") + Text(analysis.point) + Text(" goes")) +
+            Element("desc", {{"id", id + "-desc"}}, Text(Description(analysis, picture))) + drawing);
+}
+
+Markup FlowList(const Analysis& analysis) {
+    std::vector<std::vector<size_t>> below(analysis.findings.size());
+    for (size_t i = 1; i < below.size(); ++i) {
+        below[analysis.findings[i].parent].push_back(i);
+    }
+    Markup list;
+    size_t listed = 0;
+    std::vector<std::pair<size_t, size_t>> open{{0, 0}};  // nodes with their depths
+    while (!open.empty() && listed < MOST_LISTED) {
+        const auto [node, depth] = open.back();
+        open.pop_back();
+        const bool takesPart = analysis.findings[node].evidence.takesPart;
+        if (takesPart) {
+            list += ListedNode(analysis.findings[node], depth);
+            ++listed;
+        }
+        for (size_t i = below[node].size(); i-- > 0;) {
+            open.emplace_back(below[node][i], depth + (takesPart ? 1 : 0));
+        }
+    }
+    return Element("div", {{"class", "flows narrow"}}, list);
 }
 
 }  // namespace explain

@@ -42,7 +42,7 @@ size_t CellsOf(const std::string& letter) {
 }
 
 bool StandsAlone(const char* name) {
-    return std::strcmp(name, "meta") == 0;
+    return std::strcmp(name, "meta") == 0 || std::strcmp(name, "br") == 0;
 }
 
 }  // namespace
@@ -110,6 +110,7 @@ void Table::Add(const std::vector<Markup>& cells, const char* style) {
         if (columns[i].isNumber) {
             attributes.emplace_back("class", "number");
         }
+        attributes.emplace_back("data-name", columns[i].title);  // where the heads have no room
         row += Element(i == 0 ? "th" : "td", attributes, cells[i]);
     }
     rows += Element("tr", style != nullptr ? Attributes{{"class", style}} : Attributes{}, row);

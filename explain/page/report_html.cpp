@@ -10,25 +10,23 @@
 namespace explain {
 namespace {
 
-std::string RangeInWords(const Report& report) {
-    return LocalTimes(report.question.range.start, report.question.range.end, report.zoneOffset) + " (UTC" +
-           ZoneText(report.zoneOffset) + ")";
-}
-
 std::string TitleOf(const Report& report) {
     std::set<std::string> points;
     bool isAnswered = false;
+    bool isOngoing = false;
     for (const Analysis& analysis : report.analyses) {
+        const bool isSlow = IsAnswer(analysis) && !analysis.isWeak;
         points.insert(analysis.point);
-        isAnswered = isAnswered || IsAnswer(analysis);
+        isAnswered = isAnswered || isSlow;
+        isOngoing = isOngoing || (isSlow && analysis.event->isOngoing);
     }
     if (points.empty()) {
-        return "No point was slow";
+        return report.coverage.IsPart() ? "No point was slow in what was looked at" : "No point was slow";
     }
     const bool isOne = points.size() == 1;
     const std::string subject = isOne ? *points.begin() : std::to_string(points.size()) + " points";
-    return isAnswered ? "Why " + subject + (isOne ? " was slow" : " were slow")
-                      : (isOne ? "Was " : "Were ") + subject + " slow?";
+    const std::string verb = isOne ? (isOngoing ? " is" : " was") : (isOngoing ? " are" : " were");
+    return isAnswered ? "Why " + subject + verb + " slow" : (isOne ? "Was " : "Were ") + subject + " slow?";
 }
 
 // Whatever the page holds, a browser is to run and to load nothing.
@@ -47,18 +45,28 @@ Markup Summary(const Report& report) {
     if (report.analyses.size() < 2) {
         return {};
     }
-    Table table("One answer for each graph", {{"Point"}, {"Graph"}, {"Answer"}});
+    Table table("One answer for each event and graph", {{"Event"}, {"Point"}, {"Graph"}, {"Answer"}});
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         const Analysis& analysis = report.analyses[i];
-        table.Add({Element("a", {{"href", "#analysis" + std::to_string(i + 1)}}, Text(analysis.point)),
-                   Text(analysis.graph), Text(AnswerOf(analysis, PercentFigure))});
+        const std::string more = AlsoListed(report, i);
+        table.Add({Element("a", {{"href", "#analysis" + std::to_string(i + 1)}},
+                           Text(BriefTimeOf(analysis, report))),
+                   Text(analysis.point), Text(analysis.graph),
+                   Text(BriefOf(analysis, PAGE_FIGURES) + (more.empty() ? "" : "; " + more))});
     }
     return Element("section", Element("h2", "Answers") + table.Done());
 }
 
-Markup Chance(const ChanceFlags& flags) {
-    return Element("section",
-                   Element("h2", "Flags found, and expected by chance") + Element("p", ChanceOf(flags)));
+// No point was slow: how far each went.
+Markup AllClear(const Report& report) {
+    Table table("The points that were looked at", {{"Point"}, {"Farthest from the usual"}});
+    for (const Look& look : report.looks) {
+        table.Add({Text(look.point), Text(LargestOf(look, report, PAGE_FIGURES))});
+    }
+    return Element(
+        "section", {{"class", report.coverage.IsPart() ? "weak" : "clear"}},
+        Element("div", {{"class", "answer"}}, Element("p", {{"class", "verdict"}}, Text(NothingOf(report)))) +
+            table.Done());
 }
 
 Markup Proof(const Report& report) {
@@ -69,7 +77,6 @@ Markup Proof(const Report& report) {
             Element("div", Element("dt", name) + Element("dd", value.empty() ? "could not be read" : value));
     };
     add("Command", stamp.command);
-    add("Range", RangeInWords(report));
     add("SHA-256 of the configuration", stamp.configurationHash);
     add("SHA-256 of the database", stamp.databaseHash);
     add("Versions",
@@ -84,18 +91,20 @@ Markup Proof(const Report& report) {
 }  // namespace
 
 std::string HtmlReport(const Report& report) {
-    Markup body = Summary(report);
+    Markup body = report.analyses.empty() ? AllClear(report) : Summary(report);
+    if (report.analyses.size() != 1) {  // a single answer has it behind its verdict
+        body += Element("section", Element("h2", "Looked at") + FactList(BasisOf(report)));
+    }
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         body += AnalysisSection(report.analyses[i], report, i + 1);
     }
-    if (report.analyses.empty()) {
-        body = Element("section", Element("h2", "Nothing anomalous") + Element("p", NothingOf(report)));
-    }
-    body += Chance(report.flags) + Proof(report);
-    const Markup header =
-        Element("header", Element("h1", TitleOf(report)) +
-                              Element("p", {{"class", "quiet"}}, Text(RangeInWords(report))));
-    const Markup page = Head(report) + Element("body", header + Element("main", body));
+    const Window& range = report.question.range;
+    const std::string when = LocalTimes(range.start, range.end, report.zoneOffset);
+    const Markup header = Element(
+        "header",
+        Element("h1", TitleOf(report)) +
+            Element("p", {{"class", "quiet"}}, Text((report.node ? *report.node + ", " : "") + when)));
+    const Markup page = Head(report) + Element("body", header + Element("main", body + Proof(report)));
     return "<!DOCTYPE html>\n" + Element("html", {{"lang", "en"}}, page).Html() + "\n";
 }
 

@@ -6,10 +6,10 @@ namespace explain {
 constexpr char PAGE_STYLE[] = R"(
 :root { color-scheme: light dark; --page: #f4f6f8; --card: #ffffff; --ink: #17212b; --quiet: #52606d;
   --line: #d5dbe1; --grid: #e6eaee; --hot: #b3261e; --hot-soft: #fbe9e7; --cool: #1b5e9e; --cool-soft: #e3eef8;
-  --good: #1e6b3a; --flow: #e0857d; }
+  --good: #1e6b3a; --flow: #e0857d; --amber: #7a5200; --amber-soft: #fdf1d3; --amber-flow: #d8ae5a; }
 @media (prefers-color-scheme: dark) { :root { --page: #10151a; --card: #1a2128; --ink: #e7ecf1; --quiet: #a3b0bc;
   --line: #37424d; --grid: #2a333c; --hot: #ff9b8f; --hot-soft: #3a2322; --cool: #86bdf0; --cool-soft: #1d2c3a;
-  --good: #7fd09a; --flow: #a8554d; } }
+  --good: #7fd09a; --flow: #a8554d; --amber: #efc465; --amber-soft: #38301d; --amber-flow: #8d7034; } }
 * { box-sizing: border-box; }
 body { margin: 0; background: var(--page); color: var(--ink); font: 15px/1.5 system-ui, sans-serif;
   overflow-wrap: anywhere; }
@@ -24,13 +24,17 @@ a { color: var(--cool); }
 section { background: var(--card); border: 1px solid var(--line); border-radius: 8px; padding: 20px; margin: 20px 0; }
 .quiet, figcaption, caption { color: var(--quiet); font-size: 13px; }
 .answer { border-left: 4px solid var(--line); padding: 2px 0 2px 14px; }
-.answer.point { border-color: var(--hot); }
-.answer.load { border-color: var(--cool); }
 .verdict { font-size: 19px; font-weight: 600; line-height: 1.35; }
-.point .verdict { color: var(--hot); }
-.load .verdict { color: var(--cool); }
+.point .answer, .load .answer, .unsure .answer { border-color: var(--hot); }
+.point .verdict, .load .verdict, .unsure .verdict { color: var(--hot); }
+.load { --hot: var(--cool); --hot-soft: var(--cool-soft); --flow: var(--cool); }
+.unsure { --hot: var(--amber); --hot-soft: var(--amber-soft); --flow: var(--amber-flow); }
+.weak { --hot: var(--quiet); --hot-soft: var(--grid); --flow: var(--line); }
+.clear .answer { border-color: var(--good); }
+.clear .verdict { color: var(--good); }
 .facts { display: grid; grid-template-columns: repeat(auto-fill, minmax(240px, 1fr)); gap: 12px 20px; margin: 8px 0; }
 dt { color: var(--quiet); font-size: 13px; }
+dt::first-letter { text-transform: uppercase; }
 dd { margin: 0; font-variant-numeric: tabular-nums; }
 .stamp dd { font: 13px/1.5 ui-monospace, monospace; }
 .stamp div { margin: 8px 0; }
@@ -52,7 +56,7 @@ td ul { margin: 0; padding-left: 16px; min-width: 180px; }
 .bar { display: block; height: 5px; border-radius: 3px; background: var(--hot); min-width: 1px; }
 summary { cursor: pointer; color: var(--cool); margin: 8px 0; }
 figure { margin: 8px 0; }
-svg { display: block; width: 100%; min-width: 760px; height: auto; font: 11px ui-monospace, monospace; }
+svg { display: block; width: 100%; height: auto; font: 11px ui-monospace, monospace; }
 svg text { fill: var(--ink); }
 .edge { fill: none; stroke: var(--line); stroke-width: 1; }
 .flow { fill: none; stroke: var(--flow); }
@@ -64,7 +68,10 @@ svg text { fill: var(--ink); }
 .part-taker .name, .first .name { fill: var(--ink); font-weight: bold; }
 .part-taker .part, .first .part { fill: var(--ink); }
 .share { fill: var(--hot); }
+.graph { min-width: 760px; }
+.before { fill: var(--grid); }
 .baseline { fill: var(--cool-soft); }
+.other { fill: var(--hot-soft); }
 .event { fill: var(--hot-soft); stroke: var(--hot); stroke-width: 0.5; }
 .grid { fill: none; stroke: var(--line); stroke-width: 0.6; }
 .axis { fill: none; stroke: var(--quiet); stroke-width: 1; }
@@ -73,8 +80,14 @@ svg text { fill: var(--ink); }
 svg .label { fill: var(--quiet); }
 svg .hot { fill: var(--hot); font-weight: bold; }
 footer { padding-bottom: 28px; }
-@media (max-width: 600px) { main, header, footer { padding-left: 12px; padding-right: 12px; }
-  section { padding: 14px; } }
+.narrow { display: none; }
+.flows { font-size: 13px; } .flows p { margin: 8px 0; border-left: 2px solid var(--line); padding-left: 8px; }
+@media screen and (max-width: 600px) { main, header, footer { padding-left: 12px; padding-right: 12px; }
+  section { padding: 14px; } .wide { display: none; } .narrow { display: block; }
+  table, tbody, tr, th, td { display: block; } thead { display: none; }
+  tr { border-bottom: 1px solid var(--line); padding: 6px 0; }
+  caption { display: block; } tbody .number, tbody th, tbody td { border: 0; padding: 1px 0; text-align: left; white-space: normal; max-width: none; }
+  td::before { content: attr(data-name) ": "; color: var(--quiet); } }
 @media print { body { background: #fff; font-size: 11pt; } section { border: 0; padding: 0; }
   .scroll { overflow: visible; } svg { min-width: 0; } figure, tr { break-inside: avoid; }
   details::details-content { content-visibility: visible; }

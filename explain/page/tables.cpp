@@ -65,9 +65,9 @@ Markup EvidenceTable(const Analysis& analysis, const std::vector<const NodeFindi
                        {"z", true},
                        {"r (common intervals)", true},
                        {"Unusual since", true},
-                       {"Delay before", true},
+                       {"Usual delay", true},
                        {"Delay in event", true},
-                       {"Requests before", true},
+                       {"Usual requests", true},
                        {"Requests in event", true},
                        {"Load or device"},
                        {"At equal load", true},
@@ -80,25 +80,22 @@ Markup EvidenceTable(const Analysis& analysis, const std::vector<const NodeFindi
 
 }  // namespace
 
-Markup EventTable(const Analysis& analysis, int64_t zoneOffset) {
-    const auto isExplained = [&](const Event& event) { return event.start == analysis.event->start; };
-    if (std::all_of(analysis.events.begin(), analysis.events.end(), isExplained)) {
+Markup EventTable(const Analysis& analysis, const Report& report) {
+    const std::vector<Event> others = OnlyListedOf(analysis, report);
+    if (others.empty()) {
         return {};
     }
-    Table table("All runs of high samples", {{"From"},
-                                             {"To"},
-                                             {"Peak", true},
-                                             {"Deviations above the usual", true},
-                                             {"High samples", true},
-                                             {""}});
-    const size_t leftOut = analysis.events.size() - std::min(analysis.events.size(), EVENTS_MOST);
-    for (size_t i = leftOut; i < analysis.events.size(); ++i) {
-        const Event& event = analysis.events[i];
-        table.Add({Text(LocalTime(event.start, zoneOffset)), Text(LocalTime(event.end, zoneOffset)),
-                   Text(DelayFigure(event.peakDelay)), Text(Figure(event.peakDeviations, 1)),
-                   Text(std::to_string(event.count)), Text(isExplained(event) ? "explained here" : "")});
+    Table table(
+        "Other events of the point",
+        {{"From"}, {"To"}, {"Peak", true}, {"Deviations above the usual", true}, {"High samples", true}});
+    const size_t leftOut = others.size() - std::min(others.size(), EVENTS_MOST);
+    for (size_t i = leftOut; i < others.size(); ++i) {
+        const Event& event = others[i];
+        table.Add({Text(LocalTime(event.start, report.zoneOffset)),
+                   Text(LocalTime(event.end, report.zoneOffset)), Text(DelayFigure(event.peakDelay)),
+                   Text(Figure(event.peakDeviations, 1)), Text(std::to_string(event.count))});
     }
-    return table.Done() + LeftOut(leftOut, "earlier run");
+    return table.Done() + LeftOut(leftOut, "earlier event");
 }
 
 Markup RankingTable(const Analysis& analysis) {
@@ -116,12 +113,12 @@ Markup RankingTable(const Analysis& analysis) {
 
 Markup TrialTable(const Analysis& analysis) {
     Table table("The first point when only a part of the baseline counts",
-                {{"Baseline"}, {"First point"}, {""}});
+                {{"Baseline"}, {"First point"}, {"Agrees"}});
     for (const Trial& trial : analysis.trials) {
         const bool agrees = trial.first == analysis.candidates.front().point;
-        table.Add({Text(WordOf(trial.baseline)), Text(trial.first.value_or(CANNOT_TELL_WHICH)),
-                   Text(agrees        ? "same"
-                        : trial.first ? "differs"
+        table.Add({Text(WordOf(trial.baseline)), Text(FirstOf(trial)),
+                   Text(agrees        ? "yes"
+                        : trial.first ? "no"
                                       : UNKNOWN_FIGURE)});
     }
     return table.Done();
@@ -145,11 +142,7 @@ Markup EvidenceTables(const Analysis& analysis, int64_t zoneOffset) {
                 : Element("details",
                           Element("summary", Counted(others.size(), "point") + " without a part") + table);
     }
-    return tables +
-           Element(
-               "p", {{"class", "quiet"}},
-               Text("z: deviations from the usual before the event. r: correlation of the delays with the "
-                    "point above, over the intervals that both have."));
+    return tables + Element("p", {{"class", "quiet"}}, Text(COLUMNS_LEGEND));
 }
 
 }  // namespace explain

@@ -5,11 +5,12 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/page/markup.h"
+#include "explain/report.h"
 
 namespace explain {
 
-// The runs of high samples, the latest ones of many; empty where there is none beside the explained one.
-Markup EventTable(const Analysis& analysis, int64_t zoneOffset);
+// The other events of the point that are only listed, the latest ones of many; empty where there is none.
+Markup EventTable(const Analysis& analysis, const Report& report);
 
 // For an answer.
 Markup RankingTable(const Analysis& analysis);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr size_t MOST_ADVICE = 2000;  // bytes
 constexpr size_t MOST_CANDIDATES = 10;
-constexpr size_t MOST_EVENTS = 5;  // besides the one that is explained
+constexpr size_t MOST_EVENTS_SHOWN = 5;  // besides the one that is explained
 
 std::string Title(const std::string& title) {
     return "\n" + title + "\n";
@@ -26,76 +26,89 @@ std::string Microseconds(double delay) {
     return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
 }
 
-// ---- the answer
+constexpr Figures FIGURES = {Percent, Microseconds};
 
-std::string Answer(const Analysis& analysis) {
-    return Printable(AnswerOf(analysis, Percent));
+std::string FactsText(const char* title, const Facts& facts) {
+    std::string text = facts.empty() ? "" : Title(title);
+    for (const Fact& fact : facts) {
+        text += Field(fact.name, Printable(fact.sentence));
+    }
+    return text;
 }
+
+// Events that are only listed, the latest ones of many.
+std::string OthersText(const std::vector<Event>& others, int64_t zoneOffset) {
+    std::string text;
+    for (size_t i = others.size(); i-- > 0;) {
+        if (others.size() - i > MOST_EVENTS_SHOWN) {
+            return text + Field("", "and " + Counted(i + 1, "earlier event"));
+        }
+        text += Field(text.empty() ? "others" : "", LocalTimes(others[i].start, others[i].end, zoneOffset) +
+                                                        ", peak " + Microseconds(others[i].peakDelay));
+    }
+    return text;
+}
+
+// ---- the answer
 
 std::string Subject(const Analysis& analysis) {
     return Printable(analysis.point) + " in " + Printable(analysis.graph);
 }
 
-std::string Headline(const Analysis& analysis) {
+// How far each point went that was asked for.
+std::string LargestText(const Report& report, const std::string& only = {}) {
+    std::string text;
+    for (const Look& look : report.looks) {
+        if (only.empty() || look.point == only) {
+            text += Paragraph("  " + PadRight(Printable(look.point), 19) + "  ",
+                              LargestOf(look, report, FIGURES));
+        }
+    }
+    return text;
+}
+
+std::string Headline(const Analysis& analysis, const Report& report) {
     const std::string subject = Paragraph("", Subject(analysis));
     const size_t cells = std::min(CellsOf(Subject(analysis)), LINE_CELLS);
-    return "\n" + subject + std::string(cells, '=') + "\n" + Paragraph("", Answer(analysis));
+    std::string text = subject + std::string(cells, '=') + "\n" +
+                       Paragraph("", Printable(AnswerOf(analysis, report, FIGURES)));
+    const auto add = [&text](const char* lead, const std::string& line) {
+        text += line.empty() ? "" : Paragraph(lead, Printable(line, MOST_ADVICE));
+    };
+    add("", SinceOf(analysis, report));
+    add(ADVICE_LEAD, AdviceOf(analysis));
+    add("", ModulesOf(analysis, FIGURES));
+    return analysis.verdict == Verdict::NOTHING ? text + LargestText(report, analysis.point) : text;
+}
+
+// The answers in short, where there are several.
+std::string Overview(const Report& report) {
+    std::string text = "Answers\n";
+    const std::vector<Analysis>& all = report.analyses;
+    for (size_t i = 0; i < all.size(); ++i) {
+        const std::string subject = Subject(all[i]);
+        if (i == 0 || Subject(all[i - 1]) != subject) {
+            text += Paragraph("  ", subject);
+        }
+        text += Paragraph("    " + PadRight(BriefTimeOf(all[i], report), 31) + "  ",
+                          Printable(BriefOf(all[i], FIGURES)));
+        const std::string more = AlsoListed(report, i);
+        text += more.empty() ? "" : Paragraph("    ", more);
+    }
+    return text;
+}
+
+std::string Verdicts(const Report& report) {
+    return report.analyses.empty()       ? Paragraph("", NothingOf(report)) + LargestText(report)
+           : report.analyses.size() == 1 ? Headline(report.analyses.front(), report)
+                                         : Overview(report);
 }
 
 // ---- the event
 
-std::string When(const Event& event, int64_t zoneOffset) {
-    const std::string when = LocalTimes(event.start, event.end, zoneOffset);
-    return event.start == event.end ? when + ", one sample, " + StateOf(event)
-                                    : when + ", " + Duration(event.end - event.start) + ", " +
-                                          Counted(event.count, "high sample") + ", " + StateOf(event);
-}
-
-std::string EventText(const Analysis& analysis, int64_t zoneOffset) {
-    const Event& event = *analysis.event;
-    std::string text =
-        Title("Event") + Field("when", When(event, zoneOffset)) +
-        Field("peak", Microseconds(event.peakDelay) + " at " + LocalTime(event.peakTime, zoneOffset) + ", " +
-                          DeviationsOf(event.peakDeviations));
-    if (const std::string silence = SilenceOf(analysis); !silence.empty()) {
-        text += Field("detector", silence);
-    }
-    size_t others = 0;
-    for (const Event& other : analysis.events) {
-        if (other.start == event.start) {
-            continue;
-        }
-        if (++others <= MOST_EVENTS) {
-            text += Field(others == 1 ? "others" : "",
-                          When(other, zoneOffset) + ", peak " + Microseconds(other.peakDelay));
-        }
-    }
-    return others > MOST_EVENTS ? text + Field("", "and " + std::to_string(others - MOST_EVENTS) + " more")
-                                : text;
-}
-
-// ---- delay and load of the slow point
-
-// What a value was in the event beside what was usual before it.
-std::string Compared(const std::optional<double>& now, const std::optional<double>& before,
-                     std::string (*written)(double)) {
-    if (!now || !before) {
-        return "not known";
-    }
-    const std::string ratio = *before > 0.0 ? " (" + Fixed(*now / *before, 2) + " times)" : "";
-    return written(*now) + ", before usually " + written(*before) + ratio;
-}
-
-std::string Requests(double requests) {
-    return Fixed(requests, requests < 100.0 ? 1 : 0) + " an interval";
-}
-
-std::string LoadText(const Evidence& evidence) {
-    return Title("Load") +
-           Field("delay", Compared(evidence.eventDelay, evidence.baselineDelay, Microseconds)) +
-           Field("requests", Compared(evidence.eventRequests, evidence.baselineRequests, Requests)) +
-           Field("equal load", EqualLoadOf(evidence.equalLoadRatio)) +
-           Field("so it is", MeaningOf(evidence.nature));
+std::string EventText(const Analysis& analysis, const Report& report) {
+    return FactsText("Event", EventFactsOf(analysis, report, FIGURES)) +
+           OthersText(OnlyListedOf(analysis, report), report.zoneOffset);
 }
 
 // ---- the ranking and how sure it is
@@ -129,80 +142,46 @@ std::string RankingText(const Analysis& analysis, int64_t zoneOffset) {
     if (shown < candidates.size()) {
         text += "  and " + Counted(candidates.size() - shown, "point") + " with less\n";
     }
-    return text + Paragraph("  ", MarginOf(candidates, Percent)) +
-           Paragraph("  ", Printable(ModulesOf(analysis, Percent)));
+    return text;
 }
 
-// The points that other parts of the baseline put first, by name.
+// Of the trials those that put another point first, by name.
 std::string CertaintyText(const Analysis& analysis) {
-    std::string text = Title("Certainty") + Paragraph("  ", WordOf(analysis.certainty)) +
+    std::string text = Title("Certainty") + Paragraph("  ", CertaintyOf(analysis)) +
+                       Paragraph("  ", MarginOf(analysis.candidates, FIGURES)) +
                        Paragraph("  ", AgreementOf(analysis));
     for (const Trial& trial : analysis.trials) {
         if (trial.first != analysis.candidates.front().point) {
-            text += Paragraph("  " + PadRight(WordOf(trial.baseline), 21),
-                              Printable(trial.first.value_or(CANNOT_TELL_WHICH)));
+            text += Paragraph("    " + PadRight(WordOf(trial.baseline), 23), Printable(FirstOf(trial)));
         }
     }
     return text;
 }
 
-std::string AdviceText(const Candidate& first) {
-    const std::string advice = Printable(first.advice, MOST_ADVICE);
-    return Title("Advice") + Paragraph("  ", advice.empty() ? "the graph has none for this point" : advice);
-}
-
 // ---- the whole
 
-std::string AnalysisText(const Analysis& analysis, int64_t zoneOffset) {
-    std::string text = Headline(analysis);
-    if (analysis.event) {
-        text += EventText(analysis, zoneOffset);
-    }
+std::string DetailsText(const Analysis& analysis, const Report& report) {
+    std::string text = EventText(analysis, report) + FactsText("Load", LoadFactsOf(analysis, FIGURES));
     if (!analysis.findings.empty()) {
-        text += LoadText(analysis.findings.front().evidence) + TreeText(analysis);
+        text += TreeText(analysis);
     }
     if (analysis.verdict == Verdict::POINT) {
-        text += RankingText(analysis, zoneOffset) + CertaintyText(analysis) +
-                AdviceText(analysis.candidates.front());
+        text += RankingText(analysis, report.zoneOffset) + CertaintyText(analysis);
     }
     if (analysis.walk) {
-        text += Title("The plug-in's own walk") + Paragraph("  ", Printable(WalkOf(analysis, zoneOffset)));
+        text +=
+            Title("The plug-in's own walk") + Paragraph("  ", Printable(WalkOf(analysis, report.zoneOffset)));
     }
     return text + ReasonsText(analysis);
-}
-
-// The answers in short, where there are several.
-std::string Overview(const std::vector<Analysis>& analyses) {
-    std::string text = analyses.size() > 1 ? Title("Answers") : "";
-    for (size_t i = 0; i < analyses.size() && analyses.size() > 1; ++i) {
-        text += Paragraph("  ", Subject(analyses[i])) + Paragraph("    ", Answer(analyses[i]));
-    }
-    return text;
-}
-
-// No point was slow: how far each went.
-std::string AllClear(const Report& report) {
-    std::string text = Paragraph("", NothingOf(report));
-    for (const Look& look : report.looks) {
-        text += Paragraph("  " + PadRight(Printable(look.point), 22), LargestOf(look, report.zoneOffset));
-    }
-    return text;
-}
-
-std::string RangeText(const Report& report) {
-    std::string text = Paragraph("", "From " + LocalTime(report.question.range.start, report.zoneOffset) +
-                                         " to " + LocalTime(report.question.range.end, report.zoneOffset) +
-                                         ", zone " + ZoneText(report.zoneOffset));
-    text += Paragraph("", BasisOf(report));
-    return report.analyses.empty() ? text + AllClear(report) : text + Paragraph("", ChanceOf(report.flags));
 }
 
 }  // namespace
 
 std::string TextReport(const Report& report) {
-    std::string text = RangeText(report) + Overview(report.analyses);
+    std::string text = Verdicts(report) + FactsText("Looked at", BasisOf(report));
     for (const Analysis& analysis : report.analyses) {
-        text += AnalysisText(analysis, report.zoneOffset);
+        text += report.analyses.size() > 1 ? "\n" + Headline(analysis, report) : "";
+        text += DetailsText(analysis, report);
     }
     return text;
 }

@@ -109,10 +109,8 @@ std::string NodeLine(const std::vector<NodeFinding>& findings, const Line& line)
 }  // namespace
 
 std::string TreeText(const Analysis& analysis) {
-    std::string text =
-        "\nWhere the extra delay goes\n"
-        "  z: deviations from the usual; r: correlation with the point above\n"
-        "   share        z      r  nature    point (* takes part)\n";
+    std::string text = "\nWhere the extra delay goes\n" + Paragraph("  ", COLUMNS_LEGEND) +
+                       "   share        z      r  nature    point (* takes part)\n";
     for (const Line& line : LinesOf(PlacesOf(analysis.findings))) {
         if (line.counted > 0) {
             const std::string counted = "(" + Counted(line.counted, "point") + " without a part)";

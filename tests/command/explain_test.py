@@ -40,7 +40,7 @@ class Explain(ConsoleTest):
         self.sql("update version_nmaps set locatename = cast(? as text) where locatename = ?", LABEL, DISK)
         status, text, found = self.explain(*self.range)
         self.assertIn(f"\n{SHOWN}\n(SAN_IO_READ) holds ", text)
-        self.assertIn("\n  Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
+        self.assertIn("\nWhat to do: Replace\\x1b]0;x\\x07 磁盘\\xff\\xc0\\xaf\\xed\\xa0\\x80\n", text)
         first = found["analyses"][0]["candidates"][0]
         self.assertEqual((status, first["point"], first["advice"]),
                          (0, LABEL.decode(errors="replace"), ADVICE.decode(errors="replace")))
@@ -89,6 +89,8 @@ class Explain(ConsoleTest):
             (["--zone", "+0200", *times], 3, "named in \\+08:00: use --zone \\+0800"),
             ([compact(epoch - 3600), quiet], 4, "only a part of the range"), (ten, 1, "^Nothing anomalous: "),
             (["--during", peak, compact(epoch + 9600)], 0, DISK), (["--during", *ten], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
+            (["--baseline", quiet, times[1], *times], 0, "^  usual by .*, as named, "), (["--baseline", "yesterday", *times], 4, "baseline that was named has only 0 samples"),
+            (["--baseline", *times, *times, "60"], 2, "--help"),
             (["--point", "X\x1b", *graph, *times], 3, r"the graph SAN_IO_READ has no point X\\x1b"),
             ([*point, "--graph", "X", *times], 3, "the configuration has no graph X"),
             ([*point, "--at", first, *times], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),

@@ -1,0 +1,87 @@
+#include <algorithm>
+
+#include "explain/report.h"
+#include "explain/wording.h"
+
+namespace explain {
+namespace {
+
+constexpr int64_t DAY = 86400;  // seconds
+
+std::string RowsOf(const Report& report) {
+    const Coverage& coverage = report.coverage;
+    std::string text = coverage.expected > 0 ? std::to_string(coverage.intervals) + " of " +
+                                                   Counted(coverage.expected, "interval")
+                                             : Counted(coverage.intervals, "interval");
+    text += ", " + std::to_string(coverage.pointsWithRows) + " of " + Counted(coverage.points, "point");
+    if (coverage.newest) {
+        const int64_t age = std::max<int64_t>(0, report.madeAt - *coverage.newest);
+        text += ", newest row " + TimeOfDay(*coverage.newest, report.zoneOffset) +
+                (age < DAY ? " (" + Duration(age) + " old)" : "");  // says something of an incident only
+    }
+    return text;
+}
+
+// What of the range has no rows; empty when it is covered.
+std::string MissingOf(const Report& report) {
+    const Coverage& coverage = report.coverage;
+    std::string text;
+    const auto add = [&text](bool isMissing, const std::string& what) {
+        text += !isMissing ? "" : (text.empty() ? "only a part of the range has rows: " : ", ") + what;
+    };
+    add(coverage.lacksBegin, "none before " + LocalTime(coverage.oldest.value_or(0), report.zoneOffset));
+    add(coverage.lacksEnd, "none after " + LocalTime(coverage.newest.value_or(0), report.zoneOffset));
+    add(coverage.lacksBetween, "a fifth or more of the intervals between is missing");
+    return text;
+}
+
+std::string FlagsOf(const ChanceFlags& flags) {
+    return std::to_string(flags.flagged) + " of " + Counted(flags.samples, "sample") +
+           " lie beyond three deviations, the detector's bound; of as many without any fault " +
+           Fixed(flags.expected, 1) + " would by chance";
+}
+
+}  // namespace
+
+Facts BasisOf(const Report& report) {
+    Facts facts;
+    if (report.node) {
+        facts.push_back({"node", *report.node});
+    }
+    const Window& range = report.question.range;
+    facts.push_back({"range", LocalTimes(range.start, range.end, report.zoneOffset) + ", zone " +
+                                  ZoneText(report.zoneOffset)});
+    facts.push_back({"rows", RowsOf(report)});
+    if (const std::string missing = MissingOf(report); !missing.empty()) {
+        facts.push_back({"missing", missing});
+    }
+    if (report.flags.samples > 0) {
+        facts.push_back({"flags", FlagsOf(report.flags)});
+    }
+    return facts;
+}
+
+std::string NothingOf(const Report& report) {
+    return report.coverage.IsPart()
+               ? "Nothing anomalous in what was looked at, which is only a part of the range."
+               : "Nothing anomalous: no point was slow, and the detector flags none.";
+}
+
+std::string LargestOf(const Look& look, const Report& report, const Figures& figures) {
+    if (!look.highest) {
+        return look.samples == 0 ? "no rows in the range" : "too few rows";
+    }
+    const Event& highest = *look.highest;
+    const bool isLong = report.question.range.end - report.question.range.start > DAY;
+    std::string text = "largest deviation " + Fixed(highest.peakDeviations, 1) + ", " +
+                       figures.delay(highest.peakDelay) + " at " +
+                       (isLong ? LocalTime : TimeOfDay)(highest.peakTime, report.zoneOffset);
+    const std::vector<Event>& events = look.finding.events;  // what was before the range among them
+    if (look.events.empty() && !events.empty() && events.back().end < report.question.range.start) {
+        text += "; before the range it was slow, " +
+                LocalTimes(events.back().start, events.back().end, report.zoneOffset);
+    }
+    return text;
+}
+
+}  // namespace explain
