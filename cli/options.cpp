@@ -5,7 +5,9 @@
 #include <memory>
 #include <utility>
 
+namespace cli {
 namespace {
+
 // What is wrong with a zone such as +0800; empty: nothing. The system would take one that is out of range for
 // UTC.
 std::string FaultOfZone(const std::string& zone) {
@@ -27,6 +29,7 @@ public:
 private:
     const std::string usage;
 };
+
 }  // namespace
 
 void DeclareInputOptions(CLI::App& app, InputOptions& options) {
@@ -53,3 +56,5 @@ int PrintAnswer(CLI::App& app, const CLI::Success& answer) {
 void SetUsage(CLI::App& app, const std::string& usage) {
     app.formatter(std::make_shared<UsageFormatter>(usage));
 }
+
+}  // namespace cli

@@ -9,6 +9,8 @@ class App;
 class Success;
 }  // namespace CLI
 
+namespace cli {
+
 // Where a program's input is, and in which zone its times are.
 struct InputOptions {
     std::optional<std::string> root;  // the directory that stands before the fixed paths
@@ -26,3 +28,5 @@ int PrintAnswer(CLI::App& app, const CLI::Success& answer);
 
 // Lets the help of `app` begin with the line `usage`.
 void SetUsage(CLI::App& app, const std::string& usage);
+
+}  // namespace cli

@@ -29,10 +29,10 @@ Examples:
 )";
 
 void Declare(CLI::App& app, Options& options) {
-    SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES");
+    cli::SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-explain " EXPLAIN_VERSION);
-    DeclareInputOptions(app, options);
+    cli::DeclareInputOptions(app, options);
     CLI::Option* point = app.add_option("--point", options.points,
                                         "A point to explain, or 'hosts'; may be given several times")
                              ->type_name("NAME")
@@ -92,7 +92,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
             throw CLI::RequiredError("START END, or MINUTES,");
         }
     } catch (const CLI::Success& answer) {
-        return PrintAnswer(app, answer);
+        return cli::PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {
         std::cerr << "zorv-explain: " << Printable(error.what())
                   << "\nRun with --help for more information.\n";

@@ -10,7 +10,7 @@
 
 namespace explain {
 
-struct Options : InputOptions {
+struct Options : cli::InputOptions {
     std::vector<std::string> points;  // "hosts": all at which hosts enter; without any, those that were slow
     std::optional<std::string> graph;
     std::optional<std::string> at;      // a time as an operator writes it, in one word

@@ -56,10 +56,10 @@ uint32_t LevelOf(const std::string& word) {
 }
 
 void Declare(CLI::App& app, Options& options) {
-    SetUsage(app, "zorv-local [OPTIONS] [COMMAND [ARGS...]]");
+    cli::SetUsage(app, "zorv-local [OPTIONS] [COMMAND [ARGS...]]");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", &VersionText);
-    DeclareInputOptions(app, options);
+    cli::DeclareInputOptions(app, options);
     app.add_option("--plugin", options.plugin, "The plug-in; default: the one that came with this program")
         ->type_name("FILE");
     app.add_option("--node", options.node, "Id of this node; default: 1")->type_name("N");
@@ -106,7 +106,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
             throw CLI::ExtrasError({options.command.front()});
         }
     } catch (const CLI::Success& answer) {
-        return PrintAnswer(app, answer);
+        return cli::PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {
         std::cerr << "zorv-local: " << Printable(error.what()) << "\nRun with --help for more information.\n";
         return STATUS_USAGE;

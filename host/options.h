@@ -10,7 +10,7 @@
 #include "cli/options.h"
 
 namespace zorv {
-struct Options : InputOptions {
+struct Options : cli::InputOptions {
     std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
     uint32_t node = 1;
     uint32_t master = 1;  // the own node, or one of the cluster's
