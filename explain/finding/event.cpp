@@ -28,14 +28,14 @@ struct Run {
     size_t last = 0;
 };
 
-// Runs of values above `least`, with at most GAP others between two of them.
-std::vector<Run> RunsAbove(const std::vector<double>& values, double least) {
+// Runs of values above `least`, with at most `gap` others between two of them.
+std::vector<Run> RunsAbove(const std::vector<double>& values, double least, size_t gap = GAP) {
     std::vector<Run> runs;
     for (size_t i = 0; i < values.size(); ++i) {
         if (values[i] <= least) {
             continue;
         }
-        if (!runs.empty() && i - runs.back().last <= GAP + 1) {
+        if (!runs.empty() && i - runs.back().last <= gap + 1) {
             runs.back().last = i;
         } else {
             runs.push_back({i, i});
@@ -96,8 +96,15 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
     }
 }
 
-// Marks what is mild but lasts: of high means of WINDOW values in a row, which are in no run yet, those
-// values that lie above what is usual.
+bool HoldsMarked(const Marks& marks, const Run& run) {
+    const auto begin = marks.begin();
+    const auto end = begin + static_cast<std::ptrdiff_t>(run.last) + 1;
+    return std::find(begin + static_cast<std::ptrdiff_t>(run.first), end, true) != end;
+}
+
+// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high,
+// with those above WEAK that adjoin them, all from the first value that lies above what is usual to the last
+// one. Single values between may well be usual.
 void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
     std::vector<size_t> left;
     for (size_t i = 0; i < values.size(); ++i) {
@@ -120,10 +127,20 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
         return;
     }
-    const Marks highMeans = FindHigh(means, meansTelling).inside;
-    for (size_t i = 0; i < highMeans.size(); ++i) {
-        for (size_t k = i; highMeans[i] && k < i + WINDOW; ++k) {
-            high.inside[left[k]] = high.inside[left[k]] || high.deviations[left[k]] > MILD;
+    const High lasting = FindHigh(means, meansTelling);
+    for (const Run& run : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
+        if (!HoldsMarked(lasting.inside, run)) {
+            continue;
+        }
+        const auto isAbove = [&](size_t position) { return high.deviations[position] > MILD; };
+        const auto from = left.begin() + static_cast<std::ptrdiff_t>(run.first);
+        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run.last + WINDOW);
+        const auto first = std::find_if(from, until, isAbove);
+        const auto last =
+            std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
+        if (first != until) {
+            std::fill(high.inside.begin() + static_cast<std::ptrdiff_t>(*first),
+                      high.inside.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
         }
     }
 }

@@ -105,9 +105,25 @@ std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& va
         means.push_back((values[left[i]] + values[left[i + 1]] + values[left[i + 2]] + values[left[i + 3]]) /
                         4);
     }
-    for (const size_t window : means.size() > 10 ? NaiveHigh(means) : Positions()) {
-        for (size_t i = window; i < window + 4; ++i) {
-            deviations[left[i]] > 1.0 ? void(inside.insert(left[i])) : void();
+    const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
+    const std::vector<double> weak =
+        windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
+    for (const size_t window : windows) {  // with all weak ones that lead from window to adjoining window
+        for (const int way : {-1, 1}) {
+            size_t far = window;
+            for (size_t steps = 0, at = window; steps < 4 && at > 0 && at + 1 < weak.size(); ++steps) {
+                at = way < 0 ? at - 1 : at + 1;
+                far = weak[at] > 2.0 ? at : far;
+                steps = weak[at] > 2.0 ? SIZE_MAX : steps;
+            }
+            Positions above;
+            for (size_t i = std::min(window, far); i < std::max(window, far) + 4; ++i) {
+                deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
+            }
+            for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin());
+                 ++i) {
+                inside.insert(i);
+            }
         }
     }
     std::vector<std::pair<size_t, size_t>> events;
