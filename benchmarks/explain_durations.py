@@ -91,6 +91,8 @@ def try_faults(options, extra, workers):
     seeds = itertools.count(1)
     cases = [Case(*case, next(seeds)) for case in itertools.product(options.ranges, FILLS, [False, True], STRENGTHS, [0, 1])
              for _ in range(options.seeds)]
+    if options.sample:
+        cases = random.Random(1).sample(cases, options.sample)
     by = collections.defaultdict(collections.Counter)
     for case, (found, answer) in zip(cases, workers.map(lambda case: try_fault(options.bin, case, extra), cases)):
         for name in (f"{case.minutes} minutes", f"fills {case.fill:.2f}" if case.fill else "one sample",
@@ -109,6 +111,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--bin", type=pathlib.Path, default="build/release/bin")
     parser.add_argument("--seeds", type=int, default=1, help="of each combination")
+    parser.add_argument("--sample", type=int, help="only so many of these, drawn by chance")
     parser.add_argument("--quiet", type=int, default=200, help="ranges without a fault")
     parser.add_argument("--minutes", type=int, action="append", choices=list(LOOK_BACK), dest="ranges")
     options, extra = parser.parse_known_args()
