@@ -46,8 +46,7 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
 ExitStatus StatusOf(const Report& report) {
     bool cannotTell = false;
     for (const Analysis& analysis : report.analyses) {
-        const bool isAnswer = analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
-        if (isAnswer && !analysis.isWeak) {
+        if (analysis.HasAnswer() && !analysis.isWeak) {
             return STATUS_ANSWERED;
         }
         cannotTell = cannotTell || analysis.verdict == Verdict::CANNOT_TELL;

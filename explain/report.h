@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "explain/analysis/analysis.h"
-#include "explain/analysis/coverage.h"
+#include "explain/finding/coverage.h"
 
 namespace explain {
 

@@ -106,7 +106,7 @@ private:
         value["point"] = Text(look.point);
         value["samples"] = Count(look.samples);
         value["samples_in_events"] = Count(look.samplesInEvents);
-        value["flagged"] = Count(look.flagged);
+        value["flagged"] = Count(look.flagged.size());
         value["usual_delay_us"] =
             look.finding.deviations.empty() ? Json::Value() : Number(look.finding.usual.median);
         value["highest"] = look.highest ? EventValue(*look.highest) : Json::Value();

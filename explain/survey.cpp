@@ -8,7 +8,7 @@
 #include <stdexcept>
 
 #include "explain/analysis/own_delay.h"
-#include "explain/analysis/table_zone.h"
+#include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
 
@@ -61,14 +61,14 @@ Reason WhyNoRows(const Request& request) {
     return reason;
 }
 
-// The zone in which the tables are named, where their rows contradict the request's.
+// The zone in which the tables are named, where their rows contradict the request's and agree with another.
 std::optional<Reason> WhyZone(const Request& request) {
     const std::optional<int64_t> zone = ZoneOfTables(TableSpans(), request.zoneOffset);
-    if (zone == request.zoneOffset) {
+    if (!zone || *zone == request.zoneOffset) {
         return std::nullopt;
     }
-    Reason reason{zone ? ReasonKind::ANOTHER_ZONE : ReasonKind::NO_ZONE};
-    reason.zoneOffset = zone.value_or(0);
+    Reason reason{ReasonKind::ANOTHER_ZONE};
+    reason.zoneOffset = *zone;
     return reason;
 }
 
@@ -111,20 +111,20 @@ public:
         std::stable_partition(report.analyses.begin(), report.analyses.end(),
                               [](const Analysis& analysis) { return !analysis.isWeak; });
         report.coverage = CoverageOf(store.Points(), question.range);
+        const bool isAnswered = std::any_of(report.analyses.begin(), report.analyses.end(),
+                                            [](const Analysis& analysis) { return analysis.HasAnswer(); });
+        if (report.coverage.IsPart() && !isAnswered) {
+            CheckZone();
+        }
         report.flags = CountFlags(store.Points(), question.range);
     }
 
 private:
     // Throws NoData when an answer would look like an all clear although nothing was looked at.
     void CheckRows() const {
-        const bool hasRows = report.coverage.intervals > 0;
-        if (!hasRows || report.coverage.IsPart()) {
-            if (const std::optional<Reason> zone = WhyZone(request)) {
-                throw NoData(*zone);
-            }
-        }
-        if (!hasRows) {
+        if (report.coverage.intervals == 0) {
             CheckNames();
+            CheckZone();
             throw NoData(WhyNoRows(request));
         }
         size_t most = 0;
@@ -136,6 +136,12 @@ private:
                         [](const PointRequest& point) { return point.when != PointRequest::IF_SLOW; });
         if (most < FEWEST_FOR_EVENTS && !isNamed) {
             throw NoData({ReasonKind::FEW_ROWS_OF_DETECTOR, most, FEWEST_FOR_EVENTS});
+        }
+    }
+
+    void CheckZone() const {
+        if (const std::optional<Reason> zone = WhyZone(request)) {
+            throw NoData(*zone);
         }
     }
 
@@ -152,7 +158,7 @@ private:
 
     bool IsAsked(PointRequest::When when, const explain::Look& look) const {
         return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS ||
-               (when == PointRequest::IF_THERE && look.samples > 0) || look.flagged > 0 ||
+               (when == PointRequest::IF_THERE && look.samples > 0) || !look.flagged.empty() ||
                !look.events.empty();
     }
 

@@ -45,7 +45,6 @@ constexpr struct {
     {ReasonKind::OUTSIDE_STATISTICS,
      "the range lies outside the statistics, which go from {from} to {until}"},
     {ReasonKind::ANOTHER_ZONE, "the tables are named in {zone}: use --zone {option}"},
-    {ReasonKind::NO_ZONE, "the tables' names contradict the times of their rows in every zone"},
     {ReasonKind::UNREADABLE_POINT, "the statistics of {subject} could not be read"},
     {ReasonKind::UNREADABLE_DATABASE, "the statistics database cannot be read, or has no tables"},
     {ReasonKind::BAD_CONFIGURATION, "the configuration is not what it should be: {subject}"},

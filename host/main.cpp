@@ -9,6 +9,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "cli/program.h"
 #include "host/capture/capture.h"
 #include "host/capture/inputs.h"
 #include "host/cluster/cluster_file.h"
@@ -114,19 +115,14 @@ void Start(const Options& options, std::optional<Capture>& capture) {
     }
 }
 
-ExitStatus RunHost(const Options& options, std::optional<Capture>& capture) {
-    try {
+int RunHost(const Options& options, std::optional<Capture>& capture) {
+    const int started = cli::RunProgram("zorv-local", STATUS_NOT_STARTED, [&] {
         Start(options, capture);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "zorv-local: %s\n", Printable(error.what(), std::string::npos, "\n").c_str());
-        return STATUS_NOT_STARTED;
-    }
-    try {
-        return RunCommands(options, capture);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "zorv-local: %s\n", Printable(error.what(), std::string::npos, "\n").c_str());
-        return STATUS_FAILED;
-    }
+        return STATUS_OK;
+    });
+    return started != STATUS_OK
+               ? started
+               : cli::RunProgram("zorv-local", STATUS_FAILED, [&] { return RunCommands(options, capture); });
 }
 
 // The plug-in cannot be stopped and its threads run on: nothing that they use may be destroyed under them.

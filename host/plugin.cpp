@@ -15,7 +15,7 @@ using PluginEntry = uint32_t (*)();
 
 constexpr const char* ENTRY_NAME = "ZorvSmartDiagnoseInit";
 constexpr const char* ADVICE =
-    "\nName another file with --plugin, or build the plug-in of this release (target smartdiagnose).";
+    "; name another file with --plugin, or build the plug-in of this release (target smartdiagnose)";
 
 // Seen from this program's directory: as built, and as installed.
 constexpr std::array<const char*, 2> PLACES = {"../lib/libsmartdiagnose.so", ZORV_INSTALLED_PLUGIN};
@@ -29,7 +29,7 @@ std::filesystem::path DefaultPlugin() {
         if (std::filesystem::exists(file, ignored)) {
             return file;
         }
-        tried += "\n  " + file.string();
+        tried += (tried.empty() ? " " : ", ") + file.string();
     }
     throw std::runtime_error("there is no plug-in; looked for" + tried + ADVICE);
 }

@@ -44,7 +44,7 @@ std::optional<LiveOptions> LiveArguments::Options(WorldOptions& world) const {
     if (!isLive) {
         for (const CLI::Option* option : group->get_options()) {
             if (option->count() > 0) {
-                throw BadInput(option->get_name() + " needs --live");
+                throw cli::UsageError(option->get_name() + " needs --live");
             }
         }
         return std::nullopt;

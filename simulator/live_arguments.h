@@ -24,7 +24,7 @@ public:
     // How far in the past the world's clock begins when nothing is said about it.
     int64_t SecondsBehind() const;
     // What was asked for, and in `world` when the fault is to come; nothing when the world is not to go on.
-    // Throws BadInput for options that make no sense.
+    // Throws cli::UsageError for options that make no sense.
     std::optional<LiveOptions> Options(WorldOptions& world) const;
 
 private:

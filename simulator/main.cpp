@@ -1,8 +1,9 @@
 #include <csignal>
 #include <cstdio>
-#include <exception>
+#include <optional>
 #include <stdexcept>
 
+#include "cli/program.h"
 #include "simulator/files/world.h"
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
@@ -13,7 +14,7 @@
 namespace lumosim {
 namespace {
 
-enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1, EXIT_USAGE = 2 };
+enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1 };
 
 WorldSummary WriteWithProgress(const WorldOptions& options) {
     TerminalProgress progress;
@@ -56,15 +57,9 @@ void Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too long is an error as others are
-    try {
+    return cli::RunProgram("lumo-sim", lumosim::EXIT_NOT_WRITTEN, [&] {
         lumosim::Run(argc, argv);
         lumosim::CheckTold();
         return lumosim::EXIT_WRITTEN;
-    } catch (const lumosim::BadInput& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
-        return lumosim::EXIT_USAGE;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "lumo-sim: %s\n", Printable(error.what()).c_str());
-        return lumosim::EXIT_NOT_WRITTEN;
-    }
+    });
 }

@@ -64,7 +64,7 @@ int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t be
         }
         return end;
     } catch (const TimeError& error) {
-        throw BadInput(std::string("--end must be a time: ") + error.what());
+        throw cli::UsageError(std::string("--end must be a time: ") + error.what());
     }
 }
 
@@ -142,14 +142,14 @@ Request ParseCommandLine(int argc, const char* const* argv) {
         request.text = std::string(version.what()) + "\n";
         return request;
     } catch (const CLI::ParseError& error) {
-        throw BadInput(error.what());
+        throw cli::UsageError(error.what());
     }
     if (list) {
         request.text = ScenarioList();
         return request;
     }
     if (root.empty()) {
-        throw BadInput("--root DIR is missing");
+        throw cli::UsageError("--root DIR is missing");
     }
     if (const Scenario* scenario = FindScenario(world.scenario); app.count("--hours") == 0 && scenario) {
         world.hours = std::max(world.hours, scenario->minimumHours);

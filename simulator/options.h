@@ -17,7 +17,7 @@ struct Request {
     std::optional<LiveOptions> live;
 };
 
-// Throws BadInput when the command line makes no sense.
+// Throws cli::UsageError when the command line makes no sense.
 Request ParseCommandLine(int argc, const char* const* argv);
 
 }  // namespace lumosim

@@ -5,7 +5,7 @@
 
 #include "explain/analysis/budget.h"
 #include "explain/analysis/modules.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 #include "fault_algorithm/fault_correlation.h"
 #include "fault_algorithm/fault_rootcause.h"
 #include "fault_common/fault_common.h"

@@ -9,8 +9,8 @@
 
 #include "explain/analysis/evidence.h"
 #include "explain/analysis/graph_world.h"
-#include "explain/analysis/look.h"
 #include "explain/analysis/modules.h"
+#include "explain/finding/look.h"
 
 namespace explain {
 
@@ -96,6 +96,7 @@ struct Analysis {
     std::vector<Trial> trials;                // six, for an answer
     std::optional<Walk> walk;                 // for an answer
 
+    bool HasAnswer() const { return verdict == Verdict::POINT || verdict == Verdict::LOAD; }
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "explain/analysis/level.h"
+#include "explain/finding/level.h"
 
 namespace explain {
 namespace {

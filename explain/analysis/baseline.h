@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "explain/analysis/event.h"
+#include "explain/finding/event.h"
 
 namespace explain {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 
 namespace explain {
 namespace {

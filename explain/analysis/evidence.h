@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "explain/analysis/baseline.h"
-#include "explain/analysis/reason.h"
-#include "explain/analysis/sample_store.h"
+#include "explain/finding/reason.h"
+#include "explain/finding/sample_store.h"
 
 namespace explain {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "explain/analysis/budget.h"
-#include "explain/analysis/sample_store.h"
+#include "explain/finding/sample_store.h"
 
 namespace explain {
 

@@ -15,9 +15,10 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int MOST_LINKS = 40;  // the kernel follows no more either
-constexpr const char* FIXED_FILES[] = {ZORV_ROUTE_CONFIG_FILE, LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE,
+constexpr const char* STATISTICS = LUMO_DATABASE_FILE;
+constexpr const char* FIXED_FILES[] = {ZORV_ROUTE_CONFIG_FILE, STATISTICS, ZORV_HEAL_DATABASE_FILE,
                                        FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
-constexpr const char* DATABASES[] = {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE};
+constexpr const char* DATABASES[] = {STATISTICS, ZORV_HEAL_DATABASE_FILE};
 constexpr const char* BESIDE_DATABASES[] = {"-wal", "-journal", "-shm"};
 
 // What a path leads to, whatever it is called; nothing when nothing is there.
@@ -113,10 +114,11 @@ bool IsIn(const std::string& capture, const fs::path& file) {
 
 std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& inputs) {
     const fs::path file = Destination(path);
-    for (const auto& [name, input] : FilesOf(inputs)) {
-        if (IsSameFile(file, input)) {
-            return "'" + path + "' is not written: it is " + name + ", which is read. Name another file.";
-        }
+    const auto files = FilesOf(inputs);
+    const auto same = std::find_if(files.begin(), files.end(),
+                                   [&](const auto& one) { return IsSameFile(file, one.second); });
+    if (same != files.end()) {
+        return "'" + path + "' is not written: it is " + same->first + ", which is read. Name another file.";
     }
     if (inputs.isCapture && IsIn(inputs.directory, file)) {
         return "'" + path + "' is not written: it is in the capture " + inputs.directory +

@@ -1,4 +1,4 @@
-#include "simulator/files/heal_database.h"
+#include "simulator/files/world_files.h"
 
 #include "simulator/files/sqlite_file.h"
 

@@ -1,4 +1,4 @@
-#include "simulator/files/json_text.h"
+#include "simulator/files/world_files.h"
 
 namespace lumosim {
 

@@ -1,6 +1,4 @@
-#include "simulator/files/route_config.h"
-
-#include "simulator/files/json_text.h"
+#include "simulator/files/world_files.h"
 
 namespace lumosim {
 namespace {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <numeric>
 
-#include "simulator/files/json_text.h"
-#include "simulator/plan/error_choice.h"
+#include "simulator/files/world_files.h"
+#include "simulator/plan/choices.h"
 #include "text/local_time.h"
 
 namespace lumosim {

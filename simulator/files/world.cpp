@@ -5,11 +5,10 @@
 #include <vector>
 
 #include "agent/agent_storage.h"
-#include "simulator/files/heal_database.h"
 #include "simulator/files/replaced_file.h"
-#include "simulator/files/route_config.h"
 #include "simulator/files/sqlite_file.h"
 #include "simulator/files/truth.h"
+#include "simulator/files/world_files.h"
 #include "simulator/plan/heal_events.h"
 
 namespace lumosim {
@@ -25,7 +24,7 @@ void CreateRoot(const fs::path& root) {
         error = std::make_error_code(std::errc::not_a_directory);
     }
     if (error) {
-        throw BadInput("cannot create the folder " + root.string() + ": " + error.message());
+        throw cli::UsageError("cannot create the folder " + root.string() + ": " + error.message());
     }
 }
 
@@ -43,8 +42,8 @@ void CheckReplaceable(const fs::path& root) {
     }
     for (const char* file : {ZORV_ROUTE_CONFIG_FILE, ZORV_HEAL_DATABASE_FILE, LUMO_DATABASE_FILE}) {
         if (fs::exists(fs::symlink_status(root.string() + file))) {
-            throw BadInput(root.string() + file + " is not of a world, as there is no " +
-                           (root / TRUTH_FILE).string() + "; --force replaces it");
+            throw cli::UsageError(root.string() + file + " is not of a world, as there is no " +
+                                  (root / TRUTH_FILE).string() + "; --force replaces it");
         }
     }
 }

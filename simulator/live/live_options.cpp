@@ -18,7 +18,7 @@ void CheckLiveOptions(const LiveOptions& live, const WorldOptions& world, int64_
     CheckRange("--fault-after", live.faultAfter, 0, MAXIMUM_SECONDS);
     CheckRange("--keep", live.keptHours, world.hours, MAXIMUM_KEPT_HOURS);
     if (world.end > now) {
-        throw BadInput("--end must not be in the future, as live samples begin there");
+        throw cli::UsageError("--end must not be in the future, as live samples begin there");
     }
 }
 

@@ -23,8 +23,8 @@ struct LiveOptions {
     int64_t keptHours = 48;  // data tables that ended before are dropped
 };
 
-// Throws BadInput when a number is out of its range, or does not fit the world: what begins in the future, or
-// a history that is longer than what is kept. `now` is in UTC seconds.
+// Throws cli::UsageError when a number is out of its range, or does not fit the world: what begins in the
+// future, or a history that is longer than what is kept. `now` is in UTC seconds.
 void CheckLiveOptions(const LiveOptions& live, const WorldOptions& world, int64_t now);
 
 }  // namespace lumosim

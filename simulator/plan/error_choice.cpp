@@ -1,4 +1,4 @@
-#include "simulator/plan/error_choice.h"
+#include "simulator/plan/choices.h"
 
 #include <algorithm>
 #include <set>
@@ -14,7 +14,7 @@ constexpr std::array<std::string_view, 3> WALKED_GRAPHS = {"ERRCODE_SAN_PROTO", 
 int ColumnOf(const std::string& type) {
     const auto place = std::find(ERROR_TYPES.begin(), ERROR_TYPES.end(), type);
     if (place == ERROR_TYPES.end()) {
-        throw BadInput(NoSuchName("error type", type, {ERROR_TYPES.begin(), ERROR_TYPES.end()}));
+        throw cli::UsageError(NoSuchName("error type", type, {ERROR_TYPES.begin(), ERROR_TYPES.end()}));
     }
     return static_cast<int>(place - ERROR_TYPES.begin());
 }
@@ -46,7 +46,7 @@ std::vector<std::string> ErrorPoints(const Topology& topology) {
 void MoveTo(const std::string& point, const Topology& topology, FaultRecipe& fault) {
     const std::vector<std::string> points = ErrorPoints(topology);
     if (!std::binary_search(points.begin(), points.end(), point)) {
-        throw BadInput(NoSuchName("point with errors", point, points));
+        throw cli::UsageError(NoSuchName("point with errors", point, points));
     }
     const std::vector<std::string_view> graphs = FirstGraphs(topology);
     fault.graph = *std::find_if(graphs.begin(), graphs.end(), [&](std::string_view graph) {
@@ -62,8 +62,8 @@ void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenari
         return;
     }
     if (scenario.faults.empty() || scenario.faults.front().kind != FaultKind::ERROR) {
-        throw BadInput("--error-type and --error-point are for scenarios with errors, not for " +
-                       options.scenario);
+        throw cli::UsageError("--error-type and --error-point are for scenarios with errors, not for " +
+                              options.scenario);
     }
     FaultRecipe& fault = scenario.faults.front();
     if (!options.errorType.empty()) {

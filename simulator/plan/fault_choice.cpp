@@ -1,4 +1,4 @@
-#include "simulator/plan/fault_choice.h"
+#include "simulator/plan/choices.h"
 
 namespace lumosim {
 namespace {
@@ -7,12 +7,12 @@ void CheckFits(const WorldOptions& options, const Scenario& scenario) {
     const size_t count = scenario.faults.size();
     const bool isSlow = count > 0 && scenario.faults.front().kind == FaultKind::DELAY;
     if ((options.faultStrength || options.spike) && !isSlow) {
-        throw BadInput("--fault-strength and --spike are for scenarios with a slow point, not for " +
-                       options.scenario);
+        throw cli::UsageError("--fault-strength and --spike are for scenarios with a slow point, not for " +
+                              options.scenario);
     }
     if (options.secondFault && (count < 2 || scenario.faults[1].when != FaultTime::LATE)) {
-        throw BadInput("--second-fault is for scenarios with two faults at a time, not for " +
-                       options.scenario);
+        throw cli::UsageError("--second-fault is for scenarios with two faults at a time, not for " +
+                              options.scenario);
     }
 }
 

@@ -137,7 +137,7 @@ std::vector<double> Plan::PlaceBursts(PlantedFault& fault) const {
     const int64_t whole = SamplesOf(course);
     const int64_t end = options.isLive ? whole : std::min(whole, options.SampleCount() - first);
     if (first + end <= 0 || (first < 0 && fault.recipe.when == FaultTime::EARLY)) {
-        throw BadInput("what is planted would lie before the range");
+        throw cli::UsageError("what is planted would lie before the range");
     }
     const int64_t burst =
         course.burst > 0 ? std::max(course.burst / options.step, FAULT_MINIMUM_SAMPLES) : whole;

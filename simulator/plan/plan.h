@@ -35,7 +35,8 @@ struct PlantedFault {
 class Plan {
 public:
     // The scenario must live as long as the plan. Throws std::logic_error when no way leads to the fault's
-    // point, std::out_of_range for a point that no graph has, BadInput when nothing of a fault would be seen.
+    // point, std::out_of_range for a point that no graph has, cli::UsageError when nothing of a fault would
+    // be seen.
     Plan(const WorldOptions& options, const Scenario& scenario, const Topology& topology,
          const Levels& levels, const Noise& noise);
 

@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "simulator/plan/error_choice.h"
-#include "simulator/plan/fault_choice.h"
+#include "simulator/plan/choices.h"
 
 namespace lumosim {
 namespace {

@@ -13,7 +13,7 @@ namespace lumosim {
 
 // A pure function of the options. Its parts refer to each other, so it stays where it is.
 struct WorldModel {
-    // Throws BadInput for options that cannot be served.
+    // Throws cli::UsageError for options that cannot be served.
     explicit WorldModel(const WorldOptions& worldOptions);
     WorldModel(const WorldModel&) = delete;
     WorldModel& operator=(const WorldModel&) = delete;

@@ -16,7 +16,7 @@ const Scenario& CheckScenario(const std::string& name) {
     for (const Scenario& scenario : Scenarios()) {
         names.emplace_back(scenario.name);
     }
-    throw BadInput(NoSuchName("scenario", name, names) + " (--list shows all)");
+    throw cli::UsageError(NoSuchName("scenario", name, names) + " (--list shows all)");
 }
 
 template <typename Number>
@@ -24,7 +24,7 @@ void CheckWithin(const char* option, Number value, Number least, Number most) {
     if (!(value >= least && value <= most)) {
         std::ostringstream text;
         text << option << " must be from " << least << " to " << most << ", not " << value;
-        throw BadInput(text.str());
+        throw cli::UsageError(text.str());
     }
 }
 
@@ -65,13 +65,13 @@ void CheckOptions(const WorldOptions& options) {
     CheckRange("--step", options.step, 1, MAXIMUM_STEP);
     CheckRange("--period", options.period, options.step, MAXIMUM_PERIOD);
     if (options.hours < scenario.minimumHours) {
-        throw BadInput("scenario " + options.scenario + " needs at least " +
-                       std::to_string(scenario.minimumHours) + " hours");
+        throw cli::UsageError("scenario " + options.scenario + " needs at least " +
+                              std::to_string(scenario.minimumHours) + " hours");
     }
     if (options.SampleCount() < MINIMUM_SAMPLES || options.SampleCount() > MAXIMUM_SAMPLES) {
-        throw BadInput("--hours and --step make " + std::to_string(options.SampleCount()) +
-                       " samples per point; possible are " + std::to_string(MINIMUM_SAMPLES) + " to " +
-                       std::to_string(MAXIMUM_SAMPLES));
+        throw cli::UsageError("--hours and --step make " + std::to_string(options.SampleCount()) +
+                              " samples per point; possible are " + std::to_string(MINIMUM_SAMPLES) + " to " +
+                              std::to_string(MAXIMUM_SAMPLES));
     }
     CheckFault(options);
 }

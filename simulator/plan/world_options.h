@@ -4,9 +4,10 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "cli/program.h"
 
 namespace lumosim {
 
@@ -19,12 +20,6 @@ constexpr int64_t MAXIMUM_NOISE = 60;
 // A burst of two samples must stand out of its range.
 constexpr int64_t MINIMUM_SAMPLES = 60;
 constexpr int64_t MAXIMUM_SAMPLES = 172800;
-
-// A request that cannot be served as it is; the text is for the user.
-class BadInput : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
 
 struct WorldOptions {
     std::filesystem::path root;
@@ -62,11 +57,11 @@ struct WorldOptions {
 std::string NoSuchName(const std::string& kind, const std::string& name,
                        const std::vector<std::string>& names);
 
-// Throws BadInput, in the option's name, when the value is out of its range.
+// Throws cli::UsageError, in the option's name, when the value is out of its range.
 void CheckRange(const char* option, int64_t value, int64_t least, int64_t most);
 void CheckRange(const char* option, double value, double least, double most);
 
-// Throws BadInput when the scenario is unknown, or a number is out of its range or too small for the
+// Throws cli::UsageError when the scenario is unknown, or a number is out of its range or too small for the
 // scenario.
 void CheckOptions(const WorldOptions& options);
 

@@ -9,7 +9,7 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/analysis/evidence.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -105,9 +105,25 @@ std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& va
         means.push_back((values[left[i]] + values[left[i + 1]] + values[left[i + 2]] + values[left[i + 3]]) /
                         4);
     }
-    for (const size_t window : means.size() > 10 ? NaiveHigh(means) : Positions()) {
-        for (size_t i = window; i < window + 4; ++i) {
-            deviations[left[i]] > 1.0 ? void(inside.insert(left[i])) : void();
+    const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
+    const std::vector<double> weak =
+        windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
+    for (const size_t window : windows) {  // with all weak ones that lead from window to adjoining window
+        for (const int way : {-1, 1}) {
+            size_t far = window;
+            for (size_t steps = 0, at = window; steps < 4 && at > 0 && at + 1 < weak.size(); ++steps) {
+                at = way < 0 ? at - 1 : at + 1;
+                far = weak[at] > 2.0 ? at : far;
+                steps = weak[at] > 2.0 ? SIZE_MAX : steps;
+            }
+            Positions above;
+            for (size_t i = std::min(window, far); i < std::max(window, far) + 4; ++i) {
+                deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
+            }
+            for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin());
+                 ++i) {
+                inside.insert(i);
+            }
         }
     }
     std::vector<std::pair<size_t, size_t>> events;
@@ -162,6 +178,7 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED},
         {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE},
         {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE},
+        {"==H==66", 0, -1, " 40-40 x1 @40 81-82 x2 @81+", Silence::OUTSHONE},
         {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED},
         {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED},
         {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE},
@@ -188,6 +205,26 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         EXPECT_EQ(events, row.events) << row.letters;
         if (!look.events.empty()) {
             EXPECT_EQ(look.SilenceOn(look.events.back()), row.silence) << row.letters;
+        }
+    }
+}
+
+// A day's swing hides nothing, and is no event itself.
+TEST(Explain, FindsEventsAlongASlowCurve) {
+    for (const double swing : {0.0, 0.1, 0.3, 0.5}) {
+        for (const int64_t begin : {300, 1300, 2860}) {
+            std::mt19937 random(static_cast<unsigned>(begin));
+            Samples samples;
+            for (int64_t i = 0; i < 2880; ++i) {
+                const double wave = 1 + swing * std::sin(static_cast<double>(i) * 2 * M_PI / 2880);
+                const double noise = 1 + 0.03 * (static_cast<double>(random() % 2001) / 1000 - 1);
+                samples.push_back(
+                    {i * STEP, 1000 * wave * noise * (i >= begin && i < begin + 40 ? 1.6 : 1.0), 10});
+            }
+            const Finding finding = FindEvents(samples);
+            ASSERT_EQ(finding.events.size(), 1U) << swing << " " << begin;
+            EXPECT_EQ(finding.events.front().start, begin * STEP);
+            EXPECT_EQ(finding.isCurved, swing > 0.05);
         }
     }
 }
@@ -248,7 +285,7 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=|H.", "+device 20 225 9000 "},
         {"=|H", "+device 20 450 9000 "},
         {"=|66", "+unknown 20 5 220 "},
-        {"=|5l", "-usual none -20 -800 "},
+        {"=|6.", "-usual 20 2 110 "},
         {"=|nn", "-usual none -45 1800 "},
         {"=|zz", "-usual 20 450 0 "},
         {"=|SS", "+load 20 450 180000 "},

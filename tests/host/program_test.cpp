@@ -51,7 +51,7 @@ TEST_F(ProgramTest, ExitStatuses) {
         {PROBE, "print '\t\t[ERROR]: x'\necho\n", 1, "\t\t[ERROR]: x\n" + SAID + "\n", ""},
         {PROBE, "echo\n\n''\nquit\necho", 2, SAID + "\n", "zorv-local: line 3: unknown command ''" + ADVICE},
         {"--plugin none help", "", 3, "", "cannot load the plug-in: "},
-        {"--plugin " OTHER_LIBRARY " help", "", 3, "", "it has no ZorvSmartDiagnoseInit\n"},
+        {"--plugin " OTHER_LIBRARY " help", "", 3, "", "it has no ZorvSmartDiagnoseInit; name "},
         {"--plugin " NEEDY_PLUGIN " help", "", 3, "", "ZORV_ServiceOfNoHost"},
         {"--plugin " PROBE_PLUGIN " --root none help", "", 3, "", "the root 'none' is not a directory\n"},
         {PROBE + "--log in/log help", "", 3, "", "in/log"},

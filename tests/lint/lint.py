@@ -36,16 +36,17 @@ ARROWS = {
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
     "simulator/graphs": set(),
-    "simulator/plan": {"simulator/graphs", "text"},
-    "simulator/files": {"simulator/plan", "simulator/graphs", "text"},
-    "simulator/live": {"simulator/files", "simulator/plan"},
-    "simulator": {"simulator/live", "simulator/files", "simulator/plan", "text"},
+    "simulator/plan": {"simulator/graphs", "cli", "text"},
+    "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
+    "simulator/live": {"simulator/files", "simulator/plan", "cli"},
+    "simulator": {"simulator/live", "simulator/files", "simulator/plan", "cli", "text"},
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
-ARROWS["explain/analysis"] = {"fault_common", "fault_correlation", "fault_database", "fault_json_object",
+ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
+ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlation", "fault_json_object",
                               "fault_causality_graph", "fault_rootcause"}
-ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "text"}
-ARROWS["explain"] = {"explain/analysis", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
+ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/finding", "text"}
+ARROWS["explain"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}

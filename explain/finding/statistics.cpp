@@ -1,4 +1,4 @@
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 
 #include <algorithm>
 #include <cmath>

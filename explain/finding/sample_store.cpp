@@ -1,4 +1,4 @@
-#include "explain/analysis/sample_store.h"
+#include "explain/finding/sample_store.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "explain/analysis/series.h"
+#include "explain/finding/series.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,10 +1,10 @@
-#include "explain/analysis/event.h"
+#include "explain/finding/event.h"
 
 #include <algorithm>
 #include <functional>
 #include <iterator>
 
-#include "explain/analysis/level.h"
+#include "explain/finding/level.h"
 
 namespace explain {
 namespace {
@@ -13,7 +13,8 @@ constexpr size_t GAP = 1;        // samples within a run that are not high
 constexpr size_t WINDOW = 4;     // samples in a row whose mean is looked at, too
 constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
 constexpr size_t MOST_ROUNDS = 5;
-constexpr size_t LEAST_USUAL = 10;  // one of so many samples at least stays in no event
+constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
+constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
 
 using Marks = std::vector<bool>;  // by position
 
@@ -27,14 +28,14 @@ struct Run {
     size_t last = 0;
 };
 
-// Runs of values above `least`, with at most GAP others between two of them.
-std::vector<Run> RunsAbove(const std::vector<double>& values, double least) {
+// Runs of values above `least`, with at most `gap` others between two of them.
+std::vector<Run> RunsAbove(const std::vector<double>& values, double least, size_t gap = GAP) {
     std::vector<Run> runs;
     for (size_t i = 0; i < values.size(); ++i) {
         if (values[i] <= least) {
             continue;
         }
-        if (!runs.empty() && i - runs.back().last <= GAP + 1) {
+        if (!runs.empty() && i - runs.back().last <= gap + 1) {
             runs.back().last = i;
         } else {
             runs.push_back({i, i});
@@ -80,7 +81,7 @@ bool LeavesEnough(const Marks& telling, const Marks& inside) {
 // must mark FEWEST_BASELINE values.
 High FindHigh(const std::vector<double>& values, const Marks& telling) {
     High high{Marks(values.size(), false), {}, {}};
-    while (true) {
+    for (size_t search = 1;; ++search) {
         high.usual = UsualOf(values, telling, high.inside);
         high.deviations = DeviationsFrom(high.usual, values);
         Marks now = high.inside;
@@ -88,15 +89,22 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
             std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
                       now.begin() + static_cast<std::ptrdiff_t>(run.last) + 1, true);
         }
-        if (now == high.inside || !LeavesEnough(telling, now)) {
+        if (now == high.inside || !LeavesEnough(telling, now) || search == MOST_SEARCHES) {
             return high;
         }
         high.inside = std::move(now);
     }
 }
 
-// Marks what is mild but lasts: of high means of WINDOW values in a row, which are in no run yet, those
-// values that lie above what is usual.
+bool HoldsMarked(const Marks& marks, const Run& run) {
+    const auto begin = marks.begin();
+    const auto end = begin + static_cast<std::ptrdiff_t>(run.last) + 1;
+    return std::find(begin + static_cast<std::ptrdiff_t>(run.first), end, true) != end;
+}
+
+// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high,
+// with those above WEAK that adjoin them, all from the first value that lies above what is usual to the last
+// one. Single values between may well be usual.
 void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
     std::vector<size_t> left;
     for (size_t i = 0; i < values.size(); ++i) {
@@ -119,35 +127,42 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
         return;
     }
-    const Marks highMeans = FindHigh(means, meansTelling).inside;
-    for (size_t i = 0; i < highMeans.size(); ++i) {
-        for (size_t k = i; highMeans[i] && k < i + WINDOW; ++k) {
-            high.inside[left[k]] = high.inside[left[k]] || high.deviations[left[k]] > MILD;
+    const High lasting = FindHigh(means, meansTelling);
+    for (const Run& run : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
+        if (!HoldsMarked(lasting.inside, run)) {
+            continue;
+        }
+        const auto isAbove = [&](size_t position) { return high.deviations[position] > MILD; };
+        const auto from = left.begin() + static_cast<std::ptrdiff_t>(run.first);
+        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run.last + WINDOW);
+        const auto first = std::find_if(from, until, isAbove);
+        const auto last =
+            std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
+        if (first != until) {
+            std::fill(high.inside.begin() + static_cast<std::ptrdiff_t>(*first),
+                      high.inside.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
         }
     }
 }
 
-// Looks once more, with the slow curve taken out, where most of the spread comes from it.
+// Looks once more with the slow curve taken out, where most of the spread comes from it. Returns whether it
+// does.
 bool AddAlongCurve(const Samples& samples, const Marks& telling, High& high) {
     const double spread = high.usual.scale;
-    bool isCurved = false;
     for (size_t round = 0; round < MOST_ROUNDS; ++round) {
-        const std::vector<double> levelled = Levelled(samples, high.inside, high.usual.median);
-        High found = FindHigh(levelled, telling);
+        High found = FindHigh(Levelled(samples, high.inside, high.usual.median), telling);
         if (found.usual.scale > FLATTER * spread) {
-            return isCurved;
+            return round > 0;
         }
-        isCurved = true;
-        std::transform(found.inside.begin(), found.inside.end(), high.inside.begin(), found.inside.begin(),
+        const Marks before = high.inside;
+        std::transform(before.begin(), before.end(), found.inside.begin(), high.inside.begin(),
                        std::logical_or<>());
-        const bool isNew = found.inside != high.inside;
-        high.inside = std::move(found.inside);
         high.deviations = std::move(found.deviations);
-        if (!isNew) {
+        if (high.inside == before) {
             break;
         }
     }
-    return isCurved;
+    return true;
 }
 
 Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {

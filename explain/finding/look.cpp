@@ -1,9 +1,9 @@
-#include "explain/analysis/look.h"
+#include "explain/finding/look.h"
 
 #include <algorithm>
 
-#include "explain/analysis/sample_store.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/sample_store.h"
+#include "explain/finding/statistics.h"
 #include "fault_algorithm/fault_correlation.h"
 
 namespace explain {
@@ -13,12 +13,19 @@ namespace {
 // below a tenth.
 constexpr double MOST_FLAGGED = 0.1;
 
-size_t FlagsOf(const Samples& samples) {
+// Positions of the samples that the detector flags when it looks at those from `first` to before `end`.
+std::vector<size_t> FlagsOf(const Samples& samples, size_t first, size_t end) {
+    const auto begin = samples.begin();
     std::vector<int64_t> delays;
-    for (const FaultSeriesRow& row : DelaySeries(samples)) {
+    for (const FaultSeriesRow& row : DelaySeries(
+             {begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(end)})) {
         delays.push_back(row[1]);
     }
-    return SmartDiagnose::Outliers(delays).size();
+    std::vector<size_t> flags = SmartDiagnose::Outliers(delays);
+    for (size_t& position : flags) {
+        position += first;
+    }
+    return flags;
 }
 
 // The event that is just the sample which lies highest.
@@ -36,7 +43,8 @@ std::optional<Event> HighestOf(const Samples& samples, const Finding& finding, s
 }  // namespace
 
 Silence Look::SilenceOn(const Event& event) const {
-    if (flagged > 0) {
+    const auto flag = std::lower_bound(flagged.begin(), flagged.end(), event.first);
+    if (flag != flagged.end() && *flag <= event.last) {
         return Silence::NONE;
     }
     if (samples < FEWEST_FOR_SIGMA) {
@@ -57,8 +65,7 @@ Look LookAt(const std::string& point, const Samples& samples, const Window& rang
     look.finding = FindEvents(samples, baseline);
     const auto [first, end] = PositionsIn(samples, range);
     look.samples = end - first;
-    look.flagged = FlagsOf({samples.begin() + static_cast<std::ptrdiff_t>(first),
-                            samples.begin() + static_cast<std::ptrdiff_t>(end)});
+    look.flagged = FlagsOf(samples, first, end);
     for (const Event& event : look.finding.events) {
         if (event.last >= first && event.first < end) {
             look.events.push_back(event);

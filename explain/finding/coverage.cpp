@@ -1,10 +1,10 @@
-#include "explain/analysis/coverage.h"
+#include "explain/finding/coverage.h"
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "explain/analysis/statistics.h"
+#include "explain/finding/statistics.h"
 
 namespace explain {
 namespace {

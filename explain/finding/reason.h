@@ -35,7 +35,6 @@ enum class ReasonKind {
     NO_ROWS_AT_ALL,
     OUTSIDE_STATISTICS,  // which go from `from` until `until`
     ANOTHER_ZONE,        // `zoneOffset` is that of the tables
-    NO_ZONE,             // in which tables and rows agree
     UNREADABLE_POINT,
     UNREADABLE_DATABASE,
     BAD_CONFIGURATION,

@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
-#include "explain/analysis/series.h"
-#include "explain/analysis/statistics.h"
+#include "explain/finding/series.h"
+#include "explain/finding/statistics.h"
 
 namespace explain {
 

@@ -3,11 +3,11 @@
 
 #include <vector>
 
-#include "explain/analysis/series.h"
+#include "explain/finding/series.h"
 
 namespace explain {
 
-// The level of a sample is the median of so long a stretch around it.
+// The level of a sample is told by so long a stretch around it.
 constexpr int64_t LEVEL_SECONDS = 14400;
 
 // The delays with the slow curve taken out: each relative to the median of those around it (LEVEL_SECONDS in

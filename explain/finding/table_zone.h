@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "explain/analysis/event.h"
+#include "explain/finding/event.h"
 
 namespace explain {
 

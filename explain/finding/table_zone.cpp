@@ -1,4 +1,4 @@
-#include "explain/analysis/table_zone.h"
+#include "explain/finding/table_zone.h"
 
 #include <algorithm>
 #include <string>

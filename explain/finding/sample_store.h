@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis/reason.h"
-#include "explain/analysis/series.h"
+#include "explain/finding/reason.h"
+#include "explain/finding/series.h"
 #include "fault_common/fault_series.h"
 
 namespace explain {

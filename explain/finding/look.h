@@ -5,13 +5,13 @@
 #include <string>
 #include <vector>
 
-#include "explain/analysis/event.h"
+#include "explain/finding/event.h"
 
 namespace explain {
 
-// Why the detector, which looks at a range alone, flags no sample of it although there is an event.
+// Why the detector, which looks at a range alone, flags no sample of an event.
 enum class Silence {
-    NONE,      // it does flag one, or there is no event
+    NONE,      // it does flag one
     FEW,       // fewer than FEWEST_FOR_SIGMA samples
     FILLED,    // events fill so much of the range that nothing can reach three deviations
     OUTSHONE,  // another event in the range is larger
@@ -24,10 +24,10 @@ struct Look {
     std::vector<Event> events;  // those that reach into the range, in the order of time
     size_t samples = 0;         // in the range
     size_t samplesInEvents = 0;
-    size_t flagged = 0;            // by the detector
+    std::vector<size_t> flagged;   // positions of samples that the detector flags, ascending
     std::optional<Event> highest;  // the sample of the range that lies highest above the usual
 
-    // Of the detector, for an event.
+    // Of the detector, on an event of the series.
     Silence SilenceOn(const Event& event) const;
 };
 

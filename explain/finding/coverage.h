@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "explain/analysis/sample_store.h"
+#include "explain/finding/sample_store.h"
 
 namespace explain {
 

@@ -1,4 +1,4 @@
-// The errors that a world has: its scenario's, or others that the user asks for.
+// What is planted otherwise than the scenario has it, because the user asks for it.
 #pragma once
 
 #include <array>
@@ -13,11 +13,15 @@ namespace lumosim {
 // The types of errors, by the column that counts them.
 constexpr std::array<std::string_view, 3> ERROR_TYPES = {"IOERROR", "IORETRY", "IOACCESSDENY"};
 
-// Changes the errors of the scenario to the type and the point that the options name, if any. Throws BadInput
-// when the scenario plants no errors, and for a type or a point that does not exist.
+// Changes the errors of the scenario to the type and the point that the options name, if any. Throws
+// cli::UsageError when the scenario plants no errors, and for a type or a point that does not exist.
 void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario);
 
 // Whether operators are shown walks by error counts that begin in the graph.
 bool BeginsErrorWalk(std::string_view graph);
+
+// Changes the scenario's faults, and how far delays stray, to what the options name, if anything. Throws
+// cli::UsageError when the scenario plants nothing of that kind.
+void ChooseFaults(const WorldOptions& options, const Topology& topology, Scenario& scenario);
 
 }  // namespace lumosim
