@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""How often zorv-explain names what lumo-sim has planted, over all scenarios and many seeds. Options that are not listed
-here go to lumo-sim: --hours, --step. Fails when a scenario's truth is missed too often."""
+"""How often zorv-explain names what lumo-sim has planted, over all scenarios and many seeds, and how often it was right
+when it said how sure it is. Options that are not listed here go to lumo-sim: --hours, --step, --noise. Fails when a
+scenario's truth is missed too often."""
 import argparse
 import collections
 import concurrent.futures
@@ -10,21 +11,33 @@ import pathlib
 import subprocess
 import sys
 import tempfile
+import time
 
 COLUMNS = ["runs", "points", "first", "three", "load", "claims"]
+CERTAINTIES = ["sure", "likely", "unsure"]
 LEAST = {"first": 0.95, "three": 0.99, "load": 0.95}  # of the runs; of claims where nothing is slow there may be none
 
 
-def explain(bin_dir, scenario, seed, extra):
-    """What the truth says of a world, and the analyses of the graph that it says it of: all where nothing is slow."""
+def compact(epoch):
+    return time.strftime("%Y%m%d%H%M%S", time.gmtime(epoch))
+
+
+def explain(bin_dir, scenario, seed, extra, minutes=None):
+    """What was written of a world, and what is not weak of the analyses of its last minutes or of all of it."""
     world = ["--scenario", scenario, "--seed", str(seed), "--end", "20230105143000", *extra]
     with tempfile.TemporaryDirectory() as root:
         subprocess.run([bin_dir / "lumo-sim", "--root", root, *world], check=True, stdout=subprocess.DEVNULL)
         written = json.loads(pathlib.Path(root, "truth.json").read_text())
-        run = subprocess.run([bin_dir / "zorv-explain", "--root", root, "--json", written["start"], written["end"]],
-                             stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
-    truth = written["explain"]
-    return truth, [one for one in json.loads(run.stdout)["analyses"] if truth["graph"] in (None, one["graph"])]
+        start = compact(written["end_epoch"] - 60 * minutes) if minutes else written["start"]
+        run = subprocess.run([bin_dir / "zorv-explain", "--root", root, "--json", start, written["end"]],
+                             stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+    if run.returncode not in (0, 1, 4):
+        raise RuntimeError(f"{scenario}, seed {seed}, {extra}: {run.returncode}, {run.stderr}")
+    return written, [one for one in json.loads(run.stdout)["analyses"] if not one["weak"]]
+
+
+def is_claim(analysis):
+    return analysis["verdict"] in ("point", "load")
 
 
 def is_good(counts):
@@ -33,36 +46,47 @@ def is_good(counts):
 
 
 def judge(truth, analyses):
-    """What counts for the columns; and, where the answer is not the truth, the answer in words."""
+    """What counts for the columns; and, where the answer is not the truth, the answer in words. Of a graph the first
+    analysis is the answer: the others are of earlier events."""
     found = collections.Counter(runs=1)
-    verdicts = [one["verdict"] for one in analyses]
-    ranks = [one["candidates"] for one in analyses if one["verdict"] == "point"]
-    names = [candidate["point"] for candidate in (ranks[0] if ranks else [])]
+    analyses = [one for one in analyses if truth["graph"] in (None, one["graph"])]
+    answer = analyses[0] if analyses else {"verdict": "no analysis", "candidates": []}
+    names = [candidate["point"] for candidate in answer["candidates"]]
     if truth["verdict"] == "point":
+        isPoint = answer["verdict"] == "point"
         found["points"] = 1
-        found["first"] = names[:1] == truth["points"][:1]
-        found["three"] = set(truth["points"]) <= set(names[:3])
+        found["first"] = isPoint and names[:1] == truth["points"][:1]
+        found["three"] = isPoint and set(truth["points"]) <= set(names[:3])
+        if isPoint:
+            found["said " + answer["certainty"]] = 1
+            found["right " + answer["certainty"]] = found["first"]
     elif truth["verdict"] == "load":
-        found["load"] = verdicts == ["load"]
+        found["load"] = answer["verdict"] == "load"
     else:
-        found["claims"] = any(verdict in ("point", "load") for verdict in verdicts)
-    shares = [f"{candidate['point']} {candidate['share']:.3f}" for rank in ranks for candidate in rank[:4]]
-    return found, "" if is_good(found) else f"{', '.join(verdicts) or 'no analysis'}: {', '.join(shares)}"
+        found["claims"] = any(map(is_claim, analyses))
+    shares = [f"{candidate['point']} {candidate['share']:.3f}" for candidate in answer["candidates"][:4]]
+    return found, "" if is_good(found) else f"{answer['verdict']}: {', '.join(shares)}"
 
 
 def measure(options, scenario, extra, workers):
     counts = collections.Counter()
     futures = [workers.submit(explain, options.bin, scenario, seed, extra) for seed in range(1, options.seeds + 1)]
     for seed, future in enumerate(futures, 1):
-        found, answer = judge(*future.result())
+        written, analyses = future.result()
+        found, answer = judge(written["explain"], analyses)
         counts.update(found)
         if answer:
-            print(f"{scenario}, seed {seed}: {answer}", file=sys.stderr)
+            print(f"{scenario}, seed {seed}: {answer}", file=sys.stderr, flush=True)
     return counts
 
 
 def row(name, counts):
     print(f"{name:<16}" + "".join(f"{counts[column] if column in counts else '-':>8}" for column in COLUMNS), flush=True)
+
+
+def tell_certainty(counts):
+    for certainty in CERTAINTIES:
+        print(f"said {certainty:<8}{counts['said ' + certainty]:>6}   was right {counts['right ' + certainty]:>6}", flush=True)
 
 
 def main():
@@ -81,6 +105,7 @@ def main():
             total.update(counts)
             total["missed"] += not is_good(counts)
     row("all", total)
+    tell_certainty(total)
     return total["missed"] > 0
 
 
