@@ -2,7 +2,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "explain/analysis/reason.h"
+#include "explain/finding/reason.h"
 #include "explain/wording.h"
 
 namespace explain {
