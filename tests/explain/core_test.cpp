@@ -9,6 +9,7 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/analysis/evidence.h"
+#include "explain/analysis/own_delay.h"
 #include "explain/analysis/statistics.h"
 #include "explain/wording.h"
 
@@ -156,19 +157,20 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         int64_t since = 0, at = -1;  // intervals
         std::string events;
         Silence silence = Silence::NONE;
+        size_t baseline = 0;  // samples of the last one's
     } cases[] = {
         {"HHHHH", 0, -1, "", Silence::NONE},
-        {"H=", 0, -1, " 0-0 x1 @0", Silence::NONE},
-        {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED},
-        {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE},
-        {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE},
-        {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED},
-        {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED},
-        {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE},
+        {"H=", 0, -1, " 0-0 x1 @0", Silence::NONE, 20},
+        {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED, 20},
+        {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE, 41},
+        {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE, 42},
+        {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED, 40},
+        {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED, 40},
+        {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE, 20},
         {"=hh==", 22, -1, "", Silence::NONE},
-        {"=HHHHHHHHH", 25, -1, " 20-28 x9 @20+", Silence::FEW},
-        {"=hhh=", 0, 21, " 20-22 x3 @20", Silence::NONE},
-        {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE},
+        {"=HHHHHHHHH", 25, -1, " 20-28 x9 @20+", Silence::FEW, 20},
+        {"=hhh=", 0, 21, " 20-22 x3 @20", Silence::NONE, 20},
+        {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE, 20},
         {"==5===", 0, 42, " 40-40 x1 @40", Silence::NONE},
         {"==5===", 0, 43, " 41-41 x0 @41", Silence::NONE},
     };
@@ -187,7 +189,9 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         }
         EXPECT_EQ(events, row.events) << row.letters;
         if (!look.events.empty()) {
-            EXPECT_EQ(look.SilenceOn(look.events.back()), row.silence) << row.letters;
+            const Event& last = look.events.back();
+            EXPECT_EQ(look.SilenceOn(last), row.silence) << row.letters;
+            EXPECT_EQ(SamplesIn(samples, BaselineOf(samples, look.finding, last, {})).size(), row.baseline);
         }
     }
 }
@@ -273,6 +277,21 @@ TEST(Explain, EvidenceOfAPoint) {
         const PointData point{samples, DelaysOf(samples), row.isObservation, row.hasGoneBack};
         EXPECT_EQ(Text(EvidenceOf(point, {{0, event.start - 1}}, event, false)), row.expected) << row.letters;
     }
+}
+
+// Two wait for C, which has no row of B at the second time; what O observes takes nobody's time.
+TEST(Explain, OwnDelayIsWhatPointsBelowDoNotTake) {
+    GraphWorld world;
+    world.nodes = {
+        {"G", 1, "A", "", {1, 2}}, {"G", 2, "B", "", {2, 3}}, {"G", 3, "C", "", {}}, {"G", 4, "O", "", {}}};
+    world.points["A"].samples = {{30, 100, 10}, {60, 100, 10}};
+    world.points["B"].samples = {{30, 40, 20}};
+    world.points["C"].samples = {{30, 6, 60}, {60, 5, 10}};
+    world.points["O"] = {{{30, 7, 0}}, {}, true, false};
+    FillOwnDelays(world);
+    EXPECT_EQ(world.points["A"].own, (std::vector<double>{100 - 20 * 40 / 10.0 - 60 * 6 / 30.0, 100 - 5}));
+    EXPECT_EQ(world.points["B"].own, (std::vector<double>{40 - 60 * 6 / 30.0}));
+    EXPECT_EQ(world.points["C"].own, (std::vector<double>{6, 5}));
 }
 
 }  // namespace
