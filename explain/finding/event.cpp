@@ -96,15 +96,20 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
     }
 }
 
-bool HoldsMarked(const Marks& marks, const Run& run) {
-    const auto begin = marks.begin();
-    const auto end = begin + static_cast<std::ptrdiff_t>(run.last) + 1;
-    return std::find(begin + static_cast<std::ptrdiff_t>(run.first), end, true) != end;
+// The run from its first marked position to its last one; none without one.
+std::optional<Run> MarkedPartOf(const Run& run, const Marks& marks) {
+    std::optional<Run> part;
+    for (size_t i = run.first; i <= run.last; ++i) {
+        if (marks[i]) {
+            part = Run{part ? part->first : i, i};
+        }
+    }
+    return part;
 }
 
-// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high,
-// with those above WEAK that adjoin them, all from the first value that lies above what is usual to the last
-// one. Single values between may well be usual.
+// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high, all
+// from the first value that lies above what is usual to the last one. Means above WEAK that adjoin each other
+// join high ones; single values between may well be usual.
 void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
     std::vector<size_t> left;
     for (size_t i = 0; i < values.size(); ++i) {
@@ -129,13 +134,14 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
     }
     const High lasting = FindHigh(means, meansTelling);
     Marks now = high.inside;
-    for (const Run& run : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
-        if (!HoldsMarked(lasting.inside, run)) {
+    for (const Run& weak : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
+        const std::optional<Run> run = MarkedPartOf(weak, lasting.inside);
+        if (!run) {
             continue;
         }
         const auto isAbove = [&](size_t position) { return high.deviations[position] > MILD; };
-        const auto from = left.begin() + static_cast<std::ptrdiff_t>(run.first);
-        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run.last + WINDOW);
+        const auto from = left.begin() + static_cast<std::ptrdiff_t>(run->first);
+        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run->last + WINDOW);
         const auto first = std::find_if(from, until, isAbove);
         const auto last =
             std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);

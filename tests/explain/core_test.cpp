@@ -28,8 +28,8 @@ struct Series {
     Window event;  // from '|' to the end
 };
 
-// '=' are twenty usual intervals, '_' is one without a row; what follows '~' is two seconds later, and what
-// follows '<' an interval earlier.
+// '=' are twenty usual intervals, '_' is one without a row; what follows '~' is two seconds later, and
+// what follows '<' an interval earlier.
 Series Written(const std::string& letters) {
     Series series;
     for (const char letter : letters) {
@@ -108,22 +108,18 @@ std::vector<std::pair<size_t, size_t>> NaiveEvents(const std::vector<double>& va
     const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
     const std::vector<double> weak =
         windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
-    for (const size_t window : windows) {  // with all weak ones that lead from window to adjoining window
-        for (const int way : {-1, 1}) {
-            size_t far = window;
-            for (size_t steps = 0, at = window; steps < 4 && at > 0 && at + 1 < weak.size(); ++steps) {
-                at = way < 0 ? at - 1 : at + 1;
-                far = weak[at] > 2.0 ? at : far;
-                steps = weak[at] > 2.0 ? SIZE_MAX : steps;
-            }
-            Positions above;
-            for (size_t i = std::min(window, far); i < std::max(window, far) + 4; ++i) {
-                deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
-            }
-            for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin());
-                 ++i) {
-                inside.insert(i);
-            }
+    for (const size_t window : windows) {  // up to the next one, if no four weaker ones in a row lie between
+        size_t next = window;
+        for (size_t i = window + 1, low = 0; i < weak.size() && low < 4 && next == window; ++i) {
+            next = windows.count(i) > 0 ? i : window;
+            low = weak[i] > 2.0 ? 0 : low + 1;
+        }
+        Positions above;
+        for (size_t i = window; i < next + 4; ++i) {
+            deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
+        }
+        for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin()); ++i) {
+            inside.insert(i);
         }
     }
     std::vector<std::pair<size_t, size_t>> events;
@@ -172,20 +168,21 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         int64_t since = 0, at = -1;  // intervals
         std::string events;
         Silence silence = Silence::NONE;
+        size_t baseline = 0;  // samples of the last one's
     } cases[] = {
         {"HHHHH", 0, -1, "", Silence::NONE},
-        {"H=", 0, -1, " 0-0 x1 @0", Silence::NONE},
-        {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED},
-        {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE},
-        {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE},
-        {"==H==66", 0, -1, " 40-40 x1 @40 81-82 x2 @81+", Silence::OUTSHONE},
-        {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED},
-        {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED},
-        {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE},
+        {"H=", 0, -1, " 0-0 x1 @0", Silence::NONE, 20},
+        {"=hHh..", 0, -1, " 20-22 x3 @21", Silence::FILLED, 20},
+        {"==.h.H.h", 0, -1, " 41-45 x3 @43+", Silence::NONE, 41},
+        {"==h..H...", 0, -1, " 40-40 x1 @40 43-43 x1 @43", Silence::NONE, 42},
+        {"==H==66", 0, -1, " 40-40 x1 @40 81-82 x2 @81+", Silence::OUTSHONE, 80},
+        {"=H=hhhhhhhhhhhh", 15, -1, " 20-20 x1 @20 41-52 x12 @41+", Silence::FILLED, 40},
+        {"=H=hhhhhhhhhhhh", 30, -1, " 41-52 x12 @41+", Silence::FILLED, 40},
+        {"=hh==", 21, -1, " 20-21 x2 @20", Silence::NONE, 20},
         {"=hh==", 22, -1, "", Silence::NONE},
-        {"=HHHHHHHHH", 25, -1, " 20-28 x9 @20+", Silence::FEW},
-        {"=hhh=", 0, 21, " 20-22 x3 @20", Silence::NONE},
-        {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE},
+        {"=HHHHHHHHH", 25, -1, " 20-28 x9 @20+", Silence::FEW, 20},
+        {"=hhh=", 0, 21, " 20-22 x3 @20", Silence::NONE, 20},
+        {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE, 20},
         {"==5===", 0, 42, " 40-40 x1 @40", Silence::NONE},
         {"==5===", 0, 43, " 41-41 x0 @41", Silence::NONE},
     };
@@ -204,7 +201,9 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         }
         EXPECT_EQ(events, row.events) << row.letters;
         if (!look.events.empty()) {
-            EXPECT_EQ(look.SilenceOn(look.events.back()), row.silence) << row.letters;
+            const Event& last = look.events.back();
+            EXPECT_EQ(look.SilenceOn(last), row.silence) << row.letters;
+            EXPECT_EQ(SamplesIn(samples, BaselineOf(samples, look.finding, last, {})).size(), row.baseline);
         }
     }
 }
