@@ -53,11 +53,11 @@ def judge(truth, analyses):
     answer = analyses[0] if analyses else {"verdict": "no analysis", "candidates": []}
     names = [candidate["point"] for candidate in answer["candidates"]]
     if truth["verdict"] == "point":
-        isPoint = answer["verdict"] == "point"
+        is_point = answer["verdict"] == "point"
         found["points"] = 1
-        found["first"] = isPoint and names[:1] == truth["points"][:1]
-        found["three"] = isPoint and set(truth["points"]) <= set(names[:3])
-        if isPoint:
+        found["first"] = is_point and names[:1] == truth["points"][:1]
+        found["three"] = is_point and set(truth["points"]) <= set(names[:3])
+        if is_point:
             found["said " + answer["certainty"]] = 1
             found["right " + answer["certainty"]] = found["first"]
     elif truth["verdict"] == "load":
