@@ -156,7 +156,7 @@ std::string ModulesOf(const Analysis& analysis, const Figures& figures) {
 }
 
 std::string CertaintyOf(const Analysis& analysis) {
-    const std::string word = WordOf(analysis.certainty);
+    std::string word = WordOf(analysis.certainty);
     if (analysis.certainty != Certainty::UNSURE) {
         return word;
     }
@@ -185,7 +185,7 @@ std::string WalkOf(const Analysis& analysis, int64_t zoneOffset) {
     if (!walk.point) {
         return from + "has no result";
     }
-    const std::string names = from + "names " + *walk.point;
+    std::string names = from + "names " + *walk.point;
     if (analysis.verdict != Verdict::POINT || analysis.isWeak) {
         return names;
     }
