@@ -16,11 +16,11 @@ constexpr std::array<std::string_view, 7> BETWEEN_NODES = {"SPACE_IOTUNNEL_UC_RS
                                                            "WCACHE_FS_MIRROR_SEND",
                                                            "MDS_OWNER_QUERY"};
 
-}  // namespace
-
 bool WaitsForNodes(const std::string& point) {
     return std::find(BETWEEN_NODES.begin(), BETWEEN_NODES.end(), point) != BETWEEN_NODES.end();
 }
+
+}  // namespace
 
 std::string ModuleOf(const std::string& point) {
     return WaitsForNodes(point) ? std::string() : point.substr(0, point.find('_'));

@@ -11,11 +11,9 @@ struct ModuleShare {
     double share = 0.0;
 };
 
-// The module of a point: its name up to the first underscore. Empty for points that wait for another node.
+// The module of a point: its name up to the first underscore. Empty for points of which each waits for an
+// answer or an acknowledgement of another node: what is slow there lies on the way between nodes, or in the
+// other one.
 std::string ModuleOf(const std::string& point);
-
-// Points of which each waits for an answer or an acknowledgement of another node: what is slow there lies on
-// the way between nodes, or in the other one.
-bool WaitsForNodes(const std::string& point);
 
 }  // namespace explain

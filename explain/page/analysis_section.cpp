@@ -17,7 +17,7 @@ constexpr int64_t LEAST_BEFORE = 4;  // of what follows an event's begin, the pa
 // What the eye is to catch: red is for what is likely at least, and no tie is.
 const char* StyleOf(const Analysis& analysis) {
     const bool isPoint = analysis.verdict == Verdict::POINT;
-    return !IsAnswer(analysis) || analysis.isWeak                                  ? "weak"
+    return !analysis.HasAnswer() || analysis.isWeak                                ? "weak"
            : !isPoint                                                              ? "load"
            : analysis.certainty == Certainty::UNSURE || IsTie(analysis.candidates) ? "unsure"
                                                                                    : "point";
@@ -88,7 +88,7 @@ Markup SeriesFigure(const Analysis& analysis, const std::string& point, const st
 
 // Of a long way, its upper end and the answer.
 std::vector<size_t> DrawnWay(const Analysis& analysis) {
-    if (!IsAnswer(analysis)) {
+    if (!analysis.HasAnswer()) {
         return {0};
     }
     std::vector<size_t> way = WayTo(analysis, analysis.candidates.front().node);
@@ -114,7 +114,7 @@ SeriesFrame FrameOf(const Analysis& analysis, const Report& report) {
 Markup Series(const Analysis& analysis, const Report& report, size_t number) {
     const SeriesFrame frame = FrameOf(analysis, report);
     Markup figures =
-        Element("h3", IsAnswer(analysis) ? "Delay along the way" : "Delay of the point") +
+        Element("h3", analysis.HasAnswer() ? "Delay along the way" : "Delay of the point") +
         Element("p", {{"class", "quiet"}},
                 Text("Mean delay per interval over local time (UTC" + ZoneText(report.zoneOffset) +
                      "). The dashed line is the median of the baseline. Shaded are the baseline, the event, "
@@ -146,10 +146,6 @@ Markup WalkPart(const Analysis& analysis, int64_t zoneOffset) {
 
 }  // namespace
 
-bool IsAnswer(const Analysis& analysis) {
-    return analysis.verdict == Verdict::POINT || analysis.verdict == Verdict::LOAD;
-}
-
 Markup FactList(const Facts& facts) {
     Markup list;
     for (const Fact& fact : facts) {
@@ -167,7 +163,7 @@ Markup AnalysisSection(const Analysis& analysis, const Report& report, size_t nu
         section += Element("h3", "Looked at") + FactList(BasisOf(report));
     }
     section += EventPart(analysis, report);
-    if (IsAnswer(analysis)) {
+    if (analysis.HasAnswer()) {
         section += Graph(analysis, number);
     }
     if (analysis.verdict == Verdict::POINT) {

@@ -15,7 +15,7 @@ std::string TitleOf(const Report& report) {
     bool isAnswered = false;
     bool isOngoing = false;
     for (const Analysis& analysis : report.analyses) {
-        const bool isSlow = IsAnswer(analysis) && !analysis.isWeak;
+        const bool isSlow = analysis.HasAnswer() && !analysis.isWeak;
         points.insert(analysis.point);
         isAnswered = isAnswered || isSlow;
         isOngoing = isOngoing || (isSlow && analysis.event->isOngoing);
