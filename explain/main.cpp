@@ -21,7 +21,6 @@
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
 #include "host/process/statements.h"
-#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace explain {
@@ -103,9 +102,7 @@ void RefuseInputs(const Options& options) {
 }
 
 int Run(const Options& options, const std::vector<std::string>& arguments) {
-    if (options.zone) {
-        SetZone(*options.zone);
-    }
+    cli::TakeZone("zorv-explain", options.zone);
     RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
     const LocalClock clock = ClockAt(std::time(nullptr));
     const Request request = RequestOf(options, clock);

@@ -24,7 +24,6 @@
 #include "host/services/log.h"
 #include "host/services/timer.h"
 #include "host/terminal/session.h"
-#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace zorv {
@@ -60,7 +59,7 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
-    options.zone.has_value() ? SetZone(*options.zone) : KeepZone();
+    cli::TakeZone("zorv-local", options.zone);
     HostSettings settings;
     if (options.capture.has_value()) {
         OpenCapture(options, capture, settings);

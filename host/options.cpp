@@ -16,7 +16,8 @@ constexpr const char* DESCRIPTION =
 constexpr const char* EXAMPLES = R"(
 COMMAND is run with its ARGS, which may begin with '-'. Without a command there is a console on a terminal;
 otherwise command lines are read from standard input. Where a command takes START and END these are local
-times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
+times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0, 2023-01-05 14:03:00 or
+2023-01-05T14:03:00 (also with a zone, Z or +08:00); or, for both, a length of time up to now: 90s, 4h, 1d.
 
 Exit status: 0 all went well, 1 a command reported an error or its answer rests on too little (on no rows, a
 part of the range, failed statements or no configuration, told on standard error), 2 unknown command or wrong
