@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <map>
 
@@ -72,11 +73,21 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option_function<std::string>(
            "--log-level", [&options](const std::string& word) { options.logLevel = LevelOf(word); },
-           "error, warning, info or debug (or 3, 4, 5, 7); default: warning")
+           "error, warning, info or debug (or 3, 4, 5, 7); default: warning, and on a terminal nothing where "
+           "all "
+           "went well")
         ->type_name("L");
     app.add_flag("--hints", options.hints,
                  "Tell of events that delaydetect cannot flag, as on a terminal: takes as long as explain");
     app.prefix_command();
+}
+
+// The command gets it all the same: its words may be any.
+std::string MisplacedOption(const CLI::App& app, const std::vector<std::string>& words) {
+    const auto option = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
+        return word.rfind("--", 0) == 0 && app.get_option_no_throw(word.substr(0, word.find('='))) != nullptr;
+    });
+    return option == words.end() ? "" : *option;
 }
 
 // A cluster whose every node took itself for the master would have several switches.
@@ -106,6 +117,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
         } else if (!options.command.empty() && options.command.front().substr(0, 1) == "-") {
             throw CLI::ExtrasError({options.command.front()});
         }
+        options.misplaced = MisplacedOption(app, options.command);
     } catch (const CLI::Success& answer) {
         return cli::PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {
