@@ -20,6 +20,9 @@ struct Stamp {
     std::string command;  // as it was typed, quoted for a shell where needed
 };
 
+// Words as a shell takes them back.
+std::string ShellLine(const std::vector<std::string>& words);
+
 // Versions, hashes and command line. Reads the configuration and the database below `directory` as plain
 // files: call it before the first connection to the database is opened, because closing a plain file drops
 // SQLite's locks on it. Blocks on file I/O.
@@ -27,6 +30,7 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& di
 
 struct Report {
     Stamp stamp;
+    std::string again;                // how a command begins that looks at the same files
     std::optional<std::string> node;  // whose statistics these are
     Question question;
     int64_t zoneOffset = 0;  // seconds east of UTC
