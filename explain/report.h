@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "explain/analysis/analysis.h"
+#include "explain/errors/error_analysis.h"
 #include "explain/finding/coverage.h"
+#include "explain/finding/healing.h"
 
 namespace explain {
 
@@ -39,6 +41,11 @@ struct Report {
     ChanceFlags flags;        // over all points that were loaded
     std::vector<Look> looks;  // one for each point that was asked for, or at which hosts enter
     std::vector<Analysis> analyses;
+    std::vector<ErrorLook> errorLooks;   // in the order of the columns; types without errors are left out
+    std::vector<ErrorAnalysis> errors;   // what still goes on first, then the latest
+    std::optional<Reason> errorsReason;  // why the errors cannot be told; none of them is then
+    std::vector<Healing> healings;  // of the range and of HEALING_LOOK_BACK before it, in the order of time
+    std::optional<Reason> healingsReason;  // why they cannot be told
 };
 
 // For a terminal: columns that are straight in a fixed-width font, lines of at most 80 cells, no escape
