@@ -1,5 +1,7 @@
 #include <json/value.h>
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +14,7 @@
 #include "cli/program.h"
 #include "explain/analysis/analysis.h"
 #include "explain/input.h"
+#include "explain/overview.h"
 #include "explain/report.h"
 #include "explain/request.h"
 #include "explain/survey.h"
@@ -20,6 +23,7 @@
 #include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
+#include "host/process/screen.h"
 #include "host/process/statements.h"
 #include "text/local_time.h"
 #include "text/printable.h"
@@ -32,6 +36,8 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
                   const std::vector<std::string>& arguments, const LocalClock& clock) {
     Report report;
     report.node = options.node;
+    report.again = AgainOf(options);
+    report.isInConsole = options.isInConsole;
     report.question = request.question;
     report.zoneOffset = request.zoneOffset;
     report.madeAt = clock.time;
@@ -113,7 +119,9 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
     const CommandRun run;  // so a wait for a locked database is told
     const Report report = MakeReport(options, request, input, arguments, clock);
     try {
-        PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
+        PrintAnswer(options.json       ? JsonReport(report)
+                    : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
+                                       : TextReport(report));
         if (options.html) {
             WritePage(*options.html, HtmlReport(report));
         }

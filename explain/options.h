@@ -20,6 +20,8 @@ struct Options : cli::InputOptions {
     std::optional<std::string> html;    // file to write the page to
     std::string log = "/dev/null";
     bool json = false;
+    bool overview = false;
+    bool isInConsole = false;        // of zorv-local, whose commands have fewer words
     std::vector<std::string> times;  // start and end as an operator writes them, or a length in minutes
 };
 
@@ -32,6 +34,9 @@ enum ExitStatus : int {
     STATUS_CANNOT_TELL = 4,
     STATUS_NOT_WRITTEN = 5  // the answer or the page
 };
+
+// The words of a command that asks for the same, but for the times.
+std::vector<std::string> AgainOf(const Options& options);
 
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing
 // what was asked for or what is wrong, the status to leave with.

@@ -37,14 +37,15 @@ struct PictureEvent {
     int64_t start = 0;
     PictureLine when;
     std::string subject;
-    std::string cause;    // empty when it was not looked for
-    std::string command;  // that explains it in full
-    size_t analysis = 0;  // the number of the one that explains it, from 1; 0: none
+    std::string cause;                 // empty when it was not looked for
+    std::vector<std::string> command;  // that explains it in full: words as a shell takes them
+    size_t analysis = 0;               // the number of the one that explains it, from 1; 0: none
 };
 
 struct Picture {
     std::vector<PictureLine> headlines;  // what is going on, since when, and why
     std::vector<PictureRow> points;
+    std::vector<PictureRow> errors;
     std::vector<PictureEvent> events;  // what still goes on, then the latest first
 };
 

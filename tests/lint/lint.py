@@ -48,6 +48,8 @@ ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlat
 ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object",
                             "fault_causality_graph", "fault_causality_errcode_graph"}
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text"}
+ARROWS["explain/overview"] = ARROWS["explain/text"] | {"explain/text"}
+ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview"}
 ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
 # System headers that only one unit of the plug-in may use.
