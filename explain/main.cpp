@@ -17,6 +17,7 @@
 #include "explain/overview.h"
 #include "explain/report.h"
 #include "explain/request.h"
+#include "explain/series/point_series.h"
 #include "explain/survey.h"
 #include "explain/wording.h"
 #include "host/capture/inputs.h"
@@ -108,6 +109,43 @@ void RefuseInputs(const Options& options) {
     }
 }
 
+PointSeries SeriesOf(const Options& options, const Request& request, const Input& input,
+                     const LocalClock& clock) {
+    Report report;
+    report.node = options.node;
+    report.question = request.question;
+    report.zoneOffset = request.zoneOffset;
+    report.madeAt = clock.time;
+    input.Open();
+    try {
+        return LoadSeries(*options.series, options.columns, report);
+    } catch (...) {
+        throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
+    }
+}
+
+// For whoever reads it: a person, or a program.
+void PrintSeries(const PointSeries& series, bool isJson) {
+    PrintAnswer(isJson                       ? SeriesJson(series)
+                : isatty(STDOUT_FILENO) == 1 ? SeriesText(series, StyleOf(STDOUT_FILENO))
+                                             : SeriesCsv(series));
+}
+
+int RunSeries(const Options& options, const Request& request, const Input& input, const LocalClock& clock) {
+    PrintSeries(SeriesOf(options, request, input, clock), options.json);
+    return STATUS_ANSWERED;
+}
+
+int RunReport(const Options& options, const Report& report) {
+    PrintAnswer(options.json       ? JsonReport(report)
+                : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
+                                   : TextReport(report));
+    if (options.html) {
+        WritePage(*options.html, HtmlReport(report));
+    }
+    return StatusOf(report);
+}
+
 int Run(const Options& options, const std::vector<std::string>& arguments) {
     if (options.zone) {
         SetZone(*options.zone);
@@ -117,19 +155,13 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
     const Request request = RequestOf(options, clock);
     const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
-    const Report report = MakeReport(options, request, input, arguments, clock);
     try {
-        PrintAnswer(options.json       ? JsonReport(report)
-                    : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
-                                       : TextReport(report));
-        if (options.html) {
-            WritePage(*options.html, HtmlReport(report));
-        }
+        return options.series ? RunSeries(options, request, input, clock)
+                              : RunReport(options, MakeReport(options, request, input, arguments, clock));
     } catch (const OutputError& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
         return STATUS_NOT_WRITTEN;
     }
-    return StatusOf(report);
 }
 
 }  // namespace

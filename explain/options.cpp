@@ -25,6 +25,7 @@ cannot be written, 130 (in a shell) ended with Ctrl-C.
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
   zorv-explain --root /tmp/world --overview                  the last four hours on one screen
+  zorv-explain --root /tmp/world --series BDM_DISK_READ 60   its rows of the last hour; CSV in a pipe
   zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
@@ -55,8 +56,20 @@ void Declare(CLI::App& app, Options& options) {
         ->expected(1, 4)  // those of the range among them: see SplitBaseline()
         ->type_name("START END");
     app.add_option("--node", options.node, "The node's name, for reports of several")->type_name("NAME");
-    app.add_flag("--overview", options.overview,
-                 "Print one screen: how every point did, and what happened; default: of the last four hours");
+    CLI::Option* overview = app.add_flag(
+        "--overview", options.overview,
+        "Print one screen: how every point did, and what happened; default: of the last four hours");
+    CLI::Option* series = app.add_option("--series", options.series,
+                                         "Print what the statistics hold of this point, and nothing else")
+                              ->type_name("NAME")
+                              ->excludes(point)
+                              ->excludes(overview);
+    app.add_option(
+           "--columns", options.columns,
+           "Of it: avgdelay, maxdelay, mindelay, acceptnum, successnum, failednum, retrynum, errCode0 to "
+           "errCode4; default: all, on a terminal those that are not zero")
+        ->type_name("NAMES")
+        ->needs(series);
     app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
     app.add_flag("--json", options.json, "Print JSON");
     app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");

@@ -21,8 +21,10 @@ struct Options : cli::InputOptions {
     std::string log = "/dev/null";
     bool json = false;
     bool overview = false;
-    bool isInConsole = false;        // of zorv-local, whose commands have fewer words
-    std::vector<std::string> times;  // start and end as an operator writes them, or a length in minutes
+    std::optional<std::string> series;  // the point whose rows are to be printed
+    std::string columns;                // of them, comma-separated; all without any
+    bool isInConsole = false;           // of zorv-local, whose commands have fewer words
+    std::vector<std::string> times;     // start and end as an operator writes them, or a length in minutes
 };
 
 // How the program ends.

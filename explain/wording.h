@@ -164,10 +164,10 @@ std::string NoneSlow(const Report& report);
 // What a point was in the range that has no event.
 std::string QuietStateOf(const Look& look);
 
-// What a row tells of a point.
+// Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
 constexpr const char* DELAYS_TITLE = "Delay, times the usual";
-
-// Above the events, and below those that are shown.
+constexpr const char* ERRORS_TITLE = "Errors";
+constexpr const char* HEALED_TITLE = "Healed";
 constexpr const char* EVENTS_TITLE = "Events, the newest first";
 std::string EarlierEvents(size_t count);
 

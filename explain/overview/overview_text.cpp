@@ -38,7 +38,7 @@ public:
         const size_t names = NameCells();
         const size_t bars = BarCells(names);
         return Head() + Title(DELAYS_TITLE) + Rows(picture.points, names, bars) + Axis(names, bars) +
-               (picture.errors.empty() ? "" : Title("Errors") + Rows(picture.errors, names, bars)) +
+               (picture.errors.empty() ? "" : Title(ERRORS_TITLE) + Rows(picture.errors, names, bars)) +
                Healings() + Events();
     }
 
@@ -78,11 +78,7 @@ private:
             text += Lines("", missing, COLOUR_YELLOW);
         }
         const std::vector<PictureLine>& headlines = picture.headlines;
-        const bool isSlow =
-            std::any_of(picture.points.begin(), picture.points.end(), [](const PictureRow& row) {
-                return row.state.mood == Mood::NOW || row.state.mood == Mood::OVER;
-            });
-        text += isSlow ? "" : Lines("", NoneSlow(report), "");
+        text += picture.hasSlowPoint ? "" : Lines("", NoneSlow(report), "");
         for (size_t i = 0; i < std::min(headlines.size(), MOST_HEADLINES); ++i) {
             text += Lines("", Printable(headlines[i].text), ColourOf(headlines[i].mood));
         }
@@ -139,8 +135,8 @@ private:
 
     std::string Bars(const PictureRow& row, size_t bars) const {
         const Window& range = report.question.range;
-        return Sparkline(LargestPerCell(row.values, range.start, range.end, report.coverage.step, bars),
-                         row.floor, row.top, style.isUnicode);
+        return Sparkline(LargestPerCell(row.values, range.start, range.end, report.coverage.step, bars), 0.0,
+                         row.top, style.isUnicode);
     }
 
     // When the bars begin and end.
@@ -159,7 +155,7 @@ private:
         for (const Healing& healing : report.healings) {
             all += (all.empty() ? "" : "; ") + BriefOf(healing, report);
         }
-        return all.empty() ? "" : Title("Healed") + Paragraph(GAP, Printable(all), style.width);
+        return all.empty() ? "" : Title(HEALED_TITLE) + Paragraph(GAP, Printable(all), style.width);
     }
 
     std::string Events() const {

@@ -1,6 +1,7 @@
 #include "explain/overview/picture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "explain/report.h"
@@ -9,20 +10,21 @@ namespace explain {
 namespace {
 
 // Up to where a bar is drawn at least: a point that is as usual has a flat line.
-constexpr double LEAST_TOP = 2.0;  // times the usual
+constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
 constexpr int64_t LEAST_ERRORS = 8;
 
 Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
 }
 
-// The delay as multiples of the usual, or as it is where that is none.
+// How often the usual delay is doubled, so that one spike does not flatten all else; the delay as it is where
+// nothing is known of the usual.
 void AddDelays(const Look& look, PictureRow& row) {
     const double usual = look.finding.deviations.empty() ? 0.0 : look.finding.usual.median;
-    row.floor = usual > 0.0 ? 1.0 : 0.0;
     row.top = usual > 0.0 ? LEAST_TOP : 1.0;
     for (const Sample& sample : look.rows) {
-        row.values.push_back({sample.time, usual > 0.0 ? sample.delay / usual : sample.delay});
+        const double doubled = std::log2(std::max(sample.delay / usual, 1.0));
+        row.values.push_back({sample.time, usual > 0.0 ? doubled : sample.delay});
         row.top = std::max(row.top, row.values.back().value);
     }
 }
@@ -93,16 +95,16 @@ private:
         return analyses;
     }
 
-    // The number of the analysis that tells most of the event.
-    size_t NumberOf(const std::vector<const Analysis*>& analyses) const {
+    // Of the analysis that tells most of the event.
+    std::string AnchorOf(const std::vector<const Analysis*>& analyses) const {
         for (const bool isCause : {true, false}) {
             for (const Analysis* analysis : analyses) {
                 if (NamesACause(*analysis) || !isCause) {
-                    return static_cast<size_t>(analysis - report.analyses.data()) + 1;
+                    return "analysis" + std::to_string(analysis - report.analyses.data() + 1);
                 }
             }
         }
-        return 0;
+        return {};
     }
 
     // Those that were found; and what was asked for beside them, if it is unusual.
@@ -134,6 +136,7 @@ private:
             row.state = {QuietStateOf(look), isKnown ? Mood::CALM : Mood::UNKNOWN};
             return;
         }
+        picture.hasSlowPoint = true;
         row.state = {WhetherOver(*last, last->isOngoing, report), MoodOf(last->isOngoing)};
         AddHeadline(look.point, {"slow", events.size(), *last, last->isOngoing, row.amount},
                     CausesOf(analyses, figures));
@@ -151,7 +154,7 @@ private:
         shown.subject = look.point + (amount.empty() ? "" : " " + amount);
         shown.cause = CausesOf(analyses, figures);
         shown.command = CommandOf(look, event);
-        shown.analysis = NumberOf(analyses);
+        shown.anchor = AnchorOf(analyses);
     }
 
     void AddHeadline(const std::string& subject, const Course& course, const std::string& cause) {

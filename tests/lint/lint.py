@@ -53,6 +53,7 @@ ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text"}
 ARROWS["explain/overview"] = ARROWS["explain/text"] | {"explain/text"}
 ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview"}
+ARROWS["explain/series"] = ARROWS["explain/text"] | {"explain/text", "fault_common", "fault_database", "cli"}
 ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
 # System headers that only one unit of the plug-in may use.
