@@ -53,7 +53,10 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
 }
 
 ExitStatus StatusOf(const Report& report) {
-    bool cannotTell = false;
+    bool cannotTell = report.errorsReason.has_value();
+    if (!report.errors.empty()) {
+        return STATUS_ANSWERED;
+    }
     for (const Analysis& analysis : report.analyses) {
         if (analysis.HasAnswer() && !analysis.isWeak) {
             return STATUS_ANSWERED;
