@@ -161,7 +161,8 @@ std::string CourseOf(const Course& course, const Report& report);
 // That no point was slow, and in how much of the range.
 std::string NoneSlow(const Report& report);
 
-// What a point was in the range that has no event.
+// What a type of errors was in the range that has no event; and what a point was.
+constexpr const char* AS_USUAL = "as usual";
 std::string QuietStateOf(const Look& look);
 
 // Above the rows of points, those of types, what was healed, and the events; and below those that are shown.

@@ -11,7 +11,8 @@ namespace {
 
 // Up to where a bar is drawn at least: a point that is as usual has a flat line.
 constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
-constexpr int64_t LEAST_ERRORS = 8;
+constexpr double LEAST_ERRORS = 8.0;
+constexpr double CALM = 3.0;  // so much more room above the bars of a type that is as usual
 
 Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
@@ -185,12 +186,11 @@ private:
         PictureRow& row = picture.errors.emplace_back();
         row.name = NameOf(look.type);
         row.values = CountsOf(look);
-        row.top = static_cast<double>(LEAST_ERRORS);
+        row.top = LEAST_ERRORS;
         for (const TimedValue& value : row.values) {
             row.top = std::max(row.top, value.value);
         }
-        row.amount = std::to_string(look.points.empty() ? look.count : look.points.front().count);
-        row.state = {"as usual", Mood::CALM};
+        row.state = {AS_USUAL, Mood::CALM};
         std::vector<const ErrorAnalysis*> analyses;
         for (const ErrorAnalysis& errors : report.errors) {
             if (errors.type.index == look.type.index) {
@@ -198,8 +198,12 @@ private:
                 AddEvent(errors);
             }
         }
-        if (!analyses.empty()) {
+        if (analyses.empty()) {
+            row.amount = std::to_string(look.points.empty() ? look.count : look.points.front().count);
+            row.top *= CALM;
+        } else {
             const ErrorEvent& last = analyses.front()->event;
+            row.amount = std::to_string(last.count);
             row.state = {WhetherOver(last, last.isOngoing, report), MoodOf(last.isOngoing)};
             AddHeadline(row.name, {"frequent", analyses.size(), last, last.isOngoing, ErrorsOf(last)},
                         CauseOf(*analyses.front(), figures));
