@@ -33,17 +33,22 @@ def picture_of(page):
              if not re.match(LEFT_OUT, rule) or rule.startswith("svg ") and not rule.startswith("svg {")]
     root = ElementTree.fromstring(page.removeprefix("<!DOCTYPE html>"))
     drawings = [drawing for drawing in root.iter(SVG + "svg") if drawing.get("class") == "graph"][:1]
-    drawings[:0] = [figure.find(f".//{SVG}svg") for figure in root.iter("figure") if figure.find("figcaption/strong") is not None][:1]
+    named = [figure for figure in root.iter("figure") if figure.find("figcaption/strong") is not None][:1]
+    captions = {figure.find(f".//{SVG}svg"): figure.find("figcaption/strong").text for figure in named}
+    drawings[:0] = captions
     ElementTree.register_namespace("", SVG[1:-1])
     height, body = MARGIN, ""
     for drawing in drawings:
         _, _, width, tall = map(float, drawing.get("viewBox").split())
         shown = tall * (WIDTH - 2 * MARGIN) / width
+        point = captions.get(drawing, "")
+        height += 14 if point else 0
+        body += f'<text x="{MARGIN:.0f}" y="{height:.1f}" class="name">{point}</text>\n' if point else ""
         drawing.set("x", f"{MARGIN:.0f}"), drawing.set("y", f"{height:.1f}")
         drawing.set("width", f"{WIDTH - 2 * MARGIN:.0f}"), drawing.set("height", f"{shown:.1f}")
         height += shown + MARGIN
         body += ElementTree.tostring(drawing, encoding="unicode") + "\n"
-    return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH:.0f} {height:.1f}" width="{WIDTH:.0f}" '
+    return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH:.0f} {height:.1f}" width="{WIDTH:.0f}" height="{height:.1f}" '
             f'font-family="ui-monospace, monospace" font-size="11">\n<style>\n{colours[1]}{colours[2]}{chr(10).join(rules)}\n</style>\n'
             f'<rect width="100%" height="100%" style="fill: var(--card)"/>\n{body}</svg>\n')
 
