@@ -136,9 +136,15 @@ std::string ShortTime(int64_t time, const Report& report);
 std::string RangeOf(const Report& report);
 
 // Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
-// is not of now was last seen there: "13:26 on" and "still at 14:29".
-std::string ShortSpan(const Window& event, bool isOngoing, const Report& report);
-std::string WhetherOver(const Window& event, bool isOngoing, const Report& report);
+// is not of now was last seen there: "13:26 on" and "still at 14:29". One that begins with the first row is
+// "before 10:31 to 11:23".
+struct Span {
+    Window window;
+    bool isOngoing = false;
+    bool isCut = false;  // at its begin: there are no rows before it
+};
+std::string ShortSpan(const Span& span, const Report& report);
+std::string WhetherOver(const Span& span, const Report& report);
 
 // "2.4 times".
 std::string TimesOf(double ratio);
@@ -152,8 +158,7 @@ std::string MissingOf(const Report& report);
 struct Course {
     const char* adjective;  // "slow", "failing"
     size_t times = 1;
-    Window last;
-    bool isOngoing = false;
+    Span last;
     std::string amount;
 };
 std::string CourseOf(const Course& course, const Report& report);

@@ -14,6 +14,11 @@ constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
 constexpr double LEAST_ERRORS = 8.0;
 constexpr double CALM = 3.0;  // so much more room above the bars of a type that is as usual
 
+template <typename AnyEvent>
+Span SpanOf(const AnyEvent& event) {
+    return {event, event.isOngoing, event.first == 0};
+}
+
 Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
 }
@@ -73,8 +78,8 @@ public:
             AddErrors(look);
         }
         std::stable_sort(picture.headlines.begin(), picture.headlines.end(),
-                         [](const PictureLine& a, const PictureLine& b) {
-                             return a.mood == Mood::NOW && b.mood != Mood::NOW;
+                         [](const Headline& a, const Headline& b) {
+                             return a.what.mood == Mood::NOW && b.what.mood != Mood::NOW;
                          });
         std::stable_sort(picture.events.begin(), picture.events.end(),
                          [](const PictureEvent& a, const PictureEvent& b) {
@@ -138,8 +143,8 @@ private:
             return;
         }
         picture.hasSlowPoint = true;
-        row.state = {WhetherOver(*last, last->isOngoing, report), MoodOf(last->isOngoing)};
-        AddHeadline(look.point, {"slow", events.size(), *last, last->isOngoing, row.amount},
+        row.state = {WhetherOver(SpanOf(*last), report), MoodOf(last->isOngoing)};
+        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount},
                     CausesOf(analyses, figures));
         for (const Event& event : events) {
             AddEvent(look, event);
@@ -151,7 +156,7 @@ private:
         const std::string amount = AmountOf(look, &event, analyses);
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
-        shown.when = {ShortSpan(event, event.isOngoing, report), MoodOf(event.isOngoing)};
+        shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
         shown.subject = look.point + (amount.empty() ? "" : " " + amount);
         shown.cause = CausesOf(analyses, figures);
         shown.command = CommandOf(look, event);
@@ -159,9 +164,8 @@ private:
     }
 
     void AddHeadline(const std::string& subject, const Course& course, const std::string& cause) {
-        const std::string text =
-            subject + " " + CourseOf(course, report) + (cause.empty() ? "" : ": " + cause);
-        picture.headlines.push_back({text, MoodOf(course.isOngoing)});
+        picture.headlines.push_back(
+            {{subject + " " + CourseOf(course, report), MoodOf(course.last.isOngoing)}, cause});
     }
 
     // Intervals without errors count none, where there are rows at all.
@@ -204,8 +208,8 @@ private:
         } else {
             const ErrorEvent& last = analyses.front()->event;
             row.amount = std::to_string(last.count);
-            row.state = {WhetherOver(last, last.isOngoing, report), MoodOf(last.isOngoing)};
-            AddHeadline(row.name, {"frequent", analyses.size(), last, last.isOngoing, ErrorsOf(last)},
+            row.state = {WhetherOver(SpanOf(last), report), MoodOf(last.isOngoing)};
+            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last)},
                         CauseOf(*analyses.front(), figures));
         }
     }
@@ -214,7 +218,7 @@ private:
         const ErrorEvent& event = errors.event;
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
-        shown.when = {ShortSpan(event, event.isOngoing, report), MoodOf(event.isOngoing)};
+        shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
         shown.subject = NameOf(errors.type) + ", " + ErrorsOf(event);
         shown.cause = CauseOf(errors, figures);
         shown.command = CommandOf(report.again);
