@@ -24,6 +24,7 @@ struct Look;
 struct Reason;
 struct Report;
 struct Trial;
+struct Window;
 
 // How a form of the report writes what it measures.
 struct Figures {
@@ -46,6 +47,9 @@ std::string TimeOfDay(int64_t time, int64_t zoneOffset);
 // "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
 // it is the same.
 std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
+
+// "over since 13:00:00" or "still going on at 13:00:00", with the day where it is not that of the begin.
+std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset);
 
 // With so many digits after the point.
 std::string Fixed(double value, int decimals);

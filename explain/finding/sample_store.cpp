@@ -48,14 +48,6 @@ std::string Quoted(const std::string& name) {
     return quoted;
 }
 
-std::string CompactTime(int64_t time) {
-    std::string text;
-    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
-        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
-    }
-    return text;
-}
-
 std::vector<std::string> TablesOf(const Window& stretch) {
     std::vector<std::string> tables;
     const std::string start = CompactTime(stretch.start);
@@ -94,6 +86,14 @@ FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
 }
 
 }  // namespace
+
+std::string CompactTime(int64_t time) {
+    std::string text;
+    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
+        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
+    }
+    return text;
+}
 
 SampleStore::SampleStore(const std::vector<Window>& stretches) {
     for (const Window& stretch : stretches) {
