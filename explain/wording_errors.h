@@ -44,8 +44,8 @@ Facts ErrorFactsOf(const Report& report);
 // "BDM healed for IOHANG (DISK_SLOW) on node 1, 45 s after the event of TGT_LUMO_HOST_READ began".
 std::string SentenceOf(const Healing& healing, const Report& report);
 
-// "Healed: slow until 13:02:00, usual since." of an event that ended soon after a healing; else empty.
-std::string HealedOf(const Analysis& analysis, const Report& report);
+// Whether an event ended soon after a healing of hanging or failed I/O on this node.
+bool IsHealed(const Analysis& analysis, const Report& report);
 
 // The healings that are told, the latest of many; how many there are before these.
 std::vector<Healing> HealingsToTell(const Report& report);

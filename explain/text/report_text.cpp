@@ -68,7 +68,6 @@ std::string Headline(const Analysis& analysis, const Report& report) {
         text += line.empty() ? "" : Paragraph(lead, Printable(line, MOST_ADVICE));
     };
     add("", SinceOf(analysis, report));
-    add("", HealedOf(analysis, report));
     add(ADVICE_LEAD, AdviceOf(analysis));
     add("", ModulesOf(analysis, FIGURES));
     return analysis.verdict == Verdict::NOTHING ? text + LargestText(report, analysis.point) : text;

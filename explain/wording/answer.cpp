@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -109,7 +109,10 @@ std::string SinceOf(const Analysis& analysis, const Report& report) {
                (event.isOngoing ? " at the end of what was looked at." : ".");
     }
     return "Slow since " + start + (event.first == 0 ? " or before, where the rows begin, " : ", ") +
-           StateOf(event, event.isOngoing, report.zoneOffset) + ".";
+           (IsHealed(analysis, report)
+                ? "healed: slow until " + TimeOfDay(event.end, report.zoneOffset) + ", usual since"
+                : StateOf(event, event.isOngoing, report.zoneOffset)) +
+           ".";
 }
 
 std::string AdviceOf(const Analysis& analysis) {

@@ -31,7 +31,7 @@ std::string TotalOf(const ErrorLook& look) {
     const bool hasEvent = std::any_of(look.points.begin(), look.points.end(),
                                       [](const ErrorPoint& one) { return !one.events.empty(); });
     return WordOf(look.type) + " at " + Counted(look.points.size(), "point") + ", most at " + most.point +
-           ": " + std::to_string(most.count) + (hasEvent ? "" : "; no more than usual at any time");
+           ": " + std::to_string(most.count) + (hasEvent ? "" : ", as usual");
 }
 
 std::string SureOf(const ErrorAnalysis& analysis) {

@@ -58,17 +58,15 @@ std::string SentenceOf(const Healing& healing, const Report& report) {
            RelationOf(healing, report);
 }
 
-std::string HealedOf(const Analysis& analysis, const Report& report) {
+bool IsHealed(const Analysis& analysis, const Report& report) {
     if (!analysis.event || analysis.event->isOngoing || analysis.isWeak) {
-        return {};
+        return false;
     }
     const Event& event = *analysis.event;
-    const bool isHealed =
-        std::any_of(report.healings.begin(), report.healings.end(), [&](const Healing& healing) {
-            return healing.isHere && healing.isOfDelay && healing.time >= event.start &&
-                   healing.time <= event.end && event.end - healing.time <= EFFECT_SECONDS;
-        });
-    return isHealed ? "Healed: slow until " + TimeOfDay(event.end, report.zoneOffset) + ", usual since." : "";
+    return std::any_of(report.healings.begin(), report.healings.end(), [&](const Healing& healing) {
+        return healing.isHere && healing.isOfDelay && healing.time >= event.start &&
+               healing.time <= event.end && event.end - healing.time <= EFFECT_SECONDS;
+    });
 }
 
 std::vector<Healing> HealingsToTell(const Report& report) {
