@@ -9,6 +9,7 @@
 
 #include "explain/analysis/own_delay.h"
 #include "explain/errors/error_analysis.h"
+#include "explain/finding/healing.h"
 #include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -97,12 +98,22 @@ public:
 
     // What keeps errors from being told leaves the delays their answers.
     void LookAtErrors() {
+        report.areErrorsLookedAt = true;
         try {
             Errors errors = SurveyErrors(question, store);
             report.errorLooks = std::move(errors.looks);
             report.errors = std::move(errors.analyses);
         } catch (...) {
             report.errorsReason = ReasonOfFailure();
+        }
+    }
+
+    void LookAtHealings() {
+        const Window& range = question.range;
+        try {
+            report.healings = HealingsIn({range.start - HEALING_LOOK_BACK, range.end});
+        } catch (...) {
+            report.healingsReason = ReasonOfFailure();
         }
     }
 
@@ -258,6 +269,7 @@ void Survey(const Request& request, Report& report) {
     if (request.wantsErrors) {
         surveyor.LookAtErrors();
     }
+    surveyor.LookAtHealings();
     surveyor.Analyse();
 }
 

@@ -20,15 +20,14 @@ enum class Nature;
 enum class Verdict;
 struct Analysis;
 struct Candidate;
-struct ErrorAnalysis;
 struct ErrorEvent;
-struct ErrorType;
 struct Event;
 struct Healing;
 struct Look;
 struct Reason;
 struct Report;
 struct Trial;
+struct Window;
 
 // How a form of the report writes what it measures.
 struct Figures {
@@ -51,6 +50,9 @@ std::string TimeOfDay(int64_t time, int64_t zoneOffset);
 // "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
 // it is the same.
 std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
+
+// "over since 13:00:00" or "still going on at 13:00:00", with the day where it is not that of the begin.
+std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset);
 
 // With so many digits after the point.
 std::string Fixed(double value, int decimals);
@@ -118,7 +120,6 @@ std::string FirstOf(const Trial& trial);
 // The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
 // without an analysis.
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
-std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures);
 
 // Whether an analysis has an answer that is a cause: neither the slow point itself nor within the usual.
 bool NamesACause(const Analysis& analysis);
@@ -160,6 +161,7 @@ struct Course {
     size_t times = 1;
     Span last;
     std::string amount;
+    bool isHealed = false;  // by the agent
 };
 std::string CourseOf(const Course& course, const Report& report);
 
@@ -177,8 +179,7 @@ constexpr const char* HEALED_TITLE = "Healed";
 constexpr const char* EVENTS_TITLE = "Events, the newest first";
 std::string EarlierEvents(size_t count);
 
-// How the errors of a type are called, and how many an event has: "IOERROR", "582 errors".
-std::string NameOf(const ErrorType& type);
+// How many errors an event has: "582 errors".
 std::string ErrorsOf(const ErrorEvent& event);
 
 // A healing in a line: "13:02 BDM for IOHANG (disk timeout)".

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "explain/report.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -101,6 +102,10 @@ private:
         return analyses;
     }
 
+    bool IsHealed(const std::vector<const Analysis*>& analyses) const {
+        return !analyses.empty() && explain::IsHealed(*analyses.front(), report);
+    }
+
     // Of the analysis that tells most of the event.
     std::string AnchorOf(const std::vector<const Analysis*>& analyses) const {
         for (const bool isCause : {true, false}) {
@@ -144,7 +149,7 @@ private:
         }
         picture.hasSlowPoint = true;
         row.state = {WhetherOver(SpanOf(*last), report), MoodOf(last->isOngoing)};
-        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount},
+        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount, IsHealed(analyses)},
                     CausesOf(analyses, figures));
         for (const Event& event : events) {
             AddEvent(look, event);
@@ -157,7 +162,8 @@ private:
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
         shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
-        shown.subject = look.point + (amount.empty() ? "" : " " + amount);
+        shown.subject =
+            look.point + (amount.empty() ? "" : " " + amount) + (IsHealed(analyses) ? ", then healed" : "");
         shown.cause = CausesOf(analyses, figures);
         shown.command = CommandOf(look, event);
         shown.anchor = AnchorOf(analyses);
@@ -188,7 +194,7 @@ private:
 
     void AddErrors(const ErrorLook& look) {
         PictureRow& row = picture.errors.emplace_back();
-        row.name = NameOf(look.type);
+        row.name = WordOf(look.type);
         row.values = CountsOf(look);
         row.top = LEAST_ERRORS;
         for (const TimedValue& value : row.values) {
@@ -209,8 +215,8 @@ private:
             const ErrorEvent& last = analyses.front()->event;
             row.amount = std::to_string(last.count);
             row.state = {WhetherOver(SpanOf(last), report), MoodOf(last.isOngoing)};
-            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last)},
-                        CauseOf(*analyses.front(), figures));
+            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last), false},
+                        BriefOf(*analyses.front(), figures));
         }
     }
 
@@ -219,12 +225,13 @@ private:
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
         shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
-        shown.subject = NameOf(errors.type) + ", " + ErrorsOf(event);
-        shown.cause = CauseOf(errors, figures);
+        shown.subject = WordOf(errors.type) + ", " + ErrorsOf(event);
+        shown.cause = BriefOf(errors, figures);
+        shown.anchor = "errors" + std::to_string(&errors - report.errors.data() + 1);
         shown.command = CommandOf(report.again);
     }
 
-    std::string Compact(int64_t time) const { return CompactTime(time, report.zoneOffset); }
+    std::string Compact(int64_t time) const { return ::CompactTime(time, report.zoneOffset); }
 
     // No longer than it takes to explain this event alone.
     std::vector<std::string> CommandOf(const Look& look, const Event& event) const {

@@ -94,7 +94,8 @@ std::string CourseOf(const Course& course, const Report& report) {
         return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
     }
     const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
-    return "was " + adjective + " " + times + ShortSpan(last, report) + amount;
+    return "was " + adjective + " " + times + ShortSpan(last, report) + amount +
+           (course.isHealed ? ", then healed" : "");
 }
 
 std::string NoneSlow(const Report& report) {
@@ -126,17 +127,8 @@ std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures
     return named > 0 || analyses.empty() ? causes : CauseIn(*analyses.front(), figures);
 }
 
-std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures) {
-    const ErrorShare& first = errors.points.front();
-    return first.point + " " + figures.share(first.share) + ", " + WordOf(errors.certainty);
-}
-
 std::string EarlierEvents(size_t count) {
     return "and " + Counted(count, "earlier event");
-}
-
-std::string NameOf(const ErrorType& type) {
-    return type.name.empty() ? type.column : type.name;
 }
 
 std::string ErrorsOf(const ErrorEvent& event) {
