@@ -22,7 +22,6 @@ struct Analysis;
 struct Candidate;
 struct ErrorEvent;
 struct Event;
-struct Healing;
 struct Look;
 struct Reason;
 struct Report;
@@ -150,9 +149,11 @@ std::string WhetherOver(const Span& span, const Report& report);
 // "2.4 times".
 std::string TimesOf(double ratio);
 
-// "480 of 480 intervals, newest row 20 s old"; and what of the range has no rows, empty when it is covered.
+// "480 of 480 intervals, newest row 20 s old"; what of the range has no rows, empty when it is covered; and a
+// line for each thing that the picture lacks: these rows, the errors, the healings.
 std::string NewestOf(const Report& report);
 std::string MissingOf(const Report& report);
+std::vector<std::string> LacksOf(const Report& report);
 
 // What there is behind the name of a point or type: "has been slow since 13:26, 2.4 times", "was slow 12:58
 // to 13:00", "was slow in 8 events, the last 13:24 to 13:27"; `amount` may be empty.
@@ -182,8 +183,8 @@ std::string EarlierEvents(size_t count);
 // How many errors an event has: "582 errors".
 std::string ErrorsOf(const ErrorEvent& event);
 
-// A healing in a line: "13:02 BDM for IOHANG (disk timeout)".
-std::string BriefOf(const Healing& healing, const Report& report);
+// The healings: "13:02 BDM for IOHANG (DISK_SLOW); 13:03 POOL for IOERR on node 2". Empty without one.
+std::string BriefHealingsOf(const Report& report);
 
 // ---- what it rests on
 

@@ -84,8 +84,8 @@ private:
         std::string text = used <= style.width
                                ? covered + std::string(style.width - used + 2, ' ') + range + "\n"
                                : Paragraph("", covered, style.width) + Paragraph("", range, style.width);
-        if (const std::string missing = MissingOf(report); !missing.empty()) {
-            text += Lines(Paragraph("", missing, style.width), COLOUR_YELLOW);
+        for (const std::string& lack : LacksOf(report)) {
+            text += Lines(Paragraph("", Printable(lack), style.width), COLOUR_YELLOW);
         }
         const std::vector<Headline>& headlines = picture.headlines;
         text += picture.hasSlowPoint ? "" : NoneSlow(report) + "\n";
@@ -162,11 +162,8 @@ private:
     // ---- healings and events
 
     std::string Healings() const {
-        std::string all;
-        for (const Healing& healing : report.healings) {
-            all += (all.empty() ? "" : "; ") + BriefOf(healing, report);
-        }
-        return all.empty() ? "" : Title(HEALED_TITLE) + Paragraph(GAP, Printable(all), style.width);
+        const std::string all = Printable(BriefHealingsOf(report));
+        return all.empty() ? "" : Title(HEALED_TITLE) + Paragraph(GAP, all, style.width);
     }
 
     std::string Events() const {

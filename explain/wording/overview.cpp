@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -12,6 +12,13 @@ constexpr size_t YEAR_LETTERS = 5;
 
 std::string Minutes(const std::string& localTime) {
     return localTime.substr(0, localTime.rfind(':'));
+}
+
+// In a line: "13:02 BDM for IOHANG (DISK_SLOW)".
+std::string BriefOf(const Healing& healing, const Report& report) {
+    return ShortTime(healing.time, report) + " " + healing.module + " for " + healing.kind +
+           (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
+           (healing.isHere ? "" : " on node " + std::to_string(healing.node));
 }
 
 // Whether the rows reach until now.
@@ -98,6 +105,20 @@ std::string CourseOf(const Course& course, const Report& report) {
            (course.isHealed ? ", then healed" : "");
 }
 
+std::vector<std::string> LacksOf(const Report& report) {
+    std::vector<std::string> lacks;
+    if (const std::string missing = MissingOf(report); !missing.empty()) {
+        lacks.push_back(missing);
+    }
+    if (report.errorsReason) {
+        lacks.push_back("errors cannot be told: " + SentenceOf(*report.errorsReason));
+    }
+    if (report.healingsReason) {
+        lacks.push_back("healings cannot be told: " + SentenceOf(*report.healingsReason));
+    }
+    return lacks;
+}
+
 std::string NoneSlow(const Report& report) {
     return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
 }
@@ -135,10 +156,13 @@ std::string ErrorsOf(const ErrorEvent& event) {
     return Counted(static_cast<size_t>(event.count), "error");
 }
 
-std::string BriefOf(const Healing& healing, const Report& report) {
-    return ShortTime(healing.time, report) + " " + healing.module + " for " + healing.kind +
-           (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
-           (healing.isHere ? "" : " on node " + std::to_string(healing.node));
+std::string BriefHealingsOf(const Report& report) {
+    std::string all;
+    for (const Healing& healing : HealingsToTell(report)) {
+        all += (all.empty() ? "" : "; ") + BriefOf(healing, report);
+    }
+    const std::string earlier = EarlierHealings(report);
+    return all + (earlier.empty() ? "" : "; " + earlier);
 }
 
 }  // namespace explain

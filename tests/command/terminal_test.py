@@ -3,6 +3,7 @@ import fcntl
 import json
 import os
 import pty
+import re
 import select
 import signal
 import socket
@@ -270,6 +271,19 @@ class OnTerminal(ConsoleTest):
             terminal.until(" ")
             self.assertEqual("\x1b[1mzorv>\x1b[0m" in terminal.screen, coloured, terminal.screen)
             self.assertIn("[\x1b[31merror\x1b[0m] " if coloured else "[error] ", terminal.screen)
+            terminal.leave()
+
+    def test_overview(self):
+        self.simulate("--scenario", "ongoing", "--end", "20230105143000")
+        for variables, columns, bar, red in (({"NO_COLOR": "", "LC_ALL": "C.UTF-8"}, 120, "▅" * 10, "\x1b[31m"), ({}, 60, "-" * 8, "")):
+            terminal = Terminal(self.root, columns=columns, **variables)
+            terminal.type("overview 20230105103000 20230105143000\r", until="    explain 20230105103000 20230105143000")
+            end = red and "\x1b[0m"
+            self.assertIn(f"{bar}{end}  2.2 times  {red}still at 14:29{end}\r\n", terminal.screen)
+            self.assertEqual(len(re.search("480 of 480 .*30(?=\r)", terminal.screen)[0]), max(columns, 80))
+            screen = terminal.type("series BDM_DISK_READ 20230105142500 20230105143000\r", until="14:29:30  ")
+            self.assertRegex(screen, r"time +avgdelay +maxdelay +mindelay +acceptnum +successnum")
+            terminal.until("zorv>")
             terminal.leave()
 
 
