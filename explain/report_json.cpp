@@ -68,10 +68,8 @@ public:
 private:
     Json::Value Time(int64_t time) const {
         Json::Value value;
-        std::string local = LocalTime(time, report.zoneOffset) + ZoneText(report.zoneOffset);
-        std::replace(local.begin(), local.end(), ' ', 'T');
         value["epoch"] = static_cast<Json::Int64>(time);
-        value["local"] = local;
+        value["local"] = IsoTime(time, report.zoneOffset);
         return value;
     }
 
