@@ -8,6 +8,8 @@
 #include <stdexcept>
 
 #include "explain/analysis/own_delay.h"
+#include "explain/errors/error_analysis.h"
+#include "explain/finding/healing.h"
 #include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -94,6 +96,27 @@ public:
         }
     }
 
+    // What keeps errors from being told leaves the delays their answers.
+    void LookAtErrors() {
+        report.areErrorsLookedAt = true;
+        try {
+            Errors errors = SurveyErrors(question, store);
+            report.errorLooks = std::move(errors.looks);
+            report.errors = std::move(errors.analyses);
+        } catch (...) {
+            report.errorsReason = ReasonOfFailure();
+        }
+    }
+
+    void LookAtHealings() {
+        const Window& range = question.range;
+        try {
+            report.healings = HealingsIn({range.start - HEALING_LOOK_BACK, range.end});
+        } catch (...) {
+            report.healingsReason = ReasonOfFailure();
+        }
+    }
+
     void Analyse() {
         for (size_t i = 0; i < report.looks.size(); ++i) {
             const explain::Look& look = report.looks[i];
@@ -104,7 +127,7 @@ public:
                 }
             }
         }
-        if (failures > 0 && failures == subjects) {
+        if (failures > 0 && failures == subjects && report.errors.empty()) {
             throw NoData(*report.analyses.back().reason);
         }
         // What is within the usual comes last: it is told because a time was named.
@@ -243,6 +266,10 @@ Reason ReasonOfFailure(const std::string& graph) {
 void Survey(const Request& request, Report& report) {
     Surveyor surveyor(request, report);
     surveyor.Look();
+    if (request.wantsErrors) {
+        surveyor.LookAtErrors();
+    }
+    surveyor.LookAtHealings();
     surveyor.Analyse();
 }
 

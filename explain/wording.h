@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "explain/finding/series.h"
 #include "text/counted.h"     // Counted(), Duration(): whoever writes sentences writes these
 #include "text/local_time.h"  // and LocalTime(), ZoneText()
 
@@ -19,11 +20,13 @@ enum class Nature;
 enum class Verdict;
 struct Analysis;
 struct Candidate;
+struct ErrorEvent;
 struct Event;
 struct Look;
 struct Reason;
 struct Report;
 struct Trial;
+struct Window;
 
 // How a form of the report writes what it measures.
 struct Figures {
@@ -46,6 +49,9 @@ std::string TimeOfDay(int64_t time, int64_t zoneOffset);
 // "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
 // it is the same.
 std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
+
+// "over since 13:00:00" or "still going on at 13:00:00", with the day where it is not that of the begin.
+std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset);
 
 // With so many digits after the point.
 std::string Fixed(double value, int decimals);
@@ -110,9 +116,75 @@ std::string AgreementOf(const Analysis& analysis);
 // The point that comes first in a trial, or that none can be told.
 std::string FirstOf(const Trial& trial);
 
+// The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
+// without an analysis.
+std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
+
+// Whether an analysis has an answer that is a cause: neither the slow point itself nor within the usual.
+bool NamesACause(const Analysis& analysis);
+
 // What the plug-in's own walk says beside the answer, with the window that it looked at; its subject is the
 // walk.
 std::string WalkOf(const Analysis& analysis, int64_t zoneOffset);
+
+// ---- the overview
+
+// A local time in hours and minutes, behind its day where the range has several.
+std::string ShortTime(int64_t time, const Report& report);
+
+// The range as a headline has it, "2023-01-05 10:30 to 14:30", behind the node where one is named.
+std::string RangeOf(const Report& report);
+
+// Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
+// is not of now was last seen there: "13:26 on" and "still at 14:29". One that begins with the first row is
+// "before 10:31 to 11:23".
+struct Span {
+    Window window;
+    bool isOngoing = false;
+    bool isCut = false;  // at its begin: there are no rows before it
+};
+std::string ShortSpan(const Span& span, const Report& report);
+std::string WhetherOver(const Span& span, const Report& report);
+
+// "2.4 times".
+std::string TimesOf(double ratio);
+
+// "480 of 480 intervals, newest row 20 s old"; what of the range has no rows, empty when it is covered; and a
+// line for each thing that the picture lacks: these rows, the errors, the healings.
+std::string NewestOf(const Report& report);
+std::string MissingOf(const Report& report);
+std::vector<std::string> LacksOf(const Report& report);
+
+// What there is behind the name of a point or type: "has been slow since 13:26, 2.4 times", "was slow 12:58
+// to 13:00", "was slow in 8 events, the last 13:24 to 13:27"; `amount` may be empty.
+struct Course {
+    const char* adjective;  // "slow", "failing"
+    size_t times = 1;
+    Span last;
+    std::string amount;
+    bool isHealed = false;  // by the agent
+};
+std::string CourseOf(const Course& course, const Report& report);
+
+// That no point was slow, and in how much of the range.
+std::string NoneSlow(const Report& report);
+
+// What a type of errors was in the range that has no event; and what a point was.
+constexpr const char* AS_USUAL = "as usual";
+std::string QuietStateOf(const Look& look);
+
+// Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
+constexpr const char* DELAYS_TITLE = "Delay, times the usual";
+constexpr const char* ERRORS_TITLE = "Errors";
+constexpr const char* HEALED_TITLE = "Healed";
+constexpr const char* EVENTS_TITLE = "Events, the newest first";
+std::string EarlierEvents(size_t count);
+
+// How many errors an event has: "582 errors".
+std::string ErrorsOf(const ErrorEvent& event);
+
+// The healings: "13:02 BDM for IOHANG (DISK_SLOW); 13:03 POOL for IOERR on node 2". Empty without one.
+std::string BriefHealingsOf(const Report& report);
 
 // ---- what it rests on
 

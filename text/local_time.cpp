@@ -37,6 +37,12 @@ std::string CompactTime(int64_t time, int64_t zoneOffset) {
     return text;
 }
 
+std::string IsoTime(int64_t time, int64_t zoneOffset) {
+    std::string text = LocalTime(time, zoneOffset);
+    std::replace(text.begin(), text.end(), ' ', 'T');
+    return text.front() == '@' ? "" : text + ZoneText(zoneOffset);
+}
+
 std::string ZoneText(int64_t zoneOffset) {
     const int64_t minutes = std::abs(zoneOffset) / 60;
     std::array<char, 48> text{};

@@ -15,5 +15,8 @@ std::string LocalTime(int64_t time, int64_t zoneOffset);
 // The same in compact form, "20230105140300".
 std::string CompactTime(int64_t time, int64_t zoneOffset);
 
+// "2023-01-05T14:03:00+08:00"; empty where the calendar has no such time in a year of four digits.
+std::string IsoTime(int64_t time, int64_t zoneOffset);
+
 // "+08:00".
 std::string ZoneText(int64_t zoneOffset);

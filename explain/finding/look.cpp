@@ -64,6 +64,9 @@ Look LookAt(const std::string& point, const Samples& samples, const Window& rang
     look.point = point;
     look.finding = FindEvents(samples, baseline);
     const auto [first, end] = PositionsIn(samples, range);
+    look.rows = {samples.begin() + static_cast<std::ptrdiff_t>(first),
+                 samples.begin() + static_cast<std::ptrdiff_t>(end)};
+    look.firstRow = first;
     look.samples = end - first;
     look.flagged = FlagsOf(samples, first, end);
     for (const Event& event : look.finding.events) {

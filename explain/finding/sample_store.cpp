@@ -39,23 +39,6 @@ uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vec
     return 0;
 }
 
-// As the inside of an SQL text.
-std::string Quoted(const std::string& name) {
-    std::string quoted;
-    for (const char letter : name) {
-        quoted.append(letter == '\'' ? 2 : 1, letter);
-    }
-    return quoted;
-}
-
-std::string CompactTime(int64_t time) {
-    std::string text;
-    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
-        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
-    }
-    return text;
-}
-
 std::vector<std::string> TablesOf(const Window& stretch) {
     std::vector<std::string> tables;
     const std::string start = CompactTime(stretch.start);
@@ -95,6 +78,14 @@ FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
 
 }  // namespace
 
+std::string CompactTime(int64_t time) {
+    std::string text;
+    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
+        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
+    }
+    return text;
+}
+
 SampleStore::SampleStore(const std::vector<Window>& stretches) {
     for (const Window& stretch : stretches) {
         parts.push_back({stretch, TablesOf(stretch)});
@@ -115,7 +106,7 @@ PointData SampleStore::Load(const std::string& point) const {
     std::vector<int64_t> second;
     std::vector<std::string> texts;
     for (const Part& part : parts) {
-        FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, Quoted(point), {}, {}};
+        FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, SqlText(point), {}, {}};
         query.beginTime = std::to_string(part.stretch.start);
         query.endTime = std::to_string(part.stretch.end);
         for (const std::string& table : part.tables) {
@@ -136,6 +127,14 @@ PointData SampleStore::Load(const std::string& point) const {
     data.hasGoneBack = !std::is_sorted(data.samples.begin(), data.samples.end(), before);
     std::stable_sort(data.samples.begin(), data.samples.end(), before);
     return data;
+}
+
+std::string SqlText(const std::string& name) {
+    std::string quoted;
+    for (const char letter : name) {
+        quoted.append(letter == '\'' ? 2 : 1, letter);
+    }
+    return quoted;
 }
 
 FaultSeries DelaySeries(const Samples& samples) {

@@ -1,11 +1,14 @@
+#include <algorithm>
 #include <set>
 
 #include "explain/page/analysis_section.h"
+#include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
 #include "explain/page/markup.h"
+#include "explain/page/overview_section.h"
 #include "explain/page/style.h"
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -19,6 +22,10 @@ std::string TitleOf(const Report& report) {
         points.insert(analysis.point);
         isAnswered = isAnswered || isSlow;
         isOngoing = isOngoing || (isSlow && analysis.event->isOngoing);
+    }
+    if (points.empty() && !report.errors.empty()) {
+        return report.errors.size() == 1 ? SubjectOf(report.errors.front())
+                                         : Counted(report.errors.size(), "event") + " of errors";
     }
     if (points.empty()) {
         return report.coverage.IsPart() ? "No point was slow in what was looked at" : "No point was slow";
@@ -41,8 +48,19 @@ Markup Head(const Report& report) {
             Element("title", TitleOf(report)) + Element("style", Markup::Literal(PAGE_STYLE)));
 }
 
+// Whether a point has answers that the overview does not lead to: in several graphs, or without an event.
+bool HasMore(const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    return all.size() > 1 && std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+               const auto isElsewhere = [&](const Analysis& other) {
+                   return other.point == analysis.point && other.graph != analysis.graph;
+               };
+               return !analysis.event || analysis.isWeak || std::any_of(all.begin(), all.end(), isElsewhere);
+           });
+}
+
 Markup Summary(const Report& report) {
-    if (report.analyses.size() < 2) {
+    if (!HasMore(report)) {
         return {};
     }
     Table table("One answer for each event and graph", {{"Event"}, {"Point"}, {"Graph"}, {"Answer"}});
@@ -53,6 +71,12 @@ Markup Summary(const Report& report) {
                            Text(BriefTimeOf(analysis, report))),
                    Text(analysis.point), Text(analysis.graph),
                    Text(BriefOf(analysis, PAGE_FIGURES) + (more.empty() ? "" : "; " + more))});
+    }
+    for (size_t i = 0; i < report.errors.size(); ++i) {
+        const ErrorAnalysis& one = report.errors[i];
+        table.Add(
+            {Element("a", {{"href", "#errors" + std::to_string(i + 1)}}, Text(BriefTimeOf(one, report))),
+             Text(SubjectOf(one)), Text(one.Entry().graph), Text(BriefOf(one, PAGE_FIGURES))});
     }
     return Element("section", Element("h2", "Answers") + table.Done());
 }
@@ -67,6 +91,14 @@ Markup AllClear(const Report& report) {
         "section", {{"class", report.coverage.IsPart() ? "weak" : "clear"}},
         Element("div", {{"class", "answer"}}, Element("p", {{"class", "verdict"}}, Text(NothingOf(report)))) +
             table.Done());
+}
+
+Markup ErrorSections(const Report& report) {
+    Markup sections;
+    for (size_t i = 0; i < report.errors.size(); ++i) {
+        sections += ErrorSection(report.errors[i], report, i + 1);
+    }
+    return sections;
 }
 
 Markup Proof(const Report& report) {
@@ -91,13 +123,20 @@ Markup Proof(const Report& report) {
 }  // namespace
 
 std::string HtmlReport(const Report& report) {
-    Markup body = report.analyses.empty() ? AllClear(report) : Summary(report);
+    Markup body = OverviewSection(report);
+    if (report.analyses.empty()) {
+        body += ErrorSections(report) + AllClear(report);
+    } else {
+        body += Summary(report);
+    }
     if (report.analyses.size() != 1) {  // a single answer has it behind its verdict
         body += Element("section", Element("h2", "Looked at") + FactList(BasisOf(report)));
     }
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         body += AnalysisSection(report.analyses[i], report, i + 1);
     }
+    body += report.analyses.empty() ? Markup() : ErrorSections(report);
+    body += HealingsSection(report);
     const Window& range = report.question.range;
     const std::string when = LocalTimes(range.start, range.end, report.zoneOffset);
     const Markup header = Element(

@@ -58,6 +58,12 @@ summary { cursor: pointer; color: var(--cool); margin: 8px 0; }
 figure { margin: 8px 0; }
 svg { display: block; width: 100%; height: auto; font: 11px ui-monospace, monospace; }
 svg text { fill: var(--ink); }
+.headline { font-size: 17px; font-weight: 600; line-height: 1.35; }
+.headline.calm { color: var(--good); } .headline.now { color: var(--hot); } .headline.over { color: var(--amber); }
+.overview table { table-layout: fixed; } .overview thead th:nth-child(1) { width: 27%; } .overview thead th:nth-child(2) { width: 43%; }
+.overview td, .overview tbody th { vertical-align: middle; max-width: none; } .overview .now td:last-child { color: var(--hot); font-weight: 600; }
+.overview .over td:last-child { color: var(--amber); }
+.bars { height: 22px; min-width: 150px; fill: var(--quiet); } .now .bars { fill: var(--hot); } .over .bars { fill: var(--amber); }
 .edge { fill: none; stroke: var(--line); stroke-width: 1; }
 .flow { fill: none; stroke: var(--flow); }
 .skips { stroke-dasharray: 4 4; }
@@ -77,6 +83,9 @@ svg text { fill: var(--ink); }
 .axis { fill: none; stroke: var(--quiet); stroke-width: 1; }
 .usual { fill: none; stroke: var(--quiet); stroke-width: 1; stroke-dasharray: 6 4; }
 .series { fill: none; stroke: var(--cool); stroke-width: 1.4; stroke-linejoin: round; stroke-linecap: round; }
+.counts { stroke: var(--hot); stroke-width: 2; stroke-linecap: butt; }
+.healing { fill: var(--good); stroke: var(--good); stroke-width: 1; }
+.healing-key { color: var(--good); }
 svg .label { fill: var(--quiet); }
 svg .hot { fill: var(--hot); font-weight: bold; }
 footer { padding-bottom: 28px; }

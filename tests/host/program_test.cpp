@@ -103,9 +103,9 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "probe\n  echo [WORD...]: show the words;\n  print: a line of text\n  throw\n  probe\n  "
          "delaydetect\n"
          "console\n  help [COMMAND]: list the commands, or explain one.\n"
-         "  status: what this host works on: files, configuration, switch, alarms, start-up.\n"
-         "  alarms [N]: the last N alarms, 20 if not told, the newest last.\n"
-         "  switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch.\n"
+         "  status [--json]: what this host works on: files, configuration, switch, alarms, start-up.\n"
+         "  alarms [N] [--json]: the last N alarms, 20 if not told, the newest last.\n"
+         "  switch get | set on|on-silent|off [--json]: show or set the cluster's fault diagnosis switch.\n"
          "  explain [OPTIONS] START END | MINUTES: where the extra delay of slow points goes; --help tells "
          "more.\n"
          "  quit: leave; so does Ctrl-D.\n",
