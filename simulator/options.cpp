@@ -2,8 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <charconv>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <iomanip>
+#include <sstream>
 
 #include "simulator/live_arguments.h"
 #include "simulator/plan/scenario.h"
@@ -68,6 +73,20 @@ int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t be
     }
 }
 
+// Of the schema that is installed with this program.
+std::string SchemaUri() {
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    const std::filesystem::path file = program.parent_path() / "../share/zorv/route.schema.json";
+    std::ostringstream uri;
+    uri << "file://" << std::hex << std::uppercase;
+    for (const char letter : file.lexically_normal().string()) {
+        const auto byte = static_cast<unsigned char>(letter);
+        const bool isPlain = std::isalnum(byte) != 0 || std::strchr("/._-~", letter) != nullptr;
+        isPlain ? uri << letter : uri << '%' << std::setw(2) << int{byte};
+    }
+    return uri.str();
+}
+
 void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
         ->type_name("NAME")
@@ -84,6 +103,9 @@ void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_option("--period", world.period, "How long a data table lasts")
         ->type_name("SECONDS")
         ->capture_default_str();
+    app.add_flag_callback(
+        "--schema", [&world] { world.schema = SchemaUri(); },
+        "The configuration names the schema by which editors help to change it");
     app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
     app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
         ->type_name("TYPE");

@@ -60,7 +60,7 @@ Words NoWords(const Words& /*before*/) {
     return {};
 }
 
-constexpr std::array<Row, 8> ROWS = {
+constexpr std::array<Row, 9> ROWS = {
     {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
      {"status", "[--json]", "what this host works on: files, configuration, switch, alarms, start-up.",
       NoWords, 0, false, RunStatus},
@@ -76,6 +76,8 @@ constexpr std::array<Row, 8> ROWS = {
       0, true, RunOverview},
      {"series", "POINT [--columns NAMES] START END | MINUTES",
       "the rows that the statistics have of a point.", WordsAfterSeries, 0, true, RunSeries},
+     {"check", "[OPTIONS] [FILE]", "what is wrong with the configuration's graphs; --help tells more.",
+      WordsAfterCheck, 0, true, RunCheck},
      {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
 
 Command CommandOf(const Row& row) {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/capture/inputs.h"
+#include "host/console/commands.h"
 #include "host/process/interrupt.h"
 #include "host/process/settings.h"
 #include "host/services/console.h"
@@ -79,6 +80,7 @@ ExitStatus RunTerminal(Console& console) {
         }
     };
     tellProblem();
+    TellConfigurationErrors();
     while (!console.IsLeaving()) {
         const std::optional<std::string> line = editor.Read();
         tellProblem();
