@@ -18,4 +18,9 @@ struct Levels {
 
 Levels UsualLevels(const Topology& topology);
 
+// The same for graphs of any shape, that nobody has balanced: however deep a point lies, a sixtieth of the
+// requests at the least busy point above all reach it, and what several points wait for sees no more of them
+// than the busiest of these. So nothing grows out of all bounds.
+Levels EvenLevels(const Topology& topology);
+
 }  // namespace lumosim

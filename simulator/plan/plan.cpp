@@ -48,6 +48,13 @@ double WorstAt(const PlantedFault& fault, size_t point) {
     return *std::max_element(fault.added[point].begin(), fault.added[point].end());
 }
 
+GraphPath PathOf(const FaultRecipe& recipe, const Topology& topology) {
+    if (recipe.graph.empty()) {
+        return {{topology.GraphWith(recipe.point), {recipe.point}}};
+    }
+    return topology.FindPath(recipe.graph, recipe.point);
+}
+
 // Adds to every point what its children have, times the share that reaches it, part of it a sample later.
 template <typename Share>
 void SpreadToParents(const Dependencies& dependencies, Share share,
@@ -66,18 +73,6 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
             }
         }
     }
-}
-
-// The point and all points below it.
-std::vector<bool> AllBelow(const Dependencies& dependencies, size_t point) {
-    std::vector<bool> isBelow(dependencies.children.size());
-    isBelow[point] = true;
-    std::for_each(dependencies.childrenFirst.rbegin(), dependencies.childrenFirst.rend(), [&](size_t parent) {
-        for (const size_t child : dependencies.children[parent]) {
-            isBelow[child] = isBelow[child] || isBelow[parent];
-        }
-    });
-    return isBelow;
 }
 
 }  // namespace
@@ -157,7 +152,7 @@ std::vector<double> Plan::PlaceBursts(PlantedFault& fault) const {
 
 // The fault as the point itself has it.
 PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) const {
-    PlantedFault fault{recipe, topology.FindPath(recipe.graph, recipe.point), {}, 0, 0, {}};
+    PlantedFault fault{recipe, PathOf(recipe, topology), {}, 0, 0, {}};
     if (fault.path.empty()) {
         throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
                                std::string(recipe.point));
@@ -217,6 +212,10 @@ void Plan::FitToHosts(const Topology& topology, const Levels& levels) {
             Scale(fault, unit);
         }
         if (fault.recipe.againstFirst > 0) {
+            if (fault.added[host].empty()) {
+                throw cli::UsageError("--second-fault: hosts do not see the second fault at " +
+                                      std::string(topology.Points()[host].name));
+            }
             Scale(fault, fault.recipe.againstFirst * WorstAt(faults.front(), host) / WorstAt(fault, host));
         }
     }
@@ -232,7 +231,7 @@ void Plan::ClearErrorWalk(size_t point, const Topology& topology) {
     }
     for (const Graph& graph : topology.Graphs()) {
         for (const GraphNode& node : graph.nodes) {
-            if (node.role.attr == FOLLOW.attr) {
+            if (node.role.attr.find("follow") != std::string_view::npos) {
                 usualErrors[topology.IndexOf(node.label)] = 0;
             }
         }
