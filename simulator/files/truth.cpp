@@ -43,7 +43,7 @@ std::string_view TopPoint(const PlantedFault& fault) {
 
 // Whether that is one at which hosts enter.
 bool IsSeenByHosts(const PlantedFault& fault) {
-    return !IsError(fault) && IsEntered(fault.path.front().graph);
+    return !IsError(fault) && IsEntered(fault.recipe.graph);
 }
 
 // The points from top to bottom; one that hands over to a graph of its own name is there once.

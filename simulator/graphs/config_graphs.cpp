@@ -143,6 +143,7 @@ public:
         AddPoints();
     }
 
+    // To be called once.
     ConfigGraphs Result() { return {std::move(graphs), std::move(points), texts}; }
 
 private:
@@ -280,10 +281,14 @@ void ConfigReader::AddPoint(std::string_view name) {
 
 std::string ConfigFileText(const std::filesystem::path& path) {
     std::error_code ignored;
-    std::ostringstream text;
+    std::ifstream file;
     if (std::filesystem::is_regular_file(path, ignored)) {  // to open a pipe would wait for its writer
-        std::ifstream file(path, std::ios::binary);
-        if (file && text << file.rdbuf()) {
+        file.open(path, std::ios::binary);
+    }
+    if (file.is_open()) {
+        std::ostringstream text;
+        text << file.rdbuf();  // which fails for an empty file, too
+        if (!file.bad()) {
             return text.str();
         }
     }
@@ -306,7 +311,11 @@ ConfigGraphs ReadConfigGraphs(const std::string& text) {
     if (!config.isObject()) {
         throw ConfigError("is no JSON object of graphs");
     }
-    return ConfigReader(config).Result();
+    ConfigGraphs graphs = ConfigReader(config).Result();
+    if (graphs.points.empty()) {
+        throw ConfigError("has no graph with a point");
+    }
+    return graphs;
 }
 
 }  // namespace lumosim

@@ -20,7 +20,7 @@ class ConfigError : public std::runtime_error {
 // The whole file. Throws ConfigError for what is no regular file or cannot be read.
 std::string ConfigFileText(const std::filesystem::path& path);
 
-// Points and graphs with at least one node. Left out is what a walk does not come to: edges to nowhere or
+// Points, at least one, and graphs with a node. Left out is what a walk does not come to: edges to nowhere or
 // with a negative end, nodes without a label, hand-overs to a graph that is not there or has no root. Throws
 // ConfigError for what a walk fails at: text that is no JSON object, or nested too deep; a member of the
 // wrong type; an edge without an end.

@@ -101,6 +101,7 @@ Levels EvenLevels(const Topology& topology) {
         std::for_each(children.begin(), children.end(), [&](size_t child) { ++parents[child]; });
     }
     const double loss = std::min(1.0, USUAL_DEPTH / std::max(1.0, DepthOf(flow)));
+    levels.lateShare *= loss;
     for (size_t point = 0; point < flow.children.size(); ++point) {
         for (size_t i = 0; i < flow.children[point].size(); ++i) {
             double& share = levels.share[point][i];

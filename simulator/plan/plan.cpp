@@ -11,8 +11,6 @@ namespace {
 constexpr int64_t FAULT_SECONDS = 120;
 constexpr int64_t FAULT_MINIMUM_SAMPLES = 2;
 constexpr int64_t ECHO_SAMPLES = 6;  // after the fault has ended at the point itself
-// A request that takes long is counted by whoever waits for it, and by some of them in the next interval.
-constexpr double LATE_SHARE = 0.25;
 // Of a child's errors, some are mended by its parent.
 constexpr double ERROR_SHARE = 0.9;
 constexpr int64_t QUIET_SECONDS = 480;  // around a fault
@@ -57,7 +55,7 @@ GraphPath PathOf(const FaultRecipe& recipe, const Topology& topology) {
 
 // Adds to every point what its children have, times the share that reaches it, part of it a sample later.
 template <typename Share>
-void SpreadToParents(const Dependencies& dependencies, Share share,
+void SpreadToParents(const Dependencies& dependencies, double late, Share share,
                      std::vector<std::vector<double>>& series) {
     for (const size_t parent : dependencies.childrenFirst) {
         for (size_t i = 0; i < dependencies.children[parent].size(); ++i) {
@@ -68,7 +66,7 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
             series[parent].resize(child.size());
             double before = 0;
             for (size_t k = 0; k < child.size(); ++k) {
-                series[parent][k] += share(parent, i) * ((1 - LATE_SHARE) * child[k] + LATE_SHARE * before);
+                series[parent][k] += share(parent, i) * ((1 - late) * child[k] + late * before);
                 before = child[k];
             }
         }
@@ -175,8 +173,8 @@ void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& 
         case FaultKind::DELAY:
             Scale(own, levels.usualDelay[point]);
             SpreadToParents(
-                topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; },
-                fault.added);
+                topology.Flow(), levels.lateShare,
+                [&](size_t parent, size_t i) { return levels.share[parent][i]; }, fault.added);
             break;
         case FaultKind::ERROR: {
             const size_t counter = topology.ErrorCounterOf(point);
@@ -184,7 +182,7 @@ void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& 
             std::swap(own, fault.added[counter]);
             ClearErrorWalk(counter, topology);
             SpreadToParents(
-                topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, fault.added);
+                topology.Errors(), levels.lateShare, [](size_t, size_t) { return ERROR_SHARE; }, fault.added);
             break;
         }
         case FaultKind::LOAD: {
