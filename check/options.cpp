@@ -1,0 +1,59 @@
+#include "check/options.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+
+#include "text/printable.h"
+
+namespace check {
+namespace {
+
+constexpr const char* DESCRIPTION =
+    "Checks a route configuration: what its causality graphs say, and what they were meant to say.";
+
+constexpr const char* EXAMPLES = R"(
+Without FILE the configuration of the root or capture is checked against its statistics database too. Each
+finding is a line FILE:LINE:COLUMN: error|warning|note: GRAPH: TEXT [RULE], as compilers write them; columns
+count bytes. The last line counts.
+
+Exit status: 0 clean, or warnings and notes only; 1 errors, with --strict warnings too; 2 wrong usage; 3 the
+configuration, the database or the capture cannot be read.
+
+Examples:
+  zorv-check route_config.json              a file that is being written
+  zorv-check --strict --root /tmp/world     a root and its database; warnings count as errors do
+  zorv-check --capture /tmp/node1 --json    a copy of a node's files, for programs
+  zorv-check --list                         the rules, and why there is each
+)";
+
+void Declare(CLI::App& app, Options& options) {
+    cli::SetUsage(app, "zorv-check [OPTIONS] [FILE]");
+    app.footer(EXAMPLES);
+    app.set_version_flag("--version", "zorv-check " CHECK_VERSION);
+    cli::DeclareInputOptions(app, options);
+    app.add_option("FILE", options.file, "The configuration, in place of a root's or a capture's")
+        ->excludes(app.get_option("--root"))
+        ->excludes(app.get_option("--capture"))
+        ->type_name("");
+    app.add_flag("--strict", options.strict, "Warnings count as errors do");
+    app.add_flag("--json", options.json, "Print JSON");
+    app.add_flag("--list", options.list, "List the rules, each with its reason");
+}
+
+}  // namespace
+
+std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
+    CLI::App app(DESCRIPTION);
+    Declare(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::Success& answer) {
+        return cli::PrintAnswer(app, answer);
+    } catch (const CLI::Error& error) {
+        std::cerr << "zorv-check: " << Printable(error.what()) << "\nRun with --help for more information.\n";
+        return STATUS_USAGE;
+    }
+    return std::nullopt;
+}
+
+}  // namespace check

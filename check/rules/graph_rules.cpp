@@ -1,0 +1,117 @@
+#include <algorithm>
+
+#include "check/rules/rule.h"
+
+namespace check {
+namespace {
+
+// What commands do with a graph: "'delayanal' reads it for TGT_LUMO_HOST_READ"; empty: none reads it.
+std::string ReaderOf(const std::vector<GraphUse>& uses) {
+    std::string readers;
+    for (const GraphUse& use : uses) {
+        const std::string reader = "'" + use.command + "'";
+        if (!use.command.empty() && readers.find(reader) == std::string::npos) {
+            readers += (readers.empty() ? "" : ", ") + reader;
+        }
+    }
+    return readers;
+}
+
+bool IsUnused(const Graph& graph) {
+    return graph.uses.empty() && graph.handedOverBy.empty();
+}
+
+std::vector<std::string> NamesOfGraphs(const Model& model) {
+    std::vector<std::string> names;
+    for (const Graph& graph : model.Graphs()) {
+        names.push_back(graph.name);
+    }
+    return names;
+}
+
+// The vocabulary's graphs that the configuration does not have and a command reads.
+std::vector<std::string> MissingGraphs(const Model& model) {
+    std::vector<std::string> missing;
+    for (const GraphUse& use : GraphUses()) {
+        if (!use.command.empty() && model.Find(use.graph) == nullptr &&
+            (missing.empty() || missing.back() != use.graph)) {
+            missing.push_back(use.graph);
+        }
+    }
+    return missing;
+}
+
+void FindUnknownSubGraphs(const Subject& subject, const Report& report) {
+    const std::vector<std::string> names = NamesOfGraphs(subject.model);
+    for (const Graph& graph : subject.model.Graphs()) {
+        for (const Node& node : graph.nodes) {
+            const std::string_view next = node.NextGraph();
+            if (!next.empty() && subject.model.Find(next) == nullptr) {
+                report(subject.At(*node.subGraph), graph.name,
+                       "there is no graph " + Quoted(next) + subject.suggester.DidYouMean(next, names));
+            }
+        }
+    }
+}
+
+void FindNamesOfGraphs(const Subject& subject, const Report& report) {
+    for (const Graph& graph : subject.model.Graphs()) {
+        for (const Node& node : graph.nodes) {
+            const std::string_view name = TextOf(node.name);
+            const bool hasOther = name != graph.name && subject.model.Find(name) != nullptr;
+            if (hasOther && node.subGraph == nullptr && !node.isModule && graph.kind != GraphKind::FACTOR) {
+                report(subject.At(*node.name), graph.name,
+                       "the name " + Quoted(name) +
+                           " is that of a graph, so the analysis goes on there; rename the node, or say so "
+                           "with a 'subGraph'");
+            }
+        }
+    }
+}
+
+void FindMissingGraphs(const Subject& subject, const Report& report) {
+    if (!subject.document.Root().isObject()) {
+        return;
+    }
+    std::vector<std::string> unused;
+    for (const Graph& graph : subject.model.Graphs()) {
+        if (IsUnused(graph)) {
+            unused.push_back(graph.name);
+        }
+    }
+    for (const std::string& name : MissingGraphs(subject.model)) {
+        report(subject.At(subject.document.Root()), name,
+               "there is no such graph, but " + ReaderOf(UsesOf(name)) + " asks for it" +
+                   subject.suggester.DidYouMean(name, unused));
+    }
+}
+
+void FindUnusedGraphs(const Subject& subject, const Report& report) {
+    const std::vector<std::string> missing = MissingGraphs(subject.model);
+    for (const Graph& graph : subject.model.Graphs()) {
+        if (IsUnused(graph)) {
+            report(graph.key, graph.name,
+                   "no command reads this graph, and none hands over to it" +
+                       subject.suggester.DidYouMean(graph.name, missing));
+        }
+    }
+}
+
+}  // namespace
+
+std::vector<Rule> GraphRules() {
+    return {
+        {"unknown-sub-graph", Severity::ERROR, "An analysis that is handed over to no graph ends there.",
+         FindUnknownSubGraphs},
+        {"name-is-a-graph", Severity::ERROR,
+         "Without a subGraph the node's name is where the analysis goes on: by accident, when it is a "
+         "graph's.",
+         FindNamesOfGraphs},
+        {"missing-graph", Severity::WARNING,
+         "A command fails, or finds nothing, without a graph that it reads.", FindMissingGraphs},
+        {"unused-graph", Severity::WARNING, "Nothing leads to the graph, often because its name is misspelt.",
+         FindUnusedGraphs},
+    };
+}
+
+}  // namespace check
