@@ -5,6 +5,7 @@
 
 #include "check/input.h"
 #include "check/options.h"
+#include "check/plant/plant.h"
 #include "check/report.h"
 #include "check/rules/rule.h"
 #include "cli/program.h"
@@ -40,6 +41,11 @@ int Run(const Options& options) {
     const Input input(options);
     const Document document(input.Configuration());
     const Model model(document);
+    if (options.plant) {
+        bool allFound = false;
+        Print(PlantFaults(options, input, model, allFound));
+        return options.strict && !allFound ? STATUS_FAULTS : STATUS_CLEAN;
+    }
     bool isReadable = true;
     const std::optional<PointStatistics> statistics = StatisticsOf(input, isReadable);
     const Findings findings = Check(document, model, statistics ? &*statistics : nullptr);

@@ -14,6 +14,9 @@ struct Options : cli::InputOptions {
     bool strict = false;              // warnings count as errors do
     bool json = false;
     bool list = false;
+    bool plant = false;  // prove what the graphs can find
+    std::string point;   // with plant: only this one; empty: all
+    size_t jobs = 0;     // with plant: worlds at a time; 0: one for each core
 };
 
 // How the program ends.

@@ -32,6 +32,11 @@ void PlayWithEvents(const Request& request) {
     PlayWorld(request.world, *request.live, tell, [&](double done) { progress->Show(done); });
 }
 
+// What is planted.
+std::string NameOf(const WorldOptions& world) {
+    return world.scenario + (world.faultPoint.empty() ? "" : " at " + world.faultPoint);
+}
+
 void CheckTold() {
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
         throw std::runtime_error("what there is to tell cannot be printed");
@@ -50,7 +55,7 @@ void Run(int argc, char** argv) {
         return;
     }
     const WorldSummary summary = WriteWithProgress(request.world);
-    std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
+    std::printf("%s: %zu points, %zu rows; the truth is in %s\n", Printable(NameOf(request.world)).c_str(),
                 summary.pointCount, summary.rowCount, Printable(summary.truthFile.string()).c_str());
 }
 

@@ -29,6 +29,7 @@ constexpr char EXAMPLES[] =
     "  lumo-sim --root /tmp/world --scenario ongoing --fault-strength 1.5  a mild one that goes on\n"
     "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY  errors of another type\n"
     "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000  two days of 2023\n"
+    "  lumo-sim --root /tmp/world --config my.json --fault-point MY_DISK  your own graphs, one point slow\n"
     "  lumo-sim --root /tmp/world --live --step 1  goes on, with samples every second\n"
     "  lumo-sim --root /tmp/world --live --speed 120 --for 1800 --fault-after 600  half an hour in 15 "
     "seconds\n"
@@ -107,6 +108,8 @@ void AddWorldOptions(CLI::App& app, WorldOptions& world) {
         "--schema", [&world] { world.schema = SchemaUri(); },
         "The configuration names the schema by which editors help to change it");
     app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
+    app.add_option("--config", world.config, "Graphs of this route configuration, not lumo-sim's own")
+        ->type_name("FILE");
     app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
         ->type_name("TYPE");
     app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
@@ -120,6 +123,7 @@ void AddFaultOptions(CLI::App& app, WorldOptions& world, std::optional<int64_t>&
     const auto add = [&](const char* name, auto& value, const char* type, const char* text) {
         options.add_option(name, value, text)->type_name(type);
     };
+    add("--fault-point", world.faultPoint, "NAME", "Where the fault is: any point that has statistics");
     add("--fault-start", faultStart, "SECONDS",
         "When the fault begins, after the first sample; below 0: before it");
     add("--fault-length", world.faultLength, "SECONDS", "How long the fault lasts, one sample at least");
@@ -132,6 +136,14 @@ void AddFaultOptions(CLI::App& app, WorldOptions& world, std::optional<int64_t>&
     add("--noise", world.noise, "PERCENT",
         "How far delays stray by chance; 7 at host points, 3 of others' own part when left out");
     add("--swing", world.swing, "PERCENT", "How far delays rise and fall with the day; 2 when left out");
+}
+
+// What is planted into graphs of which only their author knows the points.
+const char* ImpliedScenario(const WorldOptions& world) {
+    if (!world.faultPoint.empty()) {
+        return "slow-disk";
+    }
+    return world.errorPoint.empty() && world.errorType.empty() ? "healthy" : "error-burst";
 }
 
 }  // namespace
@@ -172,6 +184,9 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     }
     if (root.empty()) {
         throw cli::UsageError("--root DIR is missing");
+    }
+    if (!world.config.empty() && app.count("--scenario") == 0) {
+        world.scenario = ImpliedScenario(world);
     }
     if (const Scenario* scenario = FindScenario(world.scenario); app.count("--hours") == 0 && scenario) {
         world.hours = std::max(world.hours, scenario->minimumHours);

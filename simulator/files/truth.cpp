@@ -36,8 +36,14 @@ std::string ReadableTime(int64_t utc, int64_t zoneOffset) {
     return text;
 }
 
-std::string_view DetectorPoint(const PlantedFault& fault) {
+// The point at the top of all that wait for the fault.
+std::string_view TopPoint(const PlantedFault& fault) {
     return fault.path.front().points.front();
+}
+
+// Whether that is one at which hosts enter.
+bool IsSeenByHosts(const PlantedFault& fault) {
+    return !IsError(fault) && IsEntered(fault.recipe.graph);
 }
 
 // The points from top to bottom; one that hands over to a graph of its own name is there once.
@@ -57,19 +63,25 @@ Json::Value PathValue(const GraphPath& path) {
 Json::Value WalkValue(const Topology& topology, const GraphPath& path) {
     Json::Value value(Json::arrayValue);
     for (const GraphStretch& stretch : path) {
-        Json::Value& part = value.append(Json::Value(Json::objectValue));
+        Json::Value part(Json::objectValue);
         part["graph"] = std::string(stretch.graph);
         for (const std::string_view point : stretch.points) {
             if (!topology.Points()[topology.IndexOf(point)].IsObservation()) {
                 part["points"].append(std::string(point));
             }
         }
+        if (part.isMember("points")) {
+            value.append(part);
+        }
     }
     return value;
 }
 
-// Where a walk ends.
+// Where a walk ends; null where it has no point.
 Json::Value LastPoint(const Json::Value& walk) {
+    if (walk.empty()) {
+        return {};
+    }
     const Json::Value& points = walk[walk.size() - 1]["points"];
     return points[points.size() - 1];
 }
@@ -106,16 +118,17 @@ Json::Value FaultValue(const WorldOptions& options, const Topology& topology, co
     Json::Value value = PlantedValue(options, topology, plan, fault);
     value["walk"] = Json::Value();
     value["answer"] = Json::Value();
-    if (IsError(fault) ? BeginsErrorWalk(fault.recipe.graph) : fault.recipe.isWalked) {
+    if (IsError(fault) ? IsEntered(fault.recipe.graph) : fault.recipe.isWalked) {
         value["walk"] = WalkValue(topology, fault.path);
         value["answer"] = LastPoint(value["walk"]);
     }
-    value["detector_point"] = IsError(fault) ? Json::Value() : Json::Value(std::string(DetectorPoint(fault)));
+    const bool isSeen = IsSeenByHosts(fault);
+    value["detector_point"] = isSeen ? Json::Value(std::string(TopPoint(fault))) : Json::Value();
     if (IsError(fault)) {
         value["error_type"] = std::string(ERROR_TYPES[static_cast<size_t>(fault.recipe.errorColumn)]);
         value["error_column"] = "errCode" + std::to_string(fault.recipe.errorColumn);
     }
-    value["flagged"] = IsError(fault) ? Json::Value() : Json::Value(peak.StandsOut());
+    value["flagged"] = IsError(fault) ? Json::Value() : Json::Value(isSeen && peak.StandsOut());
     value["peak_epoch"] = Json::Int64{peak.Time()};
     value["peak_local"] = ReadableTime(peak.Time(), options.zoneOffset);
     value["peak_compact"] = CompactTime(peak.Time(), options.zoneOffset);
@@ -132,7 +145,7 @@ std::vector<const PlantedFault*> LargestFirst(const Topology& topology, const Pl
             faults.push_back(&fault);
         }
     }
-    const size_t seen = topology.IndexOf(DetectorPoint(first));
+    const size_t seen = topology.IndexOf(TopPoint(first));
     const auto delay = [seen](const PlantedFault* fault) {
         return std::accumulate(fault->added[seen].begin(), fault->added[seen].end(), 0.0);
     };
@@ -151,7 +164,9 @@ Json::Value ExplanationValue(const Topology& topology, const Plan& plan) {
     value["points"] = Json::Value(Json::arrayValue);
     if (value["verdict"] == "point") {
         for (const PlantedFault* fault : LargestFirst(topology, plan)) {
-            value["points"].append(LastPoint(WalkValue(topology, fault->path)));
+            if (const Json::Value point = LastPoint(WalkValue(topology, fault->path)); !point.isNull()) {
+                value["points"].append(point);
+            }
             if (!fault->recipe.twin.empty()) {
                 value["points"].append(std::string(fault->recipe.twin));
             }
@@ -174,7 +189,7 @@ Json::Value EventValue(const HealEvent& event) {
 
 PeakFinder::PeakFinder(const Topology& topology, const Plan& worldPlan) : plan(worldPlan) {
     if (const PlantedFault* fault = plan.Fault()) {
-        watched = topology.IndexOf(IsError(*fault) ? fault->recipe.point : DetectorPoint(*fault));
+        watched = topology.IndexOf(IsError(*fault) ? fault->recipe.point : TopPoint(*fault));
     }
 }
 

@@ -11,6 +11,28 @@ namespace lumosim {
 // FLOW graphs carry delays, ERRCODE graphs carry error counts, FACTOR graphs list a module's points.
 enum class GraphFamily { FLOW, ERRCODE, FACTOR };
 
+// A graph in which commands begin, and the point at which they enter.
+struct EnteredGraph {
+    std::string_view graph, point;
+    GraphFamily family;
+};
+
+// Those of a family in the order in which they are looked at.
+constexpr EnteredGraph ENTERED_GRAPHS[] = {
+    {"SAN_IO_READ", "TGT_LUMO_HOST_READ", GraphFamily::FLOW},
+    {"SAN_IO_WRITE", "TGT_LUMO_HOST_WRITE", GraphFamily::FLOW},
+    {"SAN_IO_CMD", "TGT_LUMO_HOST_CMD", GraphFamily::FLOW},
+    {"NAS_IO_NFSV3", "NAS_TRANS_ALL", GraphFamily::FLOW},
+    {"NAS_IO_NFSV4", "NAS_TRANS_ALL", GraphFamily::FLOW},
+    {"NAS_IO_SMB2", "NAS_TRANS_ALL", GraphFamily::FLOW},
+    {"ERRCODE_SAN_PROTO", "TGT_IO_ERRCODE_COMMON", GraphFamily::ERRCODE},
+    {"ERRCODE_NAS_PROTO", "NAS_QELMAR_IO_COMMON", GraphFamily::ERRCODE},
+    {"ERRCODE_SMB", "SMB_AUTHTICATE_LOGON_FAILURE", GraphFamily::ERRCODE},
+};
+
+// Whether commands begin in the graph.
+bool IsEntered(std::string_view graph);
+
 // What a node is besides a point: where the walk goes on below it, and how an error-code graph counts it.
 struct NodeRole {
     std::string_view subGraph = {};  // the graph that continues below the node; empty: none

@@ -1,7 +1,6 @@
 #include "simulator/graphs/topology.h"
 
 #include <algorithm>
-#include <functional>
 #include <numeric>
 #include <set>
 #include <stdexcept>
@@ -23,17 +22,25 @@ int FindNode(const Graph& graph, std::string_view label) {
 std::vector<size_t> ChildrenFirst(const std::vector<std::vector<size_t>>& children) {
     std::vector<size_t> order;
     std::vector<bool> seen(children.size());
+    std::vector<std::pair<size_t, size_t>> way;  // point, its next child; graphs may be of any depth
     // Marked before its children: a circle ends where it closes.
-    const std::function<void(size_t)> visit = [&](size_t point) {
-        if (seen[point]) {
-            return;
+    const auto enter = [&](size_t point) {
+        if (!seen[point]) {
+            seen[point] = true;
+            way.emplace_back(point, 0);
         }
-        seen[point] = true;
-        std::for_each(children[point].begin(), children[point].end(), visit);
-        order.push_back(point);
     };
-    for (size_t point = 0; point < children.size(); ++point) {
-        visit(point);
+    for (size_t first = 0; first < children.size(); ++first) {
+        enter(first);
+        while (!way.empty()) {
+            const size_t point = way.back().first;
+            if (way.back().second < children[point].size()) {
+                enter(children[point][way.back().second++]);
+            } else {
+                order.push_back(point);
+                way.pop_back();
+            }
+        }
     }
     return order;
 }
@@ -54,6 +61,22 @@ void OpenCircles(Dependencies& dependencies) {
 
 }  // namespace
 
+bool IsEntered(std::string_view graph) {
+    return std::any_of(std::begin(ENTERED_GRAPHS), std::end(ENTERED_GRAPHS),
+                       [graph](const EnteredGraph& entered) { return entered.graph == graph; });
+}
+
+std::vector<bool> AllBelow(const Dependencies& dependencies, size_t point) {
+    std::vector<bool> isBelow(dependencies.children.size());
+    isBelow[point] = true;
+    std::for_each(dependencies.childrenFirst.rbegin(), dependencies.childrenFirst.rend(), [&](size_t parent) {
+        for (const size_t child : dependencies.children[parent]) {
+            isBelow[child] = isBelow[child] || isBelow[parent];
+        }
+    });
+    return isBelow;
+}
+
 std::vector<GraphTable> AllGraphs() {
     std::vector<GraphTable> all;
     for (const auto& family : {SanFlowGraphs, NasFlowGraphs, PoolFlowGraphs, SanErrorGraphs, NasErrorGraphs,
@@ -67,6 +90,26 @@ std::vector<GraphTable> AllGraphs() {
 Topology::Topology(const std::vector<GraphTable>& tables) {
     for (const GraphTable& table : tables) {
         AddTable(table);
+    }
+    Connect();
+}
+
+Topology::Topology(ConfigGraphs config)
+    : graphs(std::move(config.graphs)), points(std::move(config.points)), texts(std::move(config.texts)) {
+    for (size_t i = 0; i < graphs.size(); ++i) {
+        graphIndex.emplace(graphs[i].name, i);
+    }
+    for (size_t i = 0; i < points.size(); ++i) {
+        pointIndex.emplace(points[i].name, i);
+    }
+    Connect();
+}
+
+void Topology::Connect() {
+    for (Graph& graph : graphs) {
+        for (const GraphEdge& edge : graph.edges) {
+            graph.nodes[static_cast<size_t>(edge.source) - 1].children.push_back(edge.target);
+        }
     }
     FindErrorCounters();
     flow = Depend(GraphFamily::FLOW);
@@ -140,6 +183,7 @@ Dependencies Topology::Depend(GraphFamily family) const {
     Dependencies result;
     result.children.resize(points.size());
     result.hasParent.resize(points.size());
+    std::set<std::pair<size_t, size_t>> known;
     const auto add = [&](std::string_view parentName, std::string_view childName) {
         size_t parent = IndexOf(parentName);
         size_t child = IndexOf(childName);
@@ -147,9 +191,8 @@ Dependencies Topology::Depend(GraphFamily family) const {
             parent = errorCounter[parent];
             child = errorCounter[child];
         }
-        auto& known = result.children[parent];
-        if (parent != child && std::find(known.begin(), known.end(), child) == known.end()) {
-            known.push_back(child);
+        if (parent != child && known.emplace(parent, child).second) {
+            result.children[parent].push_back(child);
         }
     };
     for (const Graph& graph : graphs) {
@@ -161,7 +204,8 @@ Dependencies Topology::Depend(GraphFamily family) const {
         }
         for (const GraphNode& node : graph.nodes) {
             if (!node.role.subGraph.empty()) {
-                add(node.label, GraphOf(node.role.subGraph).nodes.front().label);
+                const Graph& below = GraphOf(node.role.subGraph);
+                add(node.label, below.NodeOf(below.root).label);
             }
         }
     }
@@ -175,37 +219,61 @@ Dependencies Topology::Depend(GraphFamily family) const {
 }
 
 GraphPath Topology::FindPath(std::string_view start, std::string_view point) const {
-    std::set<std::pair<const Graph*, int>> seen;
-    GraphPath path;
-    const std::function<bool(const Graph&, int)> descend = [&](const Graph& graph, int id) {
-        if (!seen.insert({&graph, id}).second) {
-            return false;
-        }
-        const GraphNode& node = graph.NodeOf(id);
-        const bool isEntered = path.empty() || path.back().graph != graph.name;
-        if (isEntered) {
-            path.push_back({graph.name, {}});
-        }
-        path.back().points.push_back(node.label);
-        if (node.label == point) {
-            return true;
-        }
-        for (const GraphEdge& edge : graph.edges) {
-            if (edge.source == id && descend(graph, edge.target)) {
-                return true;
-            }
-        }
-        if (!node.role.subGraph.empty() && descend(GraphOf(node.role.subGraph), 1)) {
-            return true;
-        }
-        path.back().points.pop_back();
-        if (isEntered) {
-            path.pop_back();
-        }
-        return false;
+    struct Step {
+        const Graph* graph;
+        const GraphNode* node;
+        size_t next = 0;  // of the node's children, or the graph below it
     };
-    descend(GraphOf(start), 1);
+    std::set<const GraphNode*> seen;
+    std::vector<Step> way;
+    const auto enter = [&](const Graph& graph, int id) {
+        const GraphNode& node = graph.NodeOf(id);
+        if (seen.insert(&node).second) {
+            way.push_back({&graph, &node});
+        }
+    };
+    for (enter(GraphOf(start), GraphOf(start).entry); !way.empty() && way.back().node->label != point;) {
+        const auto [graph, node, next] = way.back();
+        ++way.back().next;
+        if (next < node->children.size()) {
+            enter(*graph, node->children[next]);
+        } else if (next == node->children.size() && !node->role.subGraph.empty()) {
+            enter(GraphOf(node->role.subGraph), GraphOf(node->role.subGraph).root);
+        } else {
+            way.pop_back();
+        }
+    }
+    GraphPath path;
+    for (const Step& step : way) {
+        if (path.empty() || path.back().graph != step.graph->name) {
+            path.push_back({step.graph->name, {}});
+        }
+        path.back().points.push_back(step.node->label);
+    }
     return path;
+}
+
+std::vector<std::string_view> Topology::GraphsAbove(GraphFamily family, std::string_view point) const {
+    std::vector<std::string_view> names;
+    for (const EnteredGraph& entered : ENTERED_GRAPHS) {
+        if (graphIndex.count(entered.graph) > 0) {
+            names.push_back(entered.graph);
+        }
+    }
+    std::transform(graphs.begin(), graphs.end(), std::back_inserter(names),
+                   [](const Graph& graph) { return graph.name; });
+    names.erase(std::remove_if(names.begin(), names.end(),
+                               [&](std::string_view name) {
+                                   return GraphOf(name).family != family || FindPath(name, point).empty();
+                               }),
+                names.end());
+    return names;
+}
+
+std::string_view Topology::GraphWith(std::string_view point) const {
+    const auto graph = std::find_if(graphs.begin(), graphs.end(),
+                                    [&](const Graph& one) { return FindNode(one, point) != 0; });
+    return graph != graphs.end() ? graph->name : std::string_view();
 }
 
 }  // namespace lumosim

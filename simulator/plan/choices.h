@@ -17,11 +17,9 @@ constexpr std::array<std::string_view, 3> ERROR_TYPES = {"IOERROR", "IORETRY", "
 // cli::UsageError when the scenario plants no errors, and for a type or a point that does not exist.
 void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenario& scenario);
 
-// Whether operators are shown walks by error counts that begin in the graph.
-bool BeginsErrorWalk(std::string_view graph);
-
 // Changes the scenario's faults, and how far delays stray, to what the options name, if anything. Throws
-// cli::UsageError when the scenario plants nothing of that kind.
+// cli::UsageError when the scenario plants nothing of that kind, and when a point, a graph or a way of it is
+// not in the configuration that the options name.
 void ChooseFaults(const WorldOptions& options, const Topology& topology, Scenario& scenario);
 
 }  // namespace lumosim

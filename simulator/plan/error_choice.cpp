@@ -8,9 +8,6 @@
 namespace lumosim {
 namespace {
 
-constexpr std::array<std::string_view, 3> WALKED_GRAPHS = {"ERRCODE_SAN_PROTO", "ERRCODE_NAS_PROTO",
-                                                           "ERRCODE_SMB"};
-
 int ColumnOf(const std::string& type) {
     const auto place = std::find(ERROR_TYPES.begin(), ERROR_TYPES.end(), type);
     if (place == ERROR_TYPES.end()) {
@@ -19,23 +16,12 @@ int ColumnOf(const std::string& type) {
     return static_cast<int>(place - ERROR_TYPES.begin());
 }
 
-// The graphs in which a way to a point may begin, those that are shown first.
-std::vector<std::string_view> FirstGraphs(const Topology& topology) {
-    std::vector<std::string_view> graphs(WALKED_GRAPHS.begin(), WALKED_GRAPHS.end());
-    for (const Graph& graph : topology.Graphs()) {
-        if (graph.family == GraphFamily::ERRCODE) {
-            graphs.push_back(graph.name);
-        }
-    }
-    return graphs;
-}
-
 std::vector<std::string> ErrorPoints(const Topology& topology) {
     std::set<std::string> names;
     for (const Graph& graph : topology.Graphs()) {
         for (const GraphNode& node : graph.nodes) {
-            if (graph.family == GraphFamily::ERRCODE &&
-                !topology.Points()[topology.IndexOf(node.label)].IsGroup()) {
+            const Point& point = topology.Points()[topology.IndexOf(node.label)];
+            if (graph.family == GraphFamily::ERRCODE && !point.IsGroup() && !point.IsObservation()) {
                 names.insert(std::string(node.label));
             }
         }
@@ -48,10 +34,8 @@ void MoveTo(const std::string& point, const Topology& topology, FaultRecipe& fau
     if (!std::binary_search(points.begin(), points.end(), point)) {
         throw cli::UsageError(NoSuchName("point with errors", point, points));
     }
-    const std::vector<std::string_view> graphs = FirstGraphs(topology);
-    fault.graph = *std::find_if(graphs.begin(), graphs.end(), [&](std::string_view graph) {
-        return !topology.FindPath(graph, point).empty();
-    });
+    const std::vector<std::string_view> graphs = topology.GraphsAbove(GraphFamily::ERRCODE, point);
+    fault.graph = graphs.empty() ? std::string_view() : graphs.front();
     fault.point = topology.Points()[topology.IndexOf(point)].name;
 }
 
@@ -72,10 +56,6 @@ void ChooseErrors(const WorldOptions& options, const Topology& topology, Scenari
     if (!options.errorPoint.empty()) {
         MoveTo(options.errorPoint, topology, fault);
     }
-}
-
-bool BeginsErrorWalk(std::string_view graph) {
-    return std::find(WALKED_GRAPHS.begin(), WALKED_GRAPHS.end(), graph) != WALKED_GRAPHS.end();
 }
 
 }  // namespace lumosim

@@ -1,6 +1,7 @@
 #include "simulator/plan/levels.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "simulator/plan/noise.h"
 
@@ -31,9 +32,22 @@ double Fixed(uint64_t hash, double low, double high) {
     return low + (high - low) * Noise::Unit(hash);
 }
 
-}  // namespace
+// A graph that is deeper loses as much of its requests on the way down as one of this depth.
+constexpr double USUAL_DEPTH = 8;
 
-Levels UsualLevels(const Topology& topology) {
+// How many edges the longest way down has.
+double DepthOf(const Dependencies& flow) {
+    std::vector<double> below(flow.children.size());
+    for (const size_t point : flow.childrenFirst) {
+        for (const size_t child : flow.children[point]) {
+            below[point] = std::max(below[point], below[child] + 1);
+        }
+    }
+    return below.empty() ? 0 : *std::max_element(below.begin(), below.end());
+}
+
+// What is each point's own, and which share of its requests reaches each child.
+Levels OwnLevels(const Topology& topology) {
     const std::vector<Point>& points = topology.Points();
     const Dependencies& flow = topology.Flow();
     Levels levels;
@@ -47,6 +61,13 @@ Levels UsualLevels(const Topology& topology) {
             levels.share[point].push_back(Fixed(hash ^ Noise::Hash(points[child].name), 0.6, 0.9));
         }
     }
+    return levels;
+}
+
+// Spreads requests down and delays up.
+Levels Spread(Levels levels, const Topology& topology) {
+    const std::vector<Point>& points = topology.Points();
+    const Dependencies& flow = topology.Flow();
     levels.usualDelay = levels.ownDelay;
     for (const size_t point : flow.childrenFirst) {
         for (size_t i = 0; i < flow.children[point].size(); ++i) {
@@ -64,6 +85,30 @@ Levels UsualLevels(const Topology& topology) {
         }
     }
     return levels;
+}
+
+}  // namespace
+
+Levels UsualLevels(const Topology& topology) {
+    return Spread(OwnLevels(topology), topology);
+}
+
+Levels EvenLevels(const Topology& topology) {
+    const Dependencies& flow = topology.Flow();
+    Levels levels = OwnLevels(topology);
+    std::vector<double> parents(flow.children.size());
+    for (const auto& children : flow.children) {
+        std::for_each(children.begin(), children.end(), [&](size_t child) { ++parents[child]; });
+    }
+    const double loss = std::min(1.0, USUAL_DEPTH / std::max(1.0, DepthOf(flow)));
+    levels.lateShare *= loss;
+    for (size_t point = 0; point < flow.children.size(); ++point) {
+        for (size_t i = 0; i < flow.children[point].size(); ++i) {
+            double& share = levels.share[point][i];
+            share = (1 - loss * (1 - share)) / parents[flow.children[point][i]];
+        }
+    }
+    return Spread(std::move(levels), topology);
 }
 
 }  // namespace lumosim

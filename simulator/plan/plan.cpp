@@ -11,8 +11,6 @@ namespace {
 constexpr int64_t FAULT_SECONDS = 120;
 constexpr int64_t FAULT_MINIMUM_SAMPLES = 2;
 constexpr int64_t ECHO_SAMPLES = 6;  // after the fault has ended at the point itself
-// A request that takes long is counted by whoever waits for it, and by some of them in the next interval.
-constexpr double LATE_SHARE = 0.25;
 // Of a child's errors, some are mended by its parent.
 constexpr double ERROR_SHARE = 0.9;
 constexpr int64_t QUIET_SECONDS = 480;  // around a fault
@@ -48,9 +46,16 @@ double WorstAt(const PlantedFault& fault, size_t point) {
     return *std::max_element(fault.added[point].begin(), fault.added[point].end());
 }
 
+GraphPath PathOf(const FaultRecipe& recipe, const Topology& topology) {
+    if (recipe.graph.empty()) {
+        return {{topology.GraphWith(recipe.point), {recipe.point}}};
+    }
+    return topology.FindPath(recipe.graph, recipe.point);
+}
+
 // Adds to every point what its children have, times the share that reaches it, part of it a sample later.
 template <typename Share>
-void SpreadToParents(const Dependencies& dependencies, Share share,
+void SpreadToParents(const Dependencies& dependencies, double late, Share share,
                      std::vector<std::vector<double>>& series) {
     for (const size_t parent : dependencies.childrenFirst) {
         for (size_t i = 0; i < dependencies.children[parent].size(); ++i) {
@@ -61,23 +66,11 @@ void SpreadToParents(const Dependencies& dependencies, Share share,
             series[parent].resize(child.size());
             double before = 0;
             for (size_t k = 0; k < child.size(); ++k) {
-                series[parent][k] += share(parent, i) * ((1 - LATE_SHARE) * child[k] + LATE_SHARE * before);
+                series[parent][k] += share(parent, i) * ((1 - late) * child[k] + late * before);
                 before = child[k];
             }
         }
     }
-}
-
-// The point and all points below it.
-std::vector<bool> AllBelow(const Dependencies& dependencies, size_t point) {
-    std::vector<bool> isBelow(dependencies.children.size());
-    isBelow[point] = true;
-    std::for_each(dependencies.childrenFirst.rbegin(), dependencies.childrenFirst.rend(), [&](size_t parent) {
-        for (const size_t child : dependencies.children[parent]) {
-            isBelow[child] = isBelow[child] || isBelow[parent];
-        }
-    });
-    return isBelow;
 }
 
 }  // namespace
@@ -157,7 +150,7 @@ std::vector<double> Plan::PlaceBursts(PlantedFault& fault) const {
 
 // The fault as the point itself has it.
 PlantedFault Plan::Place(const FaultRecipe& recipe, const Topology& topology) const {
-    PlantedFault fault{recipe, topology.FindPath(recipe.graph, recipe.point), {}, 0, 0, {}};
+    PlantedFault fault{recipe, PathOf(recipe, topology), {}, 0, 0, {}};
     if (fault.path.empty()) {
         throw std::logic_error("no way from " + std::string(recipe.graph) + " to " +
                                std::string(recipe.point));
@@ -180,8 +173,8 @@ void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& 
         case FaultKind::DELAY:
             Scale(own, levels.usualDelay[point]);
             SpreadToParents(
-                topology.Flow(), [&](size_t parent, size_t i) { return levels.share[parent][i]; },
-                fault.added);
+                topology.Flow(), levels.lateShare,
+                [&](size_t parent, size_t i) { return levels.share[parent][i]; }, fault.added);
             break;
         case FaultKind::ERROR: {
             const size_t counter = topology.ErrorCounterOf(point);
@@ -189,7 +182,7 @@ void Plan::Spread(const Topology& topology, const Levels& levels, PlantedFault& 
             std::swap(own, fault.added[counter]);
             ClearErrorWalk(counter, topology);
             SpreadToParents(
-                topology.Errors(), [](size_t, size_t) { return ERROR_SHARE; }, fault.added);
+                topology.Errors(), levels.lateShare, [](size_t, size_t) { return ERROR_SHARE; }, fault.added);
             break;
         }
         case FaultKind::LOAD: {
@@ -217,6 +210,10 @@ void Plan::FitToHosts(const Topology& topology, const Levels& levels) {
             Scale(fault, unit);
         }
         if (fault.recipe.againstFirst > 0) {
+            if (fault.added[host].empty()) {
+                throw cli::UsageError("--second-fault: hosts do not see the second fault at " +
+                                      std::string(topology.Points()[host].name));
+            }
             Scale(fault, fault.recipe.againstFirst * WorstAt(faults.front(), host) / WorstAt(fault, host));
         }
     }
@@ -232,7 +229,7 @@ void Plan::ClearErrorWalk(size_t point, const Topology& topology) {
     }
     for (const Graph& graph : topology.Graphs()) {
         for (const GraphNode& node : graph.nodes) {
-            if (node.role.attr == FOLLOW.attr) {
+            if (node.role.attr.find("follow") != std::string_view::npos) {
                 usualErrors[topology.IndexOf(node.label)] = 0;
             }
         }

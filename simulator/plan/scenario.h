@@ -36,7 +36,8 @@ struct FaultCourse {
     int64_t before = 0;  // seconds before the first fault at which it begins; 0: as the share says
 };
 
-// A fault at `point`, below the first node of `graph` (hand-overs included).
+// A fault at `point`, below where `graph` is entered (hand-overs included); empty: nobody waits for the
+// point.
 struct FaultRecipe {
     FaultKind kind;
     std::string_view graph;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "simulator/graphs/config_graphs.h"
 #include "simulator/plan/choices.h"
 
 namespace lumosim {
@@ -12,10 +13,31 @@ const WorldOptions& Checked(const WorldOptions& options) {
     return options;
 }
 
-std::vector<GraphTable> GraphsOf(const Scenario& scenario) {
+// Throws cli::UsageError in the configuration's name.
+template <typename Read>
+auto ReadConfig(const WorldOptions& options, const Read& read) {
+    try {
+        return read();
+    } catch (const ConfigError& error) {
+        throw cli::UsageError(options.config.string() + ": " + error.what());
+    }
+}
+
+std::optional<std::string> ConfigOf(const WorldOptions& options) {
+    if (options.config.empty()) {
+        return std::nullopt;
+    }
+    return ReadConfig(options, [&] { return ConfigFileText(options.config); });
+}
+
+Topology TopologyOf(const WorldOptions& options, const std::optional<std::string>& config) {
+    if (config) {
+        return ReadConfig(options, [&] { return Topology(ReadConfigGraphs(*config)); });
+    }
     std::vector<GraphTable> tables = AllGraphs();
+    const Scenario& scenario = *FindScenario(options.scenario);
     tables.insert(tables.end(), scenario.graphs.begin(), scenario.graphs.end());
-    return tables;
+    return Topology(tables);
 }
 
 Scenario ScenarioOf(const WorldOptions& options, const Topology& topology) {
@@ -29,10 +51,11 @@ Scenario ScenarioOf(const WorldOptions& options, const Topology& topology) {
 
 WorldModel::WorldModel(const WorldOptions& worldOptions)
     : options(Checked(worldOptions)),
-      topology(GraphsOf(*FindScenario(options.scenario))),
+      config(ConfigOf(options)),
+      topology(TopologyOf(options, config)),
       scenario(ScenarioOf(options, topology)),
       noise(options.seed),
-      levels(UsualLevels(topology)),
+      levels(config ? EvenLevels(topology) : UsualLevels(topology)),
       plan(options, scenario, topology, levels, noise),
       source(options, scenario.variation, topology, levels, plan, noise) {}
 

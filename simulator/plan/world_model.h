@@ -1,6 +1,9 @@
 // What is the same for all files of a world: points, graphs, and the samples of any time.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "simulator/graphs/topology.h"
 #include "simulator/plan/levels.h"
 #include "simulator/plan/noise.h"
@@ -22,6 +25,7 @@ struct WorldModel {
     size_t PointCount() const;
 
     const WorldOptions options;
+    const std::optional<std::string> config;  // the text of the configuration that the options name
     const Topology topology;
     const Scenario scenario;  // with the errors that the options choose
     const Noise noise;

@@ -29,6 +29,9 @@ struct WorldOptions {
     int64_t step = 30;       // seconds between two samples of a point
     int64_t end = 0;         // UTC; the first sample lies `hours` before, the last one `step` before
     int64_t zoneOffset = 0;  // seconds east of UTC, whole hours
+    // A route configuration, whose graphs the world has instead of the simulator's own; empty: none.
+    std::filesystem::path config = {};
+    std::string faultPoint = {};  // where the first fault is planted; empty: as the scenario has it
     // The type of the errors to plant, and the point; empty: as the scenario has it.
     std::string errorType = {}, errorPoint = {};
     int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds

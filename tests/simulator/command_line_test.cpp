@@ -57,11 +57,23 @@ TEST(CommandLineTest, AnswersWithoutWritingAWorld) {
         {"--root blocked", 1, "blocked/VRA"},
         {"--root evidence", 2, "there is no evidence/truth.json; --force replaces it"},
         {"--hours 1 --root $(printf '\\033')", 0, "the truth is in \\x1b/truth.json"},
+        {"--root w --config chain --fault-point MY_C", 2, "there is no point \"MY_C\"; did you mean MY_B?"},
+        {"--root w --config chain --scenario slow-disk", 2,
+         "does not fit chain: it needs the point BDM_DISK_READ"},
+        {"--root w --config chain --scenario shared-disk", 2, "it changes graphs of lumo-sim's own"},
+        {"--root w --config chain --error-type IOERROR", 2, "needs the point BDM_DISK_MEDIUM_ERROR"},
+        {"--root w --config blocked", 2, "blocked: cannot be read"},
+        {"--root w --scenario two-faults --fault-point FS_INODE_GET --second-fault 1", 2, "hosts do not see"},
+        {"--root 'a chain' --hours 1 --config chain --fault-point MY_B", 0,
+         "slow-disk at MY_B: 2 points, 240 rows"},
+        {"--root 'a chain' --hours 1 --config chain", 0, "healthy: 2 points, 240 rows"},
         {"--root w --live --for -9223372036854775808 --speed 2", 2, "--for must be from 1 to 31622400"},
     };
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path / "blocked");
     std::ofstream(folder.path / "blocked" / "VRA") << "a file where a folder must be";
+    std::ofstream(folder.path / "chain") << R"({"SAN_IO_READ":{"nodes":[{"id":1,"label":"TGT_LUMO_HOST_READ"},
+        {"id":2,"label":"MY_B"}],"edges":[{"source":"1","target":"2"}]}})";
     std::filesystem::create_directories(folder.path / "evidence/VRA/data/zorv");
     std::filesystem::create_symlink("kept", (folder.path / "evidence").string() + ZORV_HEAL_DATABASE_FILE);
     for (const Case& one : cases) {
