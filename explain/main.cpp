@@ -5,7 +5,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <stdexcept>
 
@@ -66,25 +65,6 @@ void PrintAnswer(const std::string& text) {
     }
 }
 
-// Replaces a file, also one that a link stands for; a device, a pipe or the new file that a link leads to
-// takes the page as it is written.
-void WritePage(const std::string& path, const std::string& page) {
-    bool isWritten = false;
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored) ||
-        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
-        isWritten = ReplaceFile(std::filesystem::weakly_canonical(path), page);
-    } else {
-        std::ofstream stream(path, std::ios::binary);
-        stream << page;
-        stream.close();
-        isWritten = stream.good();
-    }
-    if (!isWritten) {
-        throw OutputError("the page '" + path + "' cannot be written: " + std::strerror(errno));
-    }
-}
-
 // Nothing that is read is written to, and nothing in a capture.
 void RefuseInputs(const Options& options) {
     std::error_code ignored;
@@ -115,7 +95,10 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
     try {
         PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
         if (options.html) {
-            WritePage(*options.html, HtmlReport(report));
+            if (!WriteFile(*options.html, HtmlReport(report))) {
+                throw OutputError("the page '" + *options.html +
+                                  "' cannot be written: " + std::strerror(errno));
+            }
         }
     } catch (const OutputError& error) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "agent/agent_storage.h"
+#include "text/shell_word.h"
 
 namespace explain {
 namespace {
@@ -46,20 +47,6 @@ std::string HashOf(const std::string& path) {
     return complete ? Hexadecimal(digest.data(), length) : std::string();
 }
 
-// As a shell takes it back.
-std::string Quoted(const std::string& word) {
-    static constexpr const char* PLAIN =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-+=:,./@%";
-    if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos) {
-        return word;
-    }
-    std::string quoted = "'";
-    for (const char letter : word) {
-        quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-    }
-    return quoted + "'";
-}
-
 }  // namespace
 
 Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& directory) {
@@ -70,7 +57,7 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& di
     stamp.configurationHash = HashOf(directory + ZORV_ROUTE_CONFIG_FILE);
     stamp.databaseHash = HashOf(directory + LUMO_DATABASE_FILE);
     for (const std::string& argument : arguments) {
-        stamp.command += (stamp.command.empty() ? "" : " ") + Quoted(argument);
+        stamp.command += (stamp.command.empty() ? "" : " ") + ShellWord(argument);
     }
     return stamp;
 }

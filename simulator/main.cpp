@@ -4,10 +4,10 @@
 #include <stdexcept>
 
 #include "cli/program.h"
+#include "cli/progress.h"
 #include "simulator/files/world.h"
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
-#include "simulator/progress.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 
@@ -17,12 +17,12 @@ namespace {
 enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1 };
 
 WorldSummary WriteWithProgress(const WorldOptions& options) {
-    TerminalProgress progress;
+    cli::TerminalProgress progress("writing the world");
     return WriteWorld(options, [&progress](double done) { progress.Show(done); });
 }
 
 void PlayWithEvents(const Request& request) {
-    std::optional<TerminalProgress> progress(std::in_place);
+    std::optional<cli::TerminalProgress> progress(std::in_place, "writing the world");
     const auto tell = [&](int64_t time, const std::string& event) {
         progress.reset();  // its line is there while the history is written, before any event
         std::printf("%s %s\n", CompactTime(time, request.world.zoneOffset).c_str(), Printable(event).c_str());

@@ -8,6 +8,7 @@
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 // In the units of the drawing, which is shown in about its own size on a wide screen.

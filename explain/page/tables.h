@@ -4,19 +4,19 @@
 #include <cstdint>
 
 #include "explain/analysis/analysis.h"
-#include "explain/page/markup.h"
 #include "explain/report.h"
+#include "page/markup.h"
 
 namespace explain {
 
 // The other events of the point that are only listed, the latest ones of many; empty where there is none.
-Markup EventTable(const Analysis& analysis, const Report& report);
+page::Markup EventTable(const Analysis& analysis, const Report& report);
 
 // For an answer.
-Markup RankingTable(const Analysis& analysis);
-Markup TrialTable(const Analysis& analysis);
+page::Markup RankingTable(const Analysis& analysis);
+page::Markup TrialTable(const Analysis& analysis);
 
 // What is known of each point: of those with a part at once, of the others behind a line to open.
-Markup EvidenceTables(const Analysis& analysis, int64_t zoneOffset);
+page::Markup EvidenceTables(const Analysis& analysis, int64_t zoneOffset);
 
 }  // namespace explain

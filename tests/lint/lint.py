@@ -30,6 +30,7 @@ ARROWS = {
                              "fault_switch"},
     "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
     "text": set(),
+    "page": {"text"},
     "cli": {"text"},
     "host/process": {"text"},
     "host/services": {"host/process", "text"},
@@ -43,11 +44,17 @@ ARROWS = {
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
 ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
-ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlation", "fault_json_object",
+ARROWS["explain/analysis"] = {"explain/finding", "text", "fault_common", "fault_correlation", "fault_json_object",
                               "fault_causality_graph", "fault_rootcause"}
-ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/finding", "text"}
+ARROWS["explain/text"] = {"explain", "explain/analysis", "explain/finding", "text"}
+ARROWS["explain/page"] = ARROWS["explain/text"] | {"page"}
 ARROWS["explain"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
+ARROWS["fleet/answers"] = {"text"}
+ARROWS["fleet/folding"] = {"fleet/answers", "explain/finding", "text"}
+ARROWS["fleet/collecting"] = {"fleet/answers", "host/process", "text"}
+ARROWS["fleet/reports"] = {"fleet/folding", "fleet/answers", "page", "text"}
+ARROWS["fleet"] = {unit for unit in ARROWS if unit.startswith("fleet/")} | {"host/process", "host/capture", "cli", "text"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

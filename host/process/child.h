@@ -1,0 +1,36 @@
+// Programs that this one starts and waits for.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace zorv {
+// Where a child's streams lead: to this process's own when null, else what it prints is appended there.
+struct ChildStreams {
+    std::string* output = nullptr;
+    std::string* errors = nullptr;
+};
+
+struct ChildLimits {
+    std::chrono::milliseconds time{0};  // none when 0
+    size_t bytes = size_t{1} << 28;     // of either stream, when it is kept; the rest is read and left out
+};
+
+struct ChildEnd {
+    int status = 0;       // its exit status, unless a signal ended it
+    int signal = 0;       // 0: none
+    bool isLate = false;  // its time was over, and it was ended
+};
+
+// The program `name` in the directory of this one.
+std::string ProgramBeside(const std::string& name);
+
+// Runs `program`, which is looked for in PATH unless it has a slash, with the arguments and without standard
+// input, and waits for its end; it gets the terminal's signals. What is too late is ended by SIGTERM, and two
+// seconds later by SIGKILL. Throws std::runtime_error, with an operator's sentence, when it cannot be run.
+// Several threads may each have a child.
+ChildEnd RunChild(const std::string& program, const std::vector<std::string>& arguments,
+                  const ChildStreams& streams = {}, const ChildLimits& limits = {});
+}  // namespace zorv
