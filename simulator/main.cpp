@@ -5,7 +5,7 @@
 
 #include "cli/program.h"
 #include "cli/progress.h"
-#include "simulator/files/world.h"
+#include "simulator/files/fleet_world.h"
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
 #include "text/local_time.h"
@@ -16,9 +16,10 @@ namespace {
 
 enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1 };
 
-WorldSummary WriteWithProgress(const WorldOptions& options) {
+WorldSummary WriteWithProgress(const Request& request) {
     cli::TerminalProgress progress("writing the world");
-    return WriteWorld(options, [&progress](double done) { progress.Show(done); });
+    const auto show = [&progress](double done) { progress.Show(done); };
+    return request.fleet ? WriteFleet(request.world, *request.fleet, show) : WriteWorld(request.world, show);
 }
 
 void PlayWithEvents(const Request& request) {
@@ -47,7 +48,7 @@ void Run(int argc, char** argv) {
         PlayWithEvents(request);
         return;
     }
-    const WorldSummary summary = WriteWithProgress(request.world);
+    const WorldSummary summary = WriteWithProgress(request);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", request.world.scenario.c_str(),
                 summary.pointCount, summary.rowCount, Printable(summary.truthFile.string()).c_str());
 }

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "explain/page/figures.h"
-#include "explain/page/svg.h"
+#include "page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {

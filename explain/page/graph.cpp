@@ -4,7 +4,7 @@
 
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
-#include "explain/page/svg.h"
+#include "page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {
