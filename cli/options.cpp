@@ -29,10 +29,12 @@ void DeclareInputOptions(CLI::App& app, InputOptions& options) {
     CLI::Option* root =
         app.add_option("--root", options.root, "Directory that stands before every fixed path; default: none")
             ->type_name("DIR");
-    CLI::Option* capture = app.add_option("--capture", options.capture,
-                                          "The same for a copy of a node's files, which stays as it is")
-                               ->type_name("DIR")
-                               ->excludes(root);
+    CLI::Option* capture =
+        app.add_option(
+               "--capture", options.capture,
+               "The same for a copy of a node's files, a folder or a tar archive, which stays as it is")
+            ->type_name("FILE")
+            ->excludes(root);
     app.add_flag("--empty-heal", options.emptyHeal, "Do without the heal database that a capture lacks")
         ->needs(capture);
     app.add_option("--zone", options.zone,

@@ -16,8 +16,9 @@ public:
     // sentence, for a root or capture that cannot be used. Blocks on file I/O.
     explicit Input(const Options& options);
 
-    // The directory that was named, even if another stands for it; empty for the machine's own files.
-    const std::string& Directory() const { return directory; }
+    // The directory of the files, that of a capture even if another stands for it; empty for the machine's
+    // own files.
+    const std::string& Directory() const { return capture ? capture->Directory() : directory; }
 
     // Reads the configuration and opens the databases. Throws std::runtime_error, with an operator's
     // sentence, when one of them cannot be.

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <fstream>
 #include <set>
 #include <stdexcept>
 
@@ -77,25 +76,6 @@ void PrintAnswer(const std::string& text) {
     }
 }
 
-// Replaces a file, also one that a link stands for; a device, a pipe or the new file that a link leads to
-// takes the page as it is written.
-void WritePage(const std::string& path, const std::string& page) {
-    bool isWritten = false;
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored) ||
-        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
-        isWritten = ReplaceFile(std::filesystem::weakly_canonical(path), page);
-    } else {
-        std::ofstream stream(path, std::ios::binary);
-        stream << page;
-        stream.close();
-        isWritten = stream.good();
-    }
-    if (!isWritten) {
-        throw OutputError("the page '" + path + "' cannot be written: " + std::strerror(errno));
-    }
-}
-
 // Nothing that is read is written to, and nothing in a capture.
 void RefuseInputs(const Options& options) {
     std::error_code ignored;
@@ -144,8 +124,8 @@ int RunReport(const Options& options, const Report& report) {
     PrintAnswer(options.json       ? JsonReport(report)
                 : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
                                    : TextReport(report));
-    if (options.html) {
-        WritePage(*options.html, HtmlReport(report));
+    if (options.html && !WriteFile(*options.html, HtmlReport(report))) {
+        throw OutputError("the page '" + *options.html + "' cannot be written: " + std::strerror(errno));
     }
     return StatusOf(report);
 }

@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "agent/agent_storage.h"
+#include "text/shell_word.h"
 
 namespace explain {
 namespace {
@@ -46,26 +47,12 @@ std::string HashOf(const std::string& path) {
     return complete ? Hexadecimal(digest.data(), length) : std::string();
 }
 
-// As a shell takes it back.
-std::string Quoted(const std::string& word) {
-    static constexpr const char* PLAIN =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_-+=:,./@%";
-    if (!word.empty() && word.find_first_not_of(PLAIN) == std::string::npos) {
-        return word;
-    }
-    std::string quoted = "'";
-    for (const char letter : word) {
-        quoted += letter == '\'' ? "'\\''" : std::string(1, letter);
-    }
-    return quoted + "'";
-}
-
 }  // namespace
 
 std::string ShellLine(const std::vector<std::string>& words) {
     std::string line;
     for (const std::string& word : words) {
-        line += (line.empty() ? "" : " ") + Quoted(word);
+        line += (line.empty() ? "" : " ") + ShellWord(word);
     }
     return line;
 }

@@ -5,10 +5,10 @@
 
 #include "cli/options.h"
 #include "cli/program.h"
-#include "simulator/files/world.h"
+#include "cli/progress.h"
+#include "simulator/files/fleet_world.h"
 #include "simulator/live/live_world.h"
 #include "simulator/options.h"
-#include "simulator/progress.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 
@@ -17,13 +17,14 @@ namespace {
 
 enum ExitStatus { EXIT_WRITTEN = 0, EXIT_NOT_WRITTEN = 1 };
 
-WorldSummary WriteWithProgress(const WorldOptions& options) {
-    TerminalProgress progress;
-    return WriteWorld(options, [&progress](double done) { progress.Show(done); });
+WorldSummary WriteWithProgress(const Request& request) {
+    cli::TerminalProgress progress("writing the world");
+    const auto show = [&progress](double done) { progress.Show(done); };
+    return request.fleet ? WriteFleet(request.world, *request.fleet, show) : WriteWorld(request.world, show);
 }
 
 void PlayWithEvents(const Request& request) {
-    std::optional<TerminalProgress> progress(std::in_place);
+    std::optional<cli::TerminalProgress> progress(std::in_place, "writing the world");
     const auto tell = [&](int64_t time, const std::string& event) {
         progress.reset();  // its line is there while the history is written, before any event
         std::printf("%s %s\n", CompactTime(time, request.world.zoneOffset).c_str(), Printable(event).c_str());
@@ -54,7 +55,7 @@ void Run(int argc, char** argv) {
         PlayWithEvents(request);
         return;
     }
-    const WorldSummary summary = WriteWithProgress(request.world);
+    const WorldSummary summary = WriteWithProgress(request);
     std::printf("%s: %zu points, %zu rows; the truth is in %s\n", Printable(NameOf(request.world)).c_str(),
                 summary.pointCount, summary.rowCount, Printable(summary.truthFile.string()).c_str());
 }

@@ -30,6 +30,7 @@ constexpr char EXAMPLES[] =
     "  lumo-sim --root /tmp/world --scenario error-burst --error-type IORETRY  errors of another type\n"
     "  lumo-sim --root /tmp/world --scenario healthy --hours 48 --end 20230105143000  two days of 2023\n"
     "  lumo-sim --root /tmp/world --config my.json --fault-point MY_DISK  your own graphs, one point slow\n"
+    "  lumo-sim --root /tmp/fleet --fleet 8 --scenario nas-slow  eight nodes, one of them slow\n"
     "  lumo-sim --root /tmp/world --live --step 1  goes on, with samples every second\n"
     "  lumo-sim --root /tmp/world --live --speed 120 --for 1800 --fault-after 600  half an hour in 15 "
     "seconds\n"
@@ -164,8 +165,14 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     app.add_option("--end", end, "End of the range, local time, also as -30m; now when left out")
         ->type_name("YYYYMMDDhhmmss");
     app.add_flag("--list", list, "Lists the scenarios");
+    CLI::Option* fleet = app.add_option("--fleet", request.fleet,
+                                        "Worlds of so many nodes below DIR: one has the fault, others wait "
+                                        "for it, one is under load, one "
+                                        "broken, the rest healthy")
+                             ->type_name("N");
     AddFaultOptions(app, world, faultStart);
     LiveArguments live(app);
+    app.get_option("--live")->excludes(fleet);
     app.get_option("--fault-start")->excludes(app.get_option("--fault-after"));
     try {
         app.parse(argc, argv);

@@ -1,6 +1,7 @@
 // The command line of lumo-sim.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -15,6 +16,7 @@ struct Request {
     std::optional<std::string> text;
     WorldOptions world;
     std::optional<LiveOptions> live;
+    std::optional<int64_t> fleet;  // how many nodes, each with a world of its own
 };
 
 // Throws cli::UsageError when the command line makes no sense.

@@ -1,16 +1,11 @@
 #include "explain/finding/statistics.h"
 
 #include <algorithm>
-#include <cmath>
-#include <numeric>
 
 #include "fault_algorithm/fault_correlation.h"
 
 namespace explain {
 namespace {
-
-constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
-constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
 
 bool IsConstant(const FaultSeries& series) {
     return std::all_of(series.begin(), series.end(),
@@ -18,33 +13,6 @@ bool IsConstant(const FaultSeries& series) {
 }
 
 }  // namespace
-
-double MedianOf(std::vector<double>& values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    if (values.size() % 2 != 0) {
-        return *middle;
-    }
-    const double below = *std::max_element(values.begin(), middle);
-    return below + (*middle - below) / 2;
-}
-
-double MeanOf(const std::vector<double>& values) {
-    const auto count = static_cast<double>(values.size());
-    return std::accumulate(values.begin(), values.end(), 0.0) / count;
-}
-
-Usual UsualOf(std::vector<double> values) {
-    Usual usual;
-    usual.median = MedianOf(values);
-    for (double& value : values) {
-        value = std::fabs(value - usual.median);
-    }
-    const double scale =
-        std::max(MAD_TO_DEVIATION * MedianOf(values), MEDIAN_SHARE * std::fabs(usual.median));
-    usual.scale = scale > 0.0 ? scale : 1.0;
-    return usual;
-}
 
 Common CorrelationOf(const FaultSeries& a, const FaultSeries& b) {
     FaultSeries commonA;

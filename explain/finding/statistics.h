@@ -1,33 +1,13 @@
-// Robust statistics of short series. Any thread; nothing here is undefined for any finite input.
+// How two series go together. Any thread; nothing here is undefined for any finite input.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
-#include <vector>
 
+#include "explain/finding/usual.h"
 #include "fault_common/fault_series.h"
 
 namespace explain {
-
-// What is usual for a series, and how far from it a value must lie to be unusual.
-struct Usual {
-    double median = 0.0;
-    double scale = 1.0;  // always above 0
-
-    // How many scales `value` lies above the median.
-    double Deviations(double value) const { return (value - median) / scale; }
-};
-
-// The median, and the larger of two scales: 1.4826 median absolute deviations, which no event inflates that
-// fills less than half of the values, and 2 % of the median. A constant series of median 0 has the scale 1.
-// `values` must not be empty.
-Usual UsualOf(std::vector<double> values);
-
-// The middle value, or the mean of the two middle ones. `values` must not be empty.
-double MedianOf(std::vector<double>& values);
-
-double MeanOf(const std::vector<double>& values);
 
 // The fewest times that make a correlation.
 constexpr size_t FEWEST_COMMON = 3;

@@ -3,7 +3,7 @@
 #include "explain/overview.h"
 #include "explain/overview/picture.h"
 #include "explain/report.h"
-#include "explain/text/layout.h"
+#include "text/layout.h"
 #include "text/colours.h"
 #include "text/printable.h"
 

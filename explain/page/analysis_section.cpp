@@ -10,6 +10,7 @@
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 constexpr size_t SERIES_MOST = 8;    // of a way

@@ -5,10 +5,11 @@
 #include <cmath>
 
 #include "explain/page/figures.h"
-#include "explain/page/svg.h"
+#include "page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 // In the units of the drawing, which is shown in about its own size on a wide screen.

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "explain/analysis/analysis.h"
-#include "explain/page/markup.h"
+#include "page/markup.h"
 
 namespace explain {
 
@@ -27,19 +27,19 @@ struct SeriesFrame {
 // An SVG of the delays, or counts, of the point `name`, `id` telling it from others on the page; a line at
 // `usual`, the median of its baseline. Of long series about 600 samples are drawn, every peak among them. A
 // narrow one has the width of a telephone.
-Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
+page::Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
                      const SeriesFrame& frame, const std::string& id, bool isNarrow);
 
 // The same with its name, once for wide screens and once for narrow ones.
-Markup SeriesFigure(const std::string& point, const Samples& samples, const std::optional<double>& usual,
+page::Markup SeriesFigure(const std::string& point, const Samples& samples, const std::optional<double>& usual,
                     const SeriesFrame& frame, const std::string& id);
 
 // An SVG of the graph below the point, where the extra delay flows; `number` tells it from others on the
 // page. The width of a line is the share that flows along it. `analysis` must have an answer.
-Markup GraphDrawing(const Analysis& analysis, size_t number);
+page::Markup GraphDrawing(const Analysis& analysis, size_t number);
 
 // The same for a screen that is too narrow for the drawing: the points that take part, under those through
 // which their delay comes, with their shares as text and as lengths.
-Markup FlowList(const Analysis& analysis);
+page::Markup FlowList(const Analysis& analysis);
 
 }  // namespace explain

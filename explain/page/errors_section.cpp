@@ -9,6 +9,7 @@
 #include "explain/wording_errors.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 constexpr size_t MOST_POINTS = 20;

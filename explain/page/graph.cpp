@@ -4,10 +4,11 @@
 
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
-#include "explain/page/svg.h"
+#include "page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 // In the units of the drawing, which is shown in about its own size on a wide screen.

@@ -7,6 +7,7 @@
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 constexpr size_t BARS = 160;

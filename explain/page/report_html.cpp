@@ -4,13 +4,14 @@
 #include "explain/page/analysis_section.h"
 #include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
-#include "explain/page/markup.h"
 #include "explain/page/overview_section.h"
-#include "explain/page/style.h"
 #include "explain/report.h"
 #include "explain/wording_errors.h"
+#include "page/document.h"
+#include "page/markup.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 std::string TitleOf(const Report& report) {
@@ -34,18 +35,6 @@ std::string TitleOf(const Report& report) {
     const std::string subject = isOne ? *points.begin() : std::to_string(points.size()) + " points";
     const std::string verb = isOne ? (isOngoing ? " is" : " was") : (isOngoing ? " are" : " were");
     return isAnswered ? "Why " + subject + verb + " slow" : (isOne ? "Was " : "Were ") + subject + " slow?";
-}
-
-// Whatever the page holds, a browser is to run and to load nothing.
-Markup Head(const Report& report) {
-    return Element(
-        "head",
-        Element("meta", Attributes{{"charset", "utf-8"}}) +
-            Element("meta", Attributes{{"http-equiv", "Content-Security-Policy"},
-                                       {"content", "default-src 'none'; style-src 'unsafe-inline'"}}) +
-            Element("meta",
-                    Attributes{{"name", "viewport"}, {"content", "width=device-width, initial-scale=1"}}) +
-            Element("title", TitleOf(report)) + Element("style", Markup::Literal(PAGE_STYLE)));
 }
 
 // Whether a point has answers that the overview does not lead to: in several graphs, or without an event.
@@ -143,8 +132,7 @@ std::string HtmlReport(const Report& report) {
         "header",
         Element("h1", TitleOf(report)) +
             Element("p", {{"class", "quiet"}}, Text((report.node ? *report.node + ", " : "") + when)));
-    const Markup page = Head(report) + Element("body", header + Element("main", body + Proof(report)));
-    return "<!DOCTYPE html>\n" + Element("html", {{"lang", "en"}}, page).Html() + "\n";
+    return Document(TitleOf(report), header + Element("main", body + Proof(report)));
 }
 
 }  // namespace explain

@@ -6,6 +6,7 @@
 #include "explain/wording.h"
 
 namespace explain {
+using namespace page;
 namespace {
 
 constexpr size_t EVENTS_MOST = 12;

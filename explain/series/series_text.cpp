@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "explain/point_series.h"
-#include "explain/text/layout.h"
+#include "text/layout.h"
 #include "explain/wording.h"
 #include "text/colours.h"
 #include "text/printable.h"

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "explain/report.h"
-#include "explain/text/layout.h"
+#include "text/layout.h"
 #include "explain/text/sections.h"
 #include "explain/wording_errors.h"
 #include "text/printable.h"

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
-#include "explain/text/layout.h"
 #include "explain/wording.h"
+#include "text/layout.h"
 #include "text/printable.h"
 
 namespace explain {

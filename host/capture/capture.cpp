@@ -8,6 +8,7 @@
 
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
+#include "host/capture/archive.h"
 #include "host/capture/inputs.h"
 #include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
@@ -19,6 +20,8 @@ namespace fs = std::filesystem;
 // Names the temporary root for programs that this one starts. A link in it tells of which capture it is.
 constexpr const char* ROOT_VARIABLE = "ZORV_CAPTURE_ROOT";
 constexpr const char* CAPTURE_LINK = "/capture";
+constexpr const char* UNPACKED = "/unpacked";  // in it, the files of an archive
+constexpr const char* NODE_FOLDER = "VRA";     // with which all fixed paths begin
 constexpr uintmax_t LARGEST_SMALL_FILE = 64 << 20;
 
 struct Database {
@@ -171,37 +174,64 @@ private:
     std::vector<std::string>& notes;
 };
 
-std::string CheckedDirectory(const std::string& directory) {
+std::string CheckedName(const std::string& capture) {
     std::error_code ignored;
-    if (!fs::is_directory(directory, ignored)) {
-        throw CaptureError("the capture '" + directory +
-                           "' is not a directory. Name the one that holds the node's folder VRA.");
+    if (!fs::is_directory(capture, ignored) && !fs::is_regular_file(capture, ignored)) {
+        throw CaptureError(
+            "the capture '" + capture +
+            "' is neither a directory nor an archive. Name the one that holds the node's folder VRA.");
     }
-    return fs::absolute(directory).lexically_normal();
+    return fs::absolute(capture).lexically_normal();
+}
+
+// The folder that holds the node's files: `unpacked`, or one at most two levels below it, as whoever packs a
+// folder makes it.
+std::string FolderOfNode(const std::string& unpacked, const std::string& archive) {
+    std::vector<std::string> found;
+    fs::recursive_directory_iterator below(unpacked);
+    for (; below != fs::recursive_directory_iterator(); ++below) {
+        if (below->path().filename() == NODE_FOLDER) {
+            found.push_back(below->path().parent_path());
+        }
+        if (below.depth() == 2 || below->path().filename() == NODE_FOLDER) {
+            below.disable_recursion_pending();
+        }
+    }
+    if (found.size() > 1) {
+        throw CaptureError(archive + " holds several nodes, in " + found[0].substr(unpacked.size()) +
+                           " and " + found[1].substr(unpacked.size()) +
+                           " among others. Unpack it and name one of them.");
+    }
+    return found.empty() ? unpacked : found.front();
 }
 
 // The root that the program which started this one has made of the capture.
-std::optional<std::string> RootOfStarter(const std::string& directory) {
+std::optional<std::string> RootOfStarter(const std::string& capture) {
     const char* const root = std::getenv(ROOT_VARIABLE);
     std::error_code error;
     const bool isOfCapture =
-        root != nullptr && fs::read_symlink(std::string(root) + CAPTURE_LINK, error) == directory && !error;
+        root != nullptr && fs::read_symlink(std::string(root) + CAPTURE_LINK, error) == capture && !error;
     return isOfCapture ? std::optional<std::string>(root) : std::nullopt;
 }
 }  // namespace
 
-Capture::Capture(const std::string& givenDirectory, bool emptyHeal)
-    : directory(CheckedDirectory(givenDirectory)) {
-    if (const std::optional<std::string> given = RootOfStarter(directory)) {
+Capture::Capture(const std::string& givenName, bool emptyHeal) : directory(CheckedName(givenName)) {
+    const std::string name = directory;
+    if (const std::optional<std::string> given = RootOfStarter(name)) {
         root = *given;
         return;
     }
-    if (WhyNotWritten(TemporaryPlace() + "/root", {directory, true})) {
-        throw CaptureError("the temporary directory " + TemporaryPlace() + " lies in the capture " +
-                           directory + ", where nothing may change. Name another place with TMPDIR.");
+    if (WhyNotWritten(TemporaryPlace() + "/root", {name, true})) {
+        throw CaptureError("the temporary directory " + TemporaryPlace() + " lies in the capture " + name +
+                           ", where nothing may change. Name another place with TMPDIR.");
     }
     temporary = std::make_unique<TemporaryDirectory>();
     root = temporary->Path();
+    if (!fs::is_directory(name)) {
+        fs::create_directory(root + UNPACKED);
+        Unpack(name, root + UNPACKED);
+        directory = FolderOfNode(root + UNPACKED, name);
+    }
     Preparation(directory, root, emptyHeal, notes).Run();
     fs::create_directory_symlink(directory, root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);

@@ -57,6 +57,9 @@ bool IsSameFile(const fs::path& one, const fs::path& other) {
 // With the names as the operator knows them.
 std::vector<std::pair<std::string, fs::path>> FilesOf(const Inputs& inputs) {
     std::vector<std::pair<std::string, fs::path>> files;
+    if (!inputs.directory.empty()) {  // an archive
+        files.emplace_back(inputs.directory, Destination(inputs.directory));
+    }
     for (const char* const file : FIXED_FILES) {
         files.emplace_back(inputs.directory + file, Destination(inputs.directory + file));
     }

@@ -10,6 +10,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 
 namespace zorv {
 namespace {
@@ -118,6 +119,18 @@ bool ReplaceFile(const std::string& path, std::string_view content) {
         errno = reason;
     }
     return isReplaced && fsync(directory.Get()) == 0;
+}
+
+bool WriteFile(const std::string& path, std::string_view content) {
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored) ||
+        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+        return ReplaceFile(std::filesystem::weakly_canonical(path), content);
+    }
+    std::ofstream stream(path, std::ios::binary);
+    stream << content;
+    stream.close();
+    return stream.good();
 }
 
 bool AppendLine(const std::string& path, const std::string& line) {

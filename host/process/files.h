@@ -33,6 +33,10 @@ bool MakeDirectoryOf(const std::string& path, mode_t mode = 0755);
 // beside it, with a dot and 16 digits behind the name. Returns true when the new content is on disk.
 bool ReplaceFile(const std::string& path, std::string_view content);
 
+// Writes the file `path`: replaces it, also one that a link stands for; a device, a pipe or the new file that
+// a link leads to takes the content as it is written. Returns success.
+bool WriteFile(const std::string& path, std::string_view content);
+
 // Appends `line` and a line end to the file `path` in one piece, and makes a missing file. The rest of a line
 // that could not be written whole stays a line of its own. Returns true when the line is on disk.
 bool AppendLine(const std::string& path, const std::string& line);

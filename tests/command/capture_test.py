@@ -1,10 +1,13 @@
 """Captures: the answers are those of the node, and of the captured files no byte, name or time changes."""
 import hashlib
+import io
 import os
+import resource
 import shutil
 import signal
 import sqlite3
 import subprocess
+import tarfile
 import unittest
 from pathlib import Path
 
@@ -29,7 +32,7 @@ class Capture(ConsoleTest):
         super().setUp()
         self.temporary, self.capture = self.root / "tmp", self.root / "capture"
         self.temporary.mkdir()
-        self.database = self.capture / DATABASE
+        self.database, self.limit = self.capture / DATABASE, None
         self.environment = {**os.environ, "TZ": "EST5", "TMPDIR": str(self.temporary)}
         self.simulate("--scenario", "slow-disk", "--step", "60", "--end", "20230105143000")
 
@@ -50,7 +53,7 @@ class Capture(ConsoleTest):
     def run_program(self, program, *words, lines=""):
         before = self.capture.exists() and self.picture()
         done = subprocess.run([BIN / program, "--zone", "+0800", *words], input=lines, capture_output=True, text=True,
-                              env=self.environment)
+                              env=self.environment, preexec_fn=self.limit)
         self.assertEqual(self.capture.exists() and self.picture(), before)
         self.assertEqual(self.temporary.exists() and os.listdir(self.temporary), self.temporary.exists() and [])
         return done.returncode, done.stdout, done.stderr
@@ -79,6 +82,42 @@ class Capture(ConsoleTest):
                 self.assertIn(hashlib.sha256(self.database.read_bytes()).hexdigest(), json)
             shutil.rmtree(self.root / "VRA/coffer_log")
 
+    def test_archives(self):
+        """Answers are those of the node; what would leave the folder, or fill a disk, is refused."""
+        def add(name, kind=tarfile.REGTYPE, size=0):
+            info = tarfile.TarInfo(name)
+            info.type, info.size, info.linkname = kind, size, "node"
+            packed.addfile(info, io.BytesIO(bytes(size)))
+
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 16, 1 << 16))
+
+        expected, archive = self.run_program("zorv-explain", "--root", self.root, *RANGE.split())[1], self.root / "archive"
+        huge, refused = tarfile.TarInfo("huge"), "An archive of a node has folders and ordinary files with relative names."
+        huge.size = 1 << 40
+        for how, damage, said in (
+                ("", None, ""), ("gzip", None, ""), ("xz", None, ""), ("zstd", None, ""),
+                ("", lambda: add("a/../../x"), refused), ("", lambda: add("/tmp/x"), refused),
+                ("", lambda: add("x", tarfile.SYMTYPE), refused),
+                ("", lambda: add("x", tarfile.LNKTYPE), refused),
+                ("", lambda: add("x", tarfile.CHRTYPE), refused), ("", lambda: add("x", tarfile.FIFOTYPE), refused),
+                ("", lambda: [add(f"x{i}") for i in range(10000)], "has more than 10000 entries"),
+                ("xz", lambda: (packed.fileobj.truncate(0), packed.fileobj.seek(0), add("x", tarfile.REGTYPE, 1 << 27)), "unpacks to more than 200 times its size"),
+                ("", lambda: packed.fileobj.write(huge.tobuf()), "would take more than 68719476736 bytes"),
+                ("", lambda: add("other/VRA/x"), "holds several nodes, in /"), ("zstd", "cut", "cut short or damaged: "),
+                ("", "full", "File too large. Make room, or name another place with TMPDIR.")):
+            with self.subTest((how, said)), tarfile.open(archive, "w") as packed:
+                packed.add(self.root / "VRA", "home/node/VRA")
+                callable(damage) and damage()
+                packed.close()
+                how and archive.write_bytes(subprocess.run([how, "-c", archive], check=True, capture_output=True).stdout)
+                damage == "cut" and os.truncate(archive, os.stat(archive).st_size // 2)
+                self.limit = limit if damage == "full" else None
+                for program, *words in (["zorv-explain"], ["zorv-local", "explain"])[:1 if said else 2]:
+                    status, out, err = self.run_program(program, "--capture", archive, *words, *RANGE.split())
+                    self.assertEqual((status, out), (3, "") if said else (0, expected), err)
+                    self.assertIn(said, err)
+
     def test_damages(self):
         database, heal, config = self.database, self.capture / HEAL_DATABASE, self.capture / CONFIG
         wal, journal = Path(f"{database}-wal"), Path(f"{database}-journal")
@@ -92,7 +131,7 @@ class Capture(ConsoleTest):
             sqlite3.connect(database).executescript("drop table table_flag; create " + created)
 
         cases = [  # damage, exit status, what is said, options, how the node was left
-            (lambda: shutil.rmtree(self.capture), 3, "' is not a directory. Name the one that holds the node's folder VRA."),
+            (lambda: shutil.rmtree(self.capture), 3, "' is neither a directory nor an archive. Name the one that"),
             (database.unlink, 3, f"{database} is missing: without the statistics there is nothing to diagnose. Copy it from the node."),
             (lambda: os.truncate(database, 0), 3, f"{database} is empty: without the statistics there is nothing"),
             (lambda: os.truncate(database, 4096), 3, f"is cut short: it has 4096 of {size} bytes, and rows would be missing" + NEXT),

@@ -30,6 +30,7 @@ ARROWS = {
                              "fault_switch"},
     "fault_server": {"fault_debug", "fault_switch", "fault_database", "fault_json_object"},
     "text": set(),
+    "page": {"text"},
     "cli": {"text"},
     "host/process": {"text"},
     "host/services": {"host/process", "text"},
@@ -46,16 +47,21 @@ ARROWS = {
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
 ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
-ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlation", "fault_json_object",
+ARROWS["explain/analysis"] = {"explain/finding", "text", "fault_common", "fault_correlation", "fault_json_object",
                               "fault_causality_graph", "fault_rootcause"}
 ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object",
                             "fault_causality_graph", "fault_causality_errcode_graph"}
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text"}
 ARROWS["explain/overview"] = ARROWS["explain/text"] | {"explain/text"}
-ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview"}
+ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview", "page"}
 ARROWS["explain/series"] = ARROWS["explain/text"] | {"explain/text", "fault_common", "fault_database", "cli"}
 ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
+ARROWS["fleet/answers"] = {"text"}
+ARROWS["fleet/folding"] = {"fleet/answers", "explain/finding", "text"}
+ARROWS["fleet/collecting"] = {"fleet/answers", "host/process", "text"}
+ARROWS["fleet/reports"] = {"fleet/folding", "fleet/answers", "page", "text"}
+ARROWS["fleet"] = {unit for unit in ARROWS if unit.startswith("fleet/")} | {"host/process", "host/capture", "cli", "text"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

@@ -1,6 +1,6 @@
-#include "explain/page/svg.h"
+#include "page/svg.h"
 
-namespace explain {
+namespace page {
 
 Markup Drawing(const char* style, const std::string& id, const std::string& viewBox, const Markup& title,
                const std::string& description, const Markup& content) {
@@ -15,4 +15,4 @@ Markup Drawing(const char* style, const std::string& id, const std::string& view
                    names + content);
 }
 
-}  // namespace explain
+}  // namespace page

@@ -1,15 +1,17 @@
-// A percentage on the terminal.
+// A bar and a percentage on the terminal.
 #pragma once
 
 #include <chrono>
+#include <string>
 
-namespace lumosim {
+namespace cli {
 
 // Shows on stderr how far the work is, at most five times a second, and wipes it out at the end of its life.
 // Does nothing when stderr is no terminal.
 class TerminalProgress {
 public:
-    TerminalProgress();
+    // `label` stands before the percentage.
+    explicit TerminalProgress(std::string label);
     ~TerminalProgress();
     TerminalProgress(const TerminalProgress&) = delete;
     TerminalProgress& operator=(const TerminalProgress&) = delete;
@@ -18,9 +20,10 @@ public:
     void Show(double done);
 
 private:
+    const std::string label;
     bool isTerminal;
     bool shown = false;
     std::chrono::steady_clock::time_point lastTime;
 };
 
-}  // namespace lumosim
+}  // namespace cli

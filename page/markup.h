@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-namespace explain {
+namespace page {
 
 // Longer texts are cut there. Enough for any sentence, and no hostile text fills a page.
 constexpr size_t MOST_LETTERS = 600;
@@ -81,4 +81,4 @@ private:
     Markup rows;
 };
 
-}  // namespace explain
+}  // namespace page

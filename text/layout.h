@@ -5,8 +5,6 @@
 #include <string>
 #include <string_view>
 
-namespace explain {
-
 constexpr size_t LINE_CELLS = 80;
 
 // The cells that printable UTF-8 text takes: two for an ideograph, none for a combining mark.
@@ -23,5 +21,3 @@ std::string Beside(const std::string& columns, const std::string& text);
 // `text` in lines of at most `cells`, broken at blanks, words longer than a line anywhere. The first line
 // begins with `lead`, the others with as many blanks. Ends with a line end.
 std::string Paragraph(const std::string& lead, std::string_view text, size_t cells = LINE_CELLS);
-
-}  // namespace explain

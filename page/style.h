@@ -1,7 +1,7 @@
 // The look of the page: on a screen, light or dark, and on paper.
 #pragma once
 
-namespace explain {
+namespace page {
 
 constexpr char PAGE_STYLE[] = R"(
 :root { color-scheme: light dark; --page: #f4f6f8; --card: #ffffff; --ink: #17212b; --quiet: #52606d;
@@ -105,4 +105,4 @@ footer { padding-bottom: 28px; }
   * { print-color-adjust: exact; -webkit-print-color-adjust: exact; } }
 )";
 
-}  // namespace explain
+}  // namespace page

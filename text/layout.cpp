@@ -1,11 +1,10 @@
-#include "explain/text/layout.h"
+#include "text/layout.h"
 
 #include <clocale>
 #include <cwchar>
 
 #include "text/utf8.h"
 
-namespace explain {
 namespace {
 
 // The widths are those of the C library, whose default locale knows no more than ASCII.
@@ -88,5 +87,3 @@ std::string Paragraph(const std::string& lead, std::string_view text, size_t cel
     } while (!text.empty());
     return lines;
 }
-
-}  // namespace explain

@@ -1,11 +1,11 @@
-#include "explain/page/markup.h"
+#include "page/markup.h"
 
 #include <cstring>
 
 #include "text/printable.h"
 #include "text/utf8.h"
 
-namespace explain {
+namespace page {
 namespace {
 
 constexpr const char* ELLIPSIS = "\u2026";
@@ -132,4 +132,4 @@ Markup Table::Done() const {
                    table);
 }
 
-}  // namespace explain
+}  // namespace page

@@ -1,0 +1,205 @@
+#include "fleet/answers/answer_reader.h"
+
+#include <json/reader.h>
+#include <json/value.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "text/point_names.h"
+
+namespace fleet {
+namespace {
+
+constexpr int VERSION = 2;
+constexpr size_t MOST_CANDIDATES = 3;        // that are kept
+constexpr int64_t LAST_TIME = 253402300799;  // of the year 9999
+
+// All that is read, in the order of the alphabet.
+const std::vector<std::string_view>& Names() {
+    static const std::vector<std::string_view> names = {"advice",
+                                                        "analyses",
+                                                        "baseline_delay_us",
+                                                        "candidates",
+                                                        "certainty",
+                                                        "coverage",
+                                                        "end",
+                                                        "epoch",
+                                                        "event",
+                                                        "event_delay_us",
+                                                        "graph",
+                                                        "intervals",
+                                                        "node",
+                                                        "nodes",
+                                                        "ongoing",
+                                                        "partial",
+                                                        "point",
+                                                        "range",
+                                                        "reason",
+                                                        "share",
+                                                        "start",
+                                                        "step_seconds",
+                                                        "verdict",
+                                                        "version",
+                                                        "weak",
+                                                        "zone"};
+    return names;
+}
+
+template <typename Word, size_t COUNT>
+Word FromWord(const Json::Value& value, const std::array<std::pair<const char*, Word>, COUNT>& words,
+              Word other) {
+    const std::string text = value.isString() ? value.asString() : "";
+    const auto found =
+        std::find_if(words.begin(), words.end(), [&](const auto& one) { return text == one.first; });
+    return found != words.end() ? found->second : other;
+}
+
+constexpr std::array<std::pair<const char*, Verdict>, 3> VERDICTS = {
+    {{"point", Verdict::POINT}, {"load", Verdict::LOAD}, {"nothing", Verdict::NOTHING}}};
+constexpr std::array<std::pair<const char*, Certainty>, 2> CERTAINTIES = {
+    {{"sure", Certainty::SURE}, {"likely", Certainty::LIKELY}}};
+
+std::string TextOf(const Json::Value& value) {
+    return value.isString() ? value.asString() : std::string();
+}
+
+// Its distance to the ends of the numbers leaves room to count.
+int64_t TimeOf(const Json::Value& time) {
+    const int64_t epoch = time["epoch"].asInt64();
+    if (epoch < 0 || epoch > LAST_TIME) {
+        throw AnswerError("a time lies outside of the years 1970 to 9999");
+    }
+    return epoch;
+}
+
+// "+08:00" in seconds.
+int64_t OffsetOf(const std::string& zone) {
+    constexpr int64_t HOUR = 3600, MINUTE = 60;
+    if (zone.size() != 6 || zone.find_first_not_of("0123456789:+-") != std::string::npos) {
+        throw AnswerError("the zone of the range is none");
+    }
+    const int64_t offset = std::stoi(zone.substr(1, 2)) * HOUR + std::stoi(zone.substr(4)) * MINUTE;
+    return zone[0] == '-' ? -offset : offset;
+}
+
+std::optional<Delay> DelayOf(const Json::Value& nodes, const Json::Value& position) {
+    if (!position.isUInt() || position.asUInt() >= nodes.size()) {
+        return std::nullopt;
+    }
+    const Json::Value& node = nodes[position.asUInt()];
+    const Json::Value& now = node["event_delay_us"];
+    const Json::Value& usual = node["baseline_delay_us"];
+    return now.isNumeric() && usual.isNumeric() ? std::optional<Delay>({now.asDouble(), usual.asDouble()})
+                                                : std::nullopt;
+}
+
+void TakeCandidate(const Json::Value& value, const Json::Value& nodes, Finding& finding) {
+    const Candidate candidate = {TextOf(value["point"]), TextOf(value["graph"]), TextOf(value["advice"]),
+                                 value["share"].asDouble(), DelayOf(nodes, value["node"])};
+    if (WaitsForNodes(candidate.point)) {
+        finding.waiting += candidate.share;
+        if (candidate.share > finding.waitsAt.share) {
+            finding.waitsAt = candidate;
+        }
+    } else {
+        const bool isItself = candidate.point == finding.point;
+        (isItself ? finding.itself : finding.below) += candidate.share;
+        if (!isItself && candidate.share > finding.holdsAt.share) {
+            finding.holdsAt = candidate;
+        }
+    }
+    if (finding.candidates.size() < MOST_CANDIDATES) {
+        finding.candidates.push_back(candidate);
+    }
+}
+
+Finding FindingOf(const Json::Value& value) {
+    Finding finding;
+    finding.point = TextOf(value["point"]);
+    finding.graph = TextOf(value["graph"]);
+    finding.reason = TextOf(value["reason"]);
+    finding.verdict = FromWord(value["verdict"], VERDICTS, Verdict::CANNOT_TELL);
+    finding.certainty = FromWord(value["certainty"], CERTAINTIES, Certainty::UNSURE);
+    finding.isWeak = value["weak"].asBool();
+    finding.isOngoing = value["ongoing"].isBool() && value["ongoing"].asBool();
+    if (const Json::Value& event = value["event"]; event.isObject()) {
+        finding.window = {TimeOf(event["start"]), TimeOf(event["end"])};
+    }
+    finding.delay = DelayOf(value["nodes"], Json::Value(0U));
+    for (const Json::Value& candidate : value["candidates"]) {
+        TakeCandidate(candidate, value["nodes"], finding);
+    }
+    return finding;
+}
+
+// Of the points that are compared.
+void TakeDelays(const Json::Value& analysis, const std::set<std::string>& points, NodeAnswer& answer) {
+    const Json::Value& nodes = analysis["nodes"];
+    for (Json::ArrayIndex i = 0; i < nodes.size(); ++i) {
+        const std::string point = TextOf(nodes[i]["point"]);
+        const std::optional<Delay> delay = DelayOf(nodes, i);
+        if (delay && (i == 0 || points.count(point) > 0)) {
+            answer.delays.emplace(point, *delay);
+        }
+    }
+}
+
+int StatusOf(const NodeAnswer& answer) {
+    const auto has = [&](const auto& condition) {
+        return std::any_of(answer.findings.begin(), answer.findings.end(), condition);
+    };
+    if (has([](const Finding& finding) { return finding.IsAnswer(); })) {
+        return ANSWERED;
+    }
+    const bool cannotTell =
+        has([](const Finding& finding) { return finding.verdict == Verdict::CANNOT_TELL; });
+    return cannotTell || answer.isPartial ? CANNOT_TELL : NOTHING_FOUND;
+}
+
+NodeAnswer AnswerOf(const Json::Value& document, const std::set<std::string>* points) {
+    if (!document.isObject() || document["version"] != VERSION || !document["analyses"].isArray()) {
+        throw AnswerError("it is no answer of zorv-explain --json of version " + std::to_string(VERSION));
+    }
+    NodeAnswer answer;
+    answer.name = TextOf(document["node"]);
+    answer.isNamed = !answer.name.empty();
+    answer.zoneOffset = OffsetOf(TextOf(document["range"]["zone"]));
+    const Json::Value& coverage = document["coverage"];
+    answer.step =
+        coverage["step_seconds"].isInt() ? std::clamp(coverage["step_seconds"].asInt(), 0, 3600) : 0;
+    answer.isPartial = coverage["partial"].asBool();
+    for (const Json::Value& analysis : document["analyses"]) {
+        answer.findings.push_back(FindingOf(analysis));
+        if (points != nullptr) {
+            TakeDelays(analysis, *points, answer);
+        }
+    }
+    answer.status = StatusOf(answer);
+    return answer;
+}
+
+}  // namespace
+
+NodeAnswer ReadAnswer(std::string_view json, const std::set<std::string>* points) {
+    const std::string kept = KeptMembers(json, Names());
+    Json::CharReaderBuilder builder;
+    builder["collectComments"] = false;
+    const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    Json::Value document;
+    std::string errors;
+    try {
+        if (!reader->parse(kept.data(), kept.data() + kept.size(), &document, &errors)) {
+            throw AnswerError("it is no JSON");
+        }
+        return AnswerOf(document, points);
+    } catch (const Json::Exception& error) {
+        throw AnswerError(std::string("it is no answer of zorv-explain: ") + error.what());
+    }
+}
+
+}  // namespace fleet
