@@ -98,6 +98,9 @@ std::string HtmlReport(const Report& report) {
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         body += AnalysisSection(report.analyses[i], report, i + 1);
     }
+    if (const std::string chance = ChanceOf(report); !chance.empty()) {
+        body += Element("section", Element("h2", "Chance") + Element("p", chance));
+    }
     const Window& range = report.question.range;
     const std::string when = LocalTimes(range.start, range.end, report.zoneOffset);
     const Markup header = Element(
