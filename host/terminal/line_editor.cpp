@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host/console/columns.h"
+#include "host/command/columns.h"
 #include "host/process/colour.h"
 #include "host/process/leak_check.h"
 #include "host/services/log.h"

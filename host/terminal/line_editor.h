@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 #include "host/terminal/history_file.h"
 #include "host/terminal/key_wait.h"
 
