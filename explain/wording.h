@@ -146,11 +146,11 @@ struct Span {
 std::string ShortSpan(const Span& span, const Report& report);
 std::string WhetherOver(const Span& span, const Report& report);
 
-// "2.4 times".
+// "2.4 times"; "over 9999 times".
 std::string TimesOf(double ratio);
 
 // "480 of 480 intervals, newest row 20 s old"; what of the range has no rows, empty when it is covered; and a
-// line for each thing that the picture lacks: these rows, the errors, the healings.
+// line for each thing that the picture lacks: these rows, a point's delays, the errors, the healings.
 std::string NewestOf(const Report& report);
 std::string MissingOf(const Report& report);
 std::vector<std::string> LacksOf(const Report& report);
@@ -171,7 +171,7 @@ std::string NoneSlow(const Report& report);
 
 // What a type of errors was in the range that has no event; and what a point was.
 constexpr const char* AS_USUAL = "as usual";
-std::string QuietStateOf(const Look& look);
+std::string QuietStateOf(const Look& look, const Report& report);
 
 // Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
 constexpr const char* DELAYS_TITLE = "Delay, times the usual";

@@ -51,6 +51,11 @@ std::string CauseIn(const Analysis& analysis, const Figures& figures) {
     return BriefOf(analysis, figures);
 }
 
+// Whether not even an event can be told.
+bool IsUntold(const Analysis& analysis) {
+    return analysis.verdict == Verdict::CANNOT_TELL && !analysis.event;
+}
+
 }  // namespace
 
 std::string ShortTime(int64_t time, const Report& report) {
@@ -86,7 +91,8 @@ std::string WhetherOver(const Span& span, const Report& report) {
 }
 
 std::string TimesOf(double ratio) {
-    return Fixed(ratio, 1) + " times";
+    constexpr double MOST = 9999.0;
+    return ratio > MOST ? "over " + Fixed(MOST, 0) + " times" : Fixed(ratio, 1) + " times";
 }
 
 std::string CourseOf(const Course& course, const Report& report) {
@@ -110,6 +116,13 @@ std::vector<std::string> LacksOf(const Report& report) {
     if (const std::string missing = MissingOf(report); !missing.empty()) {
         lacks.push_back(missing);
     }
+    for (const Analysis& analysis : report.analyses) {
+        const std::string lack =
+            !IsUntold(analysis) ? "" : analysis.point + " cannot be told: " + SentenceOf(*analysis.reason);
+        if (!lack.empty() && (lacks.empty() || lacks.back() != lack)) {
+            lacks.push_back(lack);
+        }
+    }
     if (report.errorsReason) {
         lacks.push_back("errors cannot be told: " + SentenceOf(*report.errorsReason));
     }
@@ -123,16 +136,16 @@ std::string NoneSlow(const Report& report) {
     return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
 }
 
-std::string QuietStateOf(const Look& look) {
-    return look.samples == 0                 ? "no rows"
+std::string QuietStateOf(const Look& look, const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    const bool isUntold = std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+        return analysis.point == look.point && IsUntold(analysis);
+    });
+    return isUntold                          ? WordOf(Verdict::CANNOT_TELL)
+           : look.samples == 0               ? "no rows"
            : look.finding.deviations.empty() ? "too few rows"
            : look.finding.isCurved           ? "usual: a slow curve"
                                              : "usual";
-}
-
-bool NamesACause(const Analysis& analysis) {
-    return analysis.HasAnswer() && !analysis.isWeak &&
-           (analysis.candidates.empty() || analysis.candidates.front().point != analysis.point);
 }
 
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
