@@ -27,11 +27,8 @@ bool IsFresh(const Report& report) {
     return coverage.newest && report.madeAt - *coverage.newest <= FRESH_STEPS * coverage.step;
 }
 
-// One that is cut is told by the first time after its begin that has another name.
 std::string StartOf(const Span& span, const Report& report) {
-    constexpr int64_t MINUTE = 60;
-    return span.isCut ? "before " + ShortTime(span.window.start + MINUTE, report)
-                      : ShortTime(span.window.start, report);
+    return span.isCut ? "the first row" : ShortTime(span.window.start, report);
 }
 
 std::string CauseIn(const Analysis& analysis, const Figures& figures) {
@@ -78,8 +75,11 @@ std::string RangeOf(const Report& report) {
 }
 
 std::string ShortSpan(const Span& span, const Report& report) {
-    const std::string start = StartOf(span, report);
+    const std::string start = ShortTime(span.window.start, report);
     const std::string end = ShortTime(span.window.end, report);
+    if (span.isCut) {
+        return span.isOngoing ? "since " + StartOf(span, report) : "until " + end;
+    }
     return span.isOngoing ? start + (IsFresh(report) ? " to now" : " on")
            : start == end ? start
                           : start + " to " + end;
@@ -106,8 +106,10 @@ std::string CourseOf(const Course& course, const Report& report) {
     if (last.isOngoing) {
         return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
     }
-    const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
-    return "was " + adjective + " " + times + ShortSpan(last, report) + amount +
+    const std::string which = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last "
+                              : last.isCut     ? "from " + StartOf(last, report) + " "
+                                               : "";
+    return "was " + adjective + " " + which + ShortSpan(last, report) + amount +
            (course.isHealed ? ", then healed" : "");
 }
 
