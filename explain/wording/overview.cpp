@@ -150,6 +150,11 @@ std::string QuietStateOf(const Look& look, const Report& report) {
                                              : "usual";
 }
 
+bool NamesACause(const Analysis& analysis) {
+    return analysis.HasAnswer() && !analysis.isWeak &&
+           (analysis.candidates.empty() || analysis.candidates.front().point != analysis.point);
+}
+
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
     std::string causes;
     const auto named = std::count_if(analyses.begin(), analyses.end(),
