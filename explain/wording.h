@@ -139,7 +139,7 @@ std::string RangeOf(const Report& report);
 
 // Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
 // is not of now was last seen there: "13:26 on" and "still at 14:29". One that begins with the first row is
-// "before 10:31 to 11:23".
+// "until 11:23" or "since the first row".
 struct Span {
     Window window;
     bool isOngoing = false;
@@ -148,11 +148,11 @@ struct Span {
 std::string ShortSpan(const Span& span, const Report& report);
 std::string WhetherOver(const Span& span, const Report& report);
 
-// "2.4 times".
+// "2.4 times"; "over 9999 times".
 std::string TimesOf(double ratio);
 
 // "480 of 480 intervals, newest row 20 s old"; what of the range has no rows, empty when it is covered; and a
-// line for each thing that the picture lacks: these rows, the errors, the healings.
+// line for each thing that the picture lacks: these rows, a point's delays, the errors, the healings.
 std::string NewestOf(const Report& report);
 std::string MissingOf(const Report& report);
 std::vector<std::string> LacksOf(const Report& report);
@@ -173,7 +173,7 @@ std::string NoneSlow(const Report& report);
 
 // What a type of errors was in the range that has no event; and what a point was.
 constexpr const char* AS_USUAL = "as usual";
-std::string QuietStateOf(const Look& look);
+std::string QuietStateOf(const Look& look, const Report& report);
 
 // Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
 constexpr const char* DELAYS_TITLE = "Delay, times the usual";

@@ -11,9 +11,8 @@ namespace explain {
 namespace {
 
 constexpr size_t MOST_EVENTS_SHOWN = 4;
-constexpr size_t MOST_HEADLINES = 4;
 constexpr size_t MOST_NAME = 30;  // cells
-constexpr size_t LEAST_BARS = 16;
+constexpr size_t LEAST_BARS = 8;
 constexpr const char* GAP = "  ";
 constexpr const char* COMMAND_INDENT = "    ";
 constexpr const char* GO_ON = " \\";
@@ -87,11 +86,9 @@ private:
         for (const std::string& lack : LacksOf(report)) {
             text += Lines(Paragraph("", Printable(lack), style.width), COLOUR_YELLOW);
         }
-        const std::vector<Headline>& headlines = picture.headlines;
         text += picture.hasSlowPoint ? "" : NoneSlow(report) + "\n";
-        for (size_t i = 0; i < std::min(headlines.size(), MOST_HEADLINES); ++i) {
-            const PictureLine& what = headlines[i].what;
-            text += Lines(Told("", what.text, headlines[i].cause), ColourOf(what.mood));
+        for (const Headline& headline : picture.headlines) {
+            text += Lines(Told("", headline.what.text, headline.cause), ColourOf(headline.what.mood));
         }
         return text;
     }

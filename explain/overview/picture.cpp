@@ -13,7 +13,7 @@ namespace {
 // Up to where a bar is drawn at least: a point that is as usual has a flat line.
 constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
 constexpr double LEAST_ERRORS = 8.0;
-constexpr double CALM = 3.0;  // so much more room above the bars of a type that is as usual
+constexpr double CALM = 3.0;  // so much more room above bars that are not to alarm
 
 template <typename AnyEvent>
 Span SpanOf(const AnyEvent& event) {
@@ -24,16 +24,18 @@ Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
 }
 
-// How often the usual delay is doubled, so that one spike does not flatten all else; the delay as it is where
-// nothing is known of the usual.
+// How often the usual delay is doubled, so that one spike does not flatten all else; the delay as it is, in
+// low bars, where nothing is known of the usual.
 void AddDelays(const Look& look, PictureRow& row) {
-    const double usual = look.finding.deviations.empty() ? 0.0 : look.finding.usual.median;
-    row.top = usual > 0.0 ? LEAST_TOP : 1.0;
+    const double usual = look.finding.usual.median;
+    const bool isKnown = !look.finding.deviations.empty() && usual > 0.0;
+    row.top = isKnown ? LEAST_TOP : 1.0;
     for (const Sample& sample : look.rows) {
-        const double doubled = std::log2(std::max(sample.delay / usual, 1.0));
-        row.values.push_back({sample.time, usual > 0.0 ? doubled : sample.delay});
-        row.top = std::max(row.top, row.values.back().value);
+        const double height = isKnown ? std::log2(std::max(sample.delay / usual, 1.0)) : sample.delay;
+        row.values.push_back({sample.time, height});
+        row.top = std::max(row.top, height);
     }
+    row.top *= isKnown ? 1.0 : CALM;
 }
 
 double MeanOf(const Samples& samples, size_t first, size_t end) {
@@ -143,8 +145,7 @@ private:
         row.amount = AmountOf(look, last, analyses);
         AddDelays(look, row);
         if (last == nullptr) {
-            const bool isKnown = !look.finding.deviations.empty() && look.samples > 0;
-            row.state = {QuietStateOf(look), isKnown ? Mood::CALM : Mood::UNKNOWN};
+            row.state = {QuietStateOf(look, report), Mood::CALM};
             return;
         }
         picture.hasSlowPoint = true;

@@ -27,11 +27,8 @@ bool IsFresh(const Report& report) {
     return coverage.newest && report.madeAt - *coverage.newest <= FRESH_STEPS * coverage.step;
 }
 
-// One that is cut is told by the first time after its begin that has another name.
 std::string StartOf(const Span& span, const Report& report) {
-    constexpr int64_t MINUTE = 60;
-    return span.isCut ? "before " + ShortTime(span.window.start + MINUTE, report)
-                      : ShortTime(span.window.start, report);
+    return span.isCut ? "the first row" : ShortTime(span.window.start, report);
 }
 
 std::string CauseIn(const Analysis& analysis, const Figures& figures) {
@@ -49,6 +46,11 @@ std::string CauseIn(const Analysis& analysis, const Figures& figures) {
         return BriefOf(analysis, figures) + ", or " + second.point + " " + figures.share(second.share);
     }
     return BriefOf(analysis, figures);
+}
+
+// Whether not even an event can be told.
+bool IsUntold(const Analysis& analysis) {
+    return analysis.verdict == Verdict::CANNOT_TELL && !analysis.event;
 }
 
 }  // namespace
@@ -73,8 +75,11 @@ std::string RangeOf(const Report& report) {
 }
 
 std::string ShortSpan(const Span& span, const Report& report) {
-    const std::string start = StartOf(span, report);
+    const std::string start = ShortTime(span.window.start, report);
     const std::string end = ShortTime(span.window.end, report);
+    if (span.isCut) {
+        return span.isOngoing ? "since " + StartOf(span, report) : "until " + end;
+    }
     return span.isOngoing ? start + (IsFresh(report) ? " to now" : " on")
            : start == end ? start
                           : start + " to " + end;
@@ -86,7 +91,8 @@ std::string WhetherOver(const Span& span, const Report& report) {
 }
 
 std::string TimesOf(double ratio) {
-    return Fixed(ratio, 1) + " times";
+    constexpr double MOST = 9999.0;
+    return ratio > MOST ? "over " + Fixed(MOST, 0) + " times" : Fixed(ratio, 1) + " times";
 }
 
 std::string CourseOf(const Course& course, const Report& report) {
@@ -100,8 +106,10 @@ std::string CourseOf(const Course& course, const Report& report) {
     if (last.isOngoing) {
         return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
     }
-    const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
-    return "was " + adjective + " " + times + ShortSpan(last, report) + amount +
+    const std::string which = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last "
+                              : last.isCut     ? "from " + StartOf(last, report) + " "
+                                               : "";
+    return "was " + adjective + " " + which + ShortSpan(last, report) + amount +
            (course.isHealed ? ", then healed" : "");
 }
 
@@ -109,6 +117,13 @@ std::vector<std::string> LacksOf(const Report& report) {
     std::vector<std::string> lacks;
     if (const std::string missing = MissingOf(report); !missing.empty()) {
         lacks.push_back(missing);
+    }
+    for (const Analysis& analysis : report.analyses) {
+        const std::string lack =
+            !IsUntold(analysis) ? "" : analysis.point + " cannot be told: " + SentenceOf(*analysis.reason);
+        if (!lack.empty() && (lacks.empty() || lacks.back() != lack)) {
+            lacks.push_back(lack);
+        }
     }
     if (report.errorsReason) {
         lacks.push_back("errors cannot be told: " + SentenceOf(*report.errorsReason));
@@ -123,8 +138,13 @@ std::string NoneSlow(const Report& report) {
     return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
 }
 
-std::string QuietStateOf(const Look& look) {
-    return look.samples == 0                 ? "no rows"
+std::string QuietStateOf(const Look& look, const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    const bool isUntold = std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+        return analysis.point == look.point && IsUntold(analysis);
+    });
+    return isUntold                          ? WordOf(Verdict::CANNOT_TELL)
+           : look.samples == 0               ? "no rows"
            : look.finding.deviations.empty() ? "too few rows"
            : look.finding.isCurved           ? "usual: a slow curve"
                                              : "usual";

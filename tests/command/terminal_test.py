@@ -297,7 +297,7 @@ class OnTerminal(ConsoleTest):
 
     def test_overview(self):
         self.simulate("--scenario", "ongoing", "--end", "20230105143000")
-        for variables, columns, bar, red in (({"NO_COLOR": "", "LC_ALL": "C.UTF-8"}, 120, "▅" * 10, "\x1b[31m"), ({}, 60, "-" * 8, "")):
+        for variables, columns, bar, red in (({"NO_COLOR": "", "LC_ALL": "C.UTF-8"}, 120, "▅" * 10, "\x1b[31m"), ({}, 60, "=" * 8, "")):
             terminal = Terminal(self.root, columns=columns, **variables)
             terminal.type("overview 20230105103000 20230105143000\r", until="    explain 20230105103000 20230105143000")
             end = red and "\x1b[0m"
