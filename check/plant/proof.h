@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "check/graph/model.h"
+#include "check/graph/statistics.h"
 #include "check/plant/site.h"
 
 namespace check {
@@ -52,6 +53,8 @@ struct ProofOptions {
     std::string told;
     std::string point;  // only this one; empty: all
     size_t jobs = 1;    // worlds at a time
+    // What the worlds take over from a node; null: nothing.
+    const PointStatistics* statistics = nullptr;
 };
 
 // Plants a fault at every site, with each seed, in worlds below `directory`. Blocks for as long as that
