@@ -72,7 +72,7 @@ void FindConstants(const Subject& subject, const Report& report) {
             report(subject.At(point), graph.name,
                    "the delay of " + Quoted(TextOf(&point)) + " is " + std::to_string(rows->front().delay) +
                        " us in all " + Counted(rows->size(), "row") +
-                       " of the newest day: walks end above it");
+                       " of the newest day: it correlates with nothing");
         }
     });
 }
@@ -174,7 +174,7 @@ std::vector<Rule> PointRules() {
         {"no-rows", Severity::WARNING, "A point without rows in the newest day cannot be found as a cause.",
          FindNoRows},
         {"constant", Severity::NOTE,
-         "Delays that never change correlate with nothing, so walks end above them.", FindConstants},
+         "Delays that never change correlate with nothing, so no walk comes to the point.", FindConstants},
         {"point-in-no-graph", Severity::NOTE, "A point that is in no graph is never found as a cause.",
          FindPointsInNoGraph},
         {"counts-differ", Severity::NOTE,

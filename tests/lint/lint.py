@@ -51,6 +51,10 @@ ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlat
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/finding", "text"}
 ARROWS["explain"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
+ARROWS["check/source"] = set()
+ARROWS["check/graph"] = {"check/source", "fault_common", "text"}
+ARROWS["check/rules"] = {"check/graph", "check/source", "fault_common", "text"}
+ARROWS["check"] = {"check/source", "check/graph", "check/rules", "cli", "text", "host/process", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 
