@@ -82,8 +82,8 @@ Command CommandNamed(const std::string& name) {
     if (const std::optional<Command> command = FindCommand(name)) {
         return *command;
     }
-    const std::string nearest = NearestName(name, CommandNames());
-    throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
-                     (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
+    const std::string other = DidYouMean(name, CommandNames());
+    throw UsageError("unknown command '" + Printable(name, 40) + "'" +
+                     (other.empty() ? "; 'help' lists the commands" : other));
 }
 }  // namespace zorv
