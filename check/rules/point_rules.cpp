@@ -133,7 +133,7 @@ void FindDifferentCounts(const Subject& subject, const Report& report) {
                           const auto& parentRows, const auto& childRows) {
         const int64_t above = RequestsOf(parentRows);
         const int64_t below = RequestsOf(childRows);
-        if (below / FAR_MORE >= above && below > above) {
+        if (below / FAR_MORE > std::max<int64_t>(above, 1)) {
             report(subject.At(*edge.object), graph.name,
                    Quoted(child.Label()) + " counts " + std::to_string(below) +
                        " requests in the newest day, " + Quoted(parent.Label()) + " above it " +
