@@ -16,8 +16,11 @@ _zorv_complete() {
     done
     if [[ $word != -* ]]; then
         words=
-        [ "$program" != zorv-local ] || words=$_zorv_commands
+        case $program in
+        zorv-local) words=$_zorv_commands ;;
+        zorv-check) words=$(compgen -f -- "$word") ;;
+        esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
-complete -F _zorv_complete zorv-local zorv-explain lumo-sim
+complete -F _zorv_complete zorv-local zorv-explain zorv-check lumo-sim

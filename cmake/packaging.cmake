@@ -15,6 +15,11 @@ configure_file(cmake/zorv-agent.pc.in ${PROJECT_BINARY_DIR}/zorv-agent.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ZorvAgentConfigVersion.cmake DESTINATION ${config_dir} COMPONENT headers)
 install(FILES ${PROJECT_BINARY_DIR}/zorv-agent.pc DESTINATION ${CMAKE_INSTALL_DATADIR}/pkgconfig COMPONENT headers)
 
+# For editors of the route configuration: where the programs look for it, beside themselves.
+set(schema docs/route.schema.json)
+install(FILES ${schema} DESTINATION ${CMAKE_INSTALL_DATADIR}/zorv)
+configure_file(${schema} ${PROJECT_BINARY_DIR}/share/zorv/route.schema.json COPYONLY)
+
 set(CPACK_PACKAGE_CONTACT "The developers of libsmartdiagnose <developers@libsmartdiagnose.invalid>" CACHE STRING
   "Who answers for the packages, with an address")
 
@@ -30,12 +35,12 @@ find_program(LOWDOWN lowdown)
 if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANITIZE)
   set(manuals ${PROJECT_BINARY_DIR}/manuals)
   set(sources cmake/manuals.sh CHANGELOG.md cli/completion.bash docs/file-formats.md
-    docs/man/zorv-local.h2m docs/man/zorv-explain.h2m docs/man/lumo-sim.h2m)
+    docs/man/zorv-local.h2m docs/man/zorv-explain.h2m docs/man/zorv-check.h2m docs/man/lumo-sim.h2m)
   list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${manuals}/completion
     COMMAND ${PROJECT_SOURCE_DIR}/cmake/manuals.sh ${PROJECT_SOURCE_DIR} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
       $<TARGET_FILE:smartdiagnose> ${manuals} ${PROJECT_VERSION} ${CPACK_PACKAGE_CONTACT}
-    DEPENDS ${sources} zorv-local zorv-explain lumo-sim smartdiagnose
+    DEPENDS ${sources} zorv-local zorv-explain zorv-check lumo-sim smartdiagnose
     COMMENT "Writing the manuals"
     VERBATIM)
   add_custom_target(manuals ALL DEPENDS ${manuals}/completion)
@@ -44,7 +49,7 @@ if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANIT
   set(completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES ${manuals}/completion DESTINATION ${completions} RENAME zorv-local)
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
-  foreach(program zorv-explain lumo-sim)
+  foreach(program zorv-explain zorv-check lumo-sim)
     file(CREATE_LINK zorv-local ${PROJECT_BINARY_DIR}/links/${program} SYMBOLIC)
     install(FILES ${PROJECT_BINARY_DIR}/links/${program} DESTINATION ${completions})
   endforeach()
@@ -67,6 +72,7 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME zorv-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libsmartdiagnose (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS tzdata) # names of zones
 set(CPACK_DEBIAN_HEADERS_PACKAGE_NAME libsmartdiagnose-dev)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_ARCHITECTURE all)

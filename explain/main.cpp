@@ -21,7 +21,6 @@
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
 #include "host/process/statements.h"
-#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace explain {
@@ -62,7 +61,9 @@ class OutputError : public std::runtime_error {
 
 void PrintAnswer(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw OutputError(std::string("the answer cannot be printed: ") + std::strerror(errno));
+        // Who closed a pipe has read enough: nothing is to be told of that.
+        throw OutputError(
+            errno == EPIPE ? "" : std::string("the answer cannot be printed: ") + std::strerror(errno));
     }
 }
 
@@ -103,9 +104,7 @@ void RefuseInputs(const Options& options) {
 }
 
 int Run(const Options& options, const std::vector<std::string>& arguments) {
-    if (options.zone) {
-        SetZone(*options.zone);
-    }
+    cli::TakeZone("zorv-explain", options.zone);
     RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
     const LocalClock clock = ClockAt(std::time(nullptr));
     const Request request = RequestOf(options, clock);
@@ -118,7 +117,9 @@ int Run(const Options& options, const std::vector<std::string>& arguments) {
             WritePage(*options.html, HtmlReport(report));
         }
     } catch (const OutputError& error) {
-        std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        if (error.what()[0] != '\0') {
+            std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        }
         return STATUS_NOT_WRITTEN;
     }
     return StatusOf(report);

@@ -2,8 +2,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cctype>
 #include <charconv>
+#include <cstring>
 #include <ctime>
+#include <filesystem>
+#include <iomanip>
+#include <sstream>
 
 #include "simulator/live_arguments.h"
 #include "simulator/plan/scenario.h"
@@ -69,6 +74,20 @@ int64_t EndTime(const std::string& text, const WorldOptions& options, int64_t be
     }
 }
 
+// Of the schema that is installed with this program.
+std::string SchemaUri() {
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe");
+    const std::filesystem::path file = program.parent_path() / "../share/zorv/route.schema.json";
+    std::ostringstream uri;
+    uri << "file://" << std::hex << std::uppercase;
+    for (const char letter : file.lexically_normal().string()) {
+        const auto byte = static_cast<unsigned char>(letter);
+        const bool isPlain = std::isalnum(byte) != 0 || std::strchr("/._-~", letter) != nullptr;
+        isPlain ? uri << letter : uri << '%' << std::setw(2) << int{byte};
+    }
+    return uri.str();
+}
+
 void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_option("--scenario", world.scenario, "What is planted; --list shows all")
         ->type_name("NAME")
@@ -85,6 +104,9 @@ void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_option("--period", world.period, "How long a data table lasts")
         ->type_name("SECONDS")
         ->capture_default_str();
+    app.add_flag_callback(
+        "--schema", [&world] { world.schema = SchemaUri(); },
+        "The configuration names the schema by which editors help to change it");
     app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
     app.add_option("--config", world.config, "Graphs of this route configuration, not lumo-sim's own")
         ->type_name("FILE");
@@ -153,6 +175,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     AddFaultOptions(app, world, faultStart);
     LiveArguments live(app);
     app.get_option("--fault-start")->excludes(app.get_option("--fault-after"));
+    app.get_option("--config")->excludes(app.get_option("--schema"));  // it is written as it is
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {

@@ -7,31 +7,11 @@
 #include <cstdlib>
 #include <ctime>
 
-namespace {
-constexpr long HOUR = 3600;
-
-long ExactOffsetAt(int64_t time) {
+int64_t ZoneOffsetAt(int64_t time) {
+    constexpr long HOUR = 3600;
     const time_t seconds = time;
     tm local{};
-    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff;
-}
-}  // namespace
-
-int64_t ZoneOffsetAt(int64_t time) {
-    return ExactOffsetAt(time) / HOUR * HOUR;
-}
-
-void SetZone(const std::string& zone) {
-    // Zones count east, TZ counts west.
-    const std::string west = (zone[0] == '+' ? "-" : "+") + zone.substr(1, 2) + ":" + zone.substr(3, 2);
-    setenv("TZ", ("<" + zone + ">" + west).c_str(), 1);
-    tzset();
-}
-
-void KeepZone() {
-    std::string zone = ZoneText(ExactOffsetAt(std::time(nullptr)));
-    zone.erase(zone.find(':'), 1);
-    SetZone(zone);
+    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff / HOUR * HOUR;
 }
 
 std::string LocalTime(int64_t time, int64_t zoneOffset) {

@@ -166,6 +166,7 @@ void Model::ReadGraphs() {
     for (size_t i = 0; i < graphs.size(); ++i) {
         byName.emplace(graphs[i].name, i);
     }
+    byName.erase("");  // no text names that graph: an empty one means none
 }
 
 void Model::FindHandOvers() {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <set>
 
 #include "check/rules/rule.h"
 
@@ -86,10 +87,25 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
     }
 }
 
+// Whether an unknown subGraph is told with the name of this graph as the one that was meant.
+bool IsMeantElsewhere(const Graph& graph, const std::set<std::string>& unknown, Suggester& suggester) {
+    return std::any_of(unknown.begin(), unknown.end(), [&](const std::string& name) {
+        return !suggester.DidYouMean(name, {graph.name}).empty();
+    });
+}
+
 void FindUnusedGraphs(const Subject& subject, const Report& report) {
     const std::vector<std::string> missing = MissingGraphs(subject.model);
+    std::set<std::string> unknown;
     for (const Graph& graph : subject.model.Graphs()) {
-        if (IsUnused(graph)) {
+        for (const Node& node : graph.nodes) {
+            if (!node.NextGraph().empty() && subject.model.Find(node.NextGraph()) == nullptr) {
+                unknown.emplace(node.NextGraph());
+            }
+        }
+    }
+    for (const Graph& graph : subject.model.Graphs()) {
+        if (IsUnused(graph) && !IsMeantElsewhere(graph, unknown, subject.suggester)) {
             report(graph.key, graph.name,
                    "no command reads this graph, and none hands over to it" +
                        subject.suggester.DidYouMean(graph.name, missing));

@@ -36,8 +36,8 @@ struct MemberType {
 constexpr MemberType GRAPH_MEMBERS[] = {{"nodes", ARRAY}, {"edges", ARRAY}};
 constexpr MemberType NODE_MEMBERS[] = {
     {"id", NUMBER}, {"label", TEXT}, {"name", TEXT}, {"description", TEXT}, {"info", OBJECT}};
-constexpr MemberType INFO_MEMBERS[] = {{"subGraph", TEXT}, {"suggestion", TEXT}};
-constexpr MemberType COUNT_MEMBERS[] = {{"attr", TEXT}, {"erridx", TEXT}, {"qname", TEXT}};
+constexpr MemberType INFO_MEMBERS[] = {
+    {"subGraph", TEXT}, {"suggestion", TEXT}, {"attr", TEXT}, {"erridx", TEXT}, {"qname", TEXT}};
 constexpr MemberType EDGE_MEMBERS[] = {{"source", END}, {"target", END}};
 
 // Calls `with` for each object that the plug-in reads: the object, its graph's name, and what stands in it.
@@ -47,9 +47,6 @@ void ForObjects(const Model& model, const Visit& with) {
         with(*graph.value, graph, GRAPH_MEMBERS);
         for (const Node& node : graph.nodes) {
             with(*node.object, graph, NODE_MEMBERS);
-            if (node.info != nullptr && graph.kind == GraphKind::ERRCODE && !node.isModule) {
-                with(*node.info, graph, COUNT_MEMBERS);
-            }
             if (node.info != nullptr) {
                 with(*node.info, graph, INFO_MEMBERS);
             }
@@ -80,7 +77,7 @@ bool Has(const Members& members, const std::string& name) {
 
 // Where a member that is at the wrong place belongs; empty: nowhere.
 std::string PlaceFor(const std::string& name) {
-    if (Has(INFO_MEMBERS, name) || Has(COUNT_MEMBERS, name)) {
+    if (Has(INFO_MEMBERS, name)) {
         return "; it belongs into the node's 'info'";
     }
     if (Has(NODE_MEMBERS, name)) {
@@ -93,14 +90,19 @@ class UnknownMembers {
 public:
     UnknownMembers(const Subject& toCheck, const Report& toFill) : subject(toCheck), report(toFill) {}
 
-    void Find(const Json::Value& object, const Graph& graph, const std::vector<std::string>& known) const {
+    template <typename Members>
+    void Find(const Json::Value& object, const Graph& graph, const Members& members) const {
         if (!object.isObject()) {
             return;
         }
         for (auto member = object.begin(); member != object.end(); ++member) {
             const std::string name = member.name();
-            if (name[0] == '$' || std::find(known.begin(), known.end(), name) != known.end()) {
+            if (name[0] == '$' || Has(members, name)) {
                 continue;
+            }
+            std::vector<std::string> known;
+            for (const MemberType& each : members) {
+                known.emplace_back(each.name);
             }
             const std::string place = PlaceFor(name);
             report(subject.document.KeyOf(object, *member), graph.name,
@@ -115,19 +117,10 @@ private:
 };
 
 void FindUnknownMembers(const Subject& subject, const Report& report) {
-    const UnknownMembers members(subject, report);
-    for (const Graph& graph : subject.model.Graphs()) {
-        members.Find(*graph.value, graph, {"nodes", "edges"});
-        for (const Node& node : graph.nodes) {
-            members.Find(*node.object, graph, {"id", "label", "name", "description", "info"});
-            if (node.info != nullptr) {
-                members.Find(*node.info, graph, {"subGraph", "suggestion", "attr", "erridx", "qname"});
-            }
-        }
-        for (const Edge& edge : graph.edges) {
-            members.Find(*edge.object, graph, {"source", "target"});
-        }
-    }
+    const UnknownMembers unknown(subject, report);
+    ForObjects(subject.model, [&](const Json::Value& object, const Graph& graph, const auto& members) {
+        unknown.Find(object, graph, members);
+    });
 }
 
 // Calls `with` for each node of each graph.
@@ -177,8 +170,11 @@ void FindDuplicateIds(const Subject& subject, const Report& report) {
     for (const Graph& graph : subject.model.Graphs()) {
         std::unordered_map<int32_t, const Node*> known;
         for (const Node& node : graph.nodes) {
-            const auto [place, isNew] = known.try_emplace(node.number.value_or(0), &node);
-            if (node.number && !isNew) {
+            if (!node.number) {
+                continue;
+            }
+            const auto [place, isNew] = known.try_emplace(*node.number, &node);
+            if (!isNew) {
                 report(subject.At(*node.id), graph.name,
                        "the id " + std::to_string(*node.number) + " is that of " +
                            Quoted(place->second->Label()) + " in line " +

@@ -57,6 +57,10 @@ void FindCirclesOf(const Subject& subject, const Report& report) {
     }
 }
 
+const Json::Value& PlaceOf(const Node& node) {
+    return node.label != nullptr ? *node.label : *node.object;
+}
+
 bool IsSecondRoot(const GraphWalk& walk, size_t node) {
     return walk.isRoot[node] && !walk.entries.empty() && walk.isRoot[walk.entries.front()];
 }
@@ -70,7 +74,7 @@ void FindUnreachable(const Subject& subject, const Report& report) {
             const Node& node = graph.nodes[part.node];
             const std::string from =
                 walk.entries.empty() ? "" : " from " + Quoted(graph.nodes[walk.entries.front()].Label());
-            report(subject.At(node.label != nullptr ? *node.label : *node.object), graph.name,
+            report(subject.At(PlaceOf(node)), graph.name,
                    "no edges lead" + from + " to " + Quoted(node.Label()) +
                        (part.below > 0 ? ", nor to " + Counted(part.below, "node") + " below it" : ""));
         }
@@ -107,7 +111,7 @@ void FindSeveralRoots(const Subject& subject, const Report& report) {
         }
         for (const size_t root : walk.roots) {
             if (root != first && walk.isRoot[first] && root != walk.meantTarget) {
-                report(subject.At(*graph.nodes[root].object), graph.name,
+                report(subject.At(PlaceOf(graph.nodes[root])), graph.name,
                        "no edge leads to " + Quoted(graph.nodes[root].Label()) + ", nor to " +
                            Quoted(graph.nodes[first].Label()) + ", where walks begin: they never come here");
             }
@@ -142,8 +146,8 @@ void FindObservers(const Subject& subject, const Report& report) {
 void FindNoSuggestions(const Subject& subject, const Report& report) {
     ForWalks(subject, [&](const Graph& graph, const GraphWalk&) {
         for (const Node& node : graph.nodes) {
-            const bool isLeaf = node.isKept && node.children.empty() && !node.isModule &&
-                                !node.IsObservation() && node.NextGraph().empty();
+            const bool isLeaf = node.isKept && !node.Label().empty() && node.children.empty() &&
+                                !node.isModule && !node.IsObservation() && node.NextGraph().empty();
             if (isLeaf && TextOf(node.suggestion).empty()) {
                 const bool hasInfo = node.info != nullptr && node.info->isObject();
                 report(

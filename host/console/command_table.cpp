@@ -24,7 +24,7 @@ Words NoWords(const Words& /*before*/) {
     return {};
 }
 
-constexpr std::array<Row, 6> ROWS = {
+constexpr std::array<Row, 7> ROWS = {
     {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
      {"status", "", "what this host works on: files, configuration, switch, alarms, start-up.", NoWords, 0,
       false, RunStatus},
@@ -34,6 +34,8 @@ constexpr std::array<Row, 6> ROWS = {
      {"explain", "[OPTIONS] START END | MINUTES",
       "where the extra delay of slow points goes; --help tells more.", WordsAfterExplain, 0, true,
       RunExplain},
+     {"check", "[OPTIONS] [FILE]", "what is wrong with the configuration's graphs; --help tells more.",
+      WordsAfterCheck, 0, true, RunCheck},
      {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
 
 Command CommandOf(const Row& row) {
@@ -80,8 +82,8 @@ Command CommandNamed(const std::string& name) {
     if (const std::optional<Command> command = FindCommand(name)) {
         return *command;
     }
-    const std::string nearest = NearestName(name, CommandNames());
-    throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
-                     (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
+    const std::string other = DidYouMean(name, CommandNames());
+    throw UsageError("unknown command '" + Printable(name, 40) + "'" +
+                     (other.empty() ? "; 'help' lists the commands" : other));
 }
 }  // namespace zorv

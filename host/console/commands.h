@@ -35,5 +35,14 @@ std::string SwitchAndItsOrigin();
 ExitStatus RunExplain(const Words& words, ConsoleState& state);
 Words WordsAfterExplain(const Words& before);
 
+// Runs the program that checks the configuration, in the same way, on the same files; or, where the words
+// name one, on another file.
+ExitStatus RunCheck(const Words& words, ConsoleState& state);
+Words WordsAfterCheck(const Words& before);
+
+// Says on stderr how many errors that program finds in the configuration, unless there are none. Blocks until
+// it has ended.
+void TellConfigurationErrors();
+
 ExitStatus RunQuit(const Words& words, ConsoleState& state);
 }  // namespace zorv

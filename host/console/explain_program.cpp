@@ -7,18 +7,16 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
+#include <system_error>
 #include <vector>
 
 #include "host/process/files.h"
 
 namespace zorv {
 namespace {
-constexpr const char* PROGRAM = "zorv-explain";
-
 std::vector<char*> Pointers(Words& words) {
     std::vector<char*> pointers;
     for (std::string& word : words) {
@@ -31,7 +29,7 @@ std::vector<char*> Pointers(Words& words) {
 // Throws for the error number of a step on the way to the running program.
 void Check(int error) {
     if (error != 0) {
-        throw std::runtime_error(std::string("cannot run ") + PROGRAM + ": " + std::strerror(error));
+        throw std::system_error(error, std::generic_category());
     }
 }
 
@@ -60,19 +58,18 @@ pid_t Start(Words words, int output) {
     }
     const auto directory = std::filesystem::read_symlink("/proc/self/exe").parent_path();
     pid_t child = -1;
-    Check(posix_spawn(&child, (directory / PROGRAM).c_str(), &files.actions, nullptr, Pointers(words).data(),
-                      environ));
+    Check(posix_spawn(&child, (directory / words.front()).c_str(), &files.actions, nullptr,
+                      Pointers(words).data(), environ));
     return child;
 }
 
-ExitStatus WaitFor(pid_t child) {
+ExitStatus WaitFor(pid_t child, const std::string& program) {
     int status = 0;
     while (waitpid(child, &status, 0) < 0) {
         Check(errno == EINTR ? 0 : errno);
     }
     if (!WIFEXITED(status)) {
-        throw std::runtime_error(std::string(PROGRAM) + " was ended by signal " +
-                                 std::to_string(WTERMSIG(status)));
+        throw std::runtime_error(program + " was ended by signal " + std::to_string(WTERMSIG(status)));
     }
     return static_cast<ExitStatus>(WEXITSTATUS(status));
 }
@@ -93,15 +90,30 @@ ExitStatus RunForOutput(const Words& words, std::string& output) {
     const pid_t child = Start(words, writeEnd->Get());
     writeEnd.reset();
     ReadAll(readEnd.Get(), output);
-    return WaitFor(child);
+    return WaitFor(child, words.front());
+}
+
+// The first word is the program's name.
+ExitStatus Run(const Words& words, std::string* output) {
+    std::fflush(nullptr);
+    try {
+        return output != nullptr ? RunForOutput(words, *output) : WaitFor(Start(words, -1), words.front());
+    } catch (const std::system_error& error) {
+        throw std::runtime_error("cannot run " + words.front() + ": " + error.code().message());
+    }
 }
 }  // namespace
 
 ExitStatus RunExplainProgram(const Words& sharedOptions, const Words& arguments, std::string* output) {
-    Words words = {PROGRAM};
+    Words words = {"zorv-explain"};
     words.insert(words.end(), sharedOptions.begin(), sharedOptions.end());
     words.insert(words.end(), arguments.begin(), arguments.end());
-    std::fflush(nullptr);
-    return output != nullptr ? RunForOutput(words, *output) : WaitFor(Start(words, -1));
+    return Run(words, output);
+}
+
+ExitStatus RunCheckProgram(const Words& arguments, std::string* output) {
+    Words words = {"zorv-check"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return Run(words, output);
 }
 }  // namespace zorv

@@ -41,8 +41,9 @@ Json::Value EdgeValue(const GraphEdge& edge) {
 
 }  // namespace
 
-std::string RouteConfig(const Topology& topology) {
+std::string RouteConfig(const Topology& topology, const std::string& schema) {
     Json::Value config(Json::objectValue);
+    SetText(config, "$schema", schema);
     for (const Graph& graph : topology.Graphs()) {
         Json::Value nodes(Json::arrayValue);
         Json::Value edges(Json::arrayValue);

@@ -86,7 +86,7 @@ WorldSummary WriteWorld(const WorldModel& model, const Progress& progress) {
         peak.Observe(point, time, sample);
     };
     const std::vector<HealEvent> events = HealEvents(options, model.scenario, model.plan);
-    config.Write(model.config ? *model.config : RouteConfig(model.topology));
+    config.Write(model.config ? *model.config : RouteConfig(model.topology, options.schema));
     WriteHealEvents(heals.NewPath(), events);
     const double past = static_cast<double>(options.end - options.Start()) /
                         static_cast<double>(model.plan.End() - options.Start());

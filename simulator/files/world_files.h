@@ -13,8 +13,8 @@
 namespace lumosim {
 
 // The route configuration, the graphs as the diagnosis reads them: the document, indented for people to read
-// and copy.
-std::string RouteConfig(const Topology& topology);
+// and copy. It names `schema`, a URI, unless that is empty.
+std::string RouteConfig(const Topology& topology, const std::string& schema);
 
 // Writes the database of the agent's healing actions, a new one, at `path`, where at most an empty file may
 // be. Throws std::runtime_error.

@@ -54,6 +54,7 @@ struct WorldOptions {
     int64_t spikeBefore = 1800;              // how long before the fault that is, seconds
     std::optional<int64_t> noise = {};       // how far delays stray by chance, percent
     std::optional<int64_t> swing = {};       // how far delays stray over the day, percent
+    std::string schema = {};                 // what the configuration names as its schema; empty: none
 
     int64_t Start() const { return end - hours * SECONDS_PER_HOUR; }
     int64_t SampleCount() const { return hours * SECONDS_PER_HOUR / step; }

@@ -151,7 +151,7 @@ class OnTerminal(ConsoleTest):
             self.assertEqual("The history is not kept: " in session.screen, str(self.root) in path)
             session.type("help quit\r")
             session.leave()
-        self.assertFalse((self.root / "none").exists())
+        self.assertEqual([(self.root / name).exists() for name in ("none", DATABASE)], [False, False])
 
     def lock(self):
         database = sqlite3.connect(self.root / DATABASE, isolation_level=None)
@@ -235,6 +235,20 @@ class OnTerminal(ConsoleTest):
         terminal.until("zorv> ")
         self.assertRegex(terminal.screen, r"\r\x1b\[A\x1b\[J([^\r\n]* sqlite3_open faild:14\r\n)+zorv> help x{29}")
         self.assertEqual(terminal.leave(), 0)
+
+    def test_a_good_end_needs_no_log(self):
+        self.simulate("--end", "20230105143000")
+        modules = self.run_lines("showfaultfactor X 20230105103000 20230105143000\n")[2].split("MODULE: ")[1].split(", ")
+        good = ["delayanal", "20230105103000", "20230105143000"]
+        (self.root / CONFIG).rename(self.root / "config")
+        for words, config, has_log in ((good, "config", False), (["--log-level", "warning", *good], "config", True), (good, "", True),
+                                       *((["showfaultfactor", module.strip(), *good[1:]], "config", False) for module in modules)):
+            (self.root / CONFIG).write_bytes((self.root / config).read_bytes() if config else b"")
+            ours, theirs = pty.openpty()
+            out, _ = self.start(*words, stdout=subprocess.PIPE, stderr=theirs).communicate()
+            shown = os.read(ours, 1 << 16) if select.select([ours], [], [], 0)[0] else b""
+            self.assertEqual((b".cpp:" in shown, b"type err" in out), (has_log, False), (words, shown))
+            os.close(theirs), os.close(ours)
 
     def test_the_end(self):
         terminal = Terminal(self.root)

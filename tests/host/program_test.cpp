@@ -44,6 +44,8 @@ TEST_F(ProgramTest, ExitStatuses) {
         {PROBE + "echo --root 'a b' '' -h", "", 0, SAID + "[--root][a b][][-h]\n", ""},
         {PROBE + "-- echo", "", 0, SAID + "\n", ""},
         {PROBE + "print '\ninner error'", "", 1, "\ninner error\n", ""},
+        {PROBE + "print '\t\t[ERROR]: input err' --node=x", "", 1, "\t\t[ERROR]: input err\n",
+         "zorv-local: usage: print\nzorv-local: '--node=x' is behind the command"},
         {PROBE + "throw", "", 1, "", "zorv-local: thrown by a handler\n"},
         {PROBE + "--log log delaydetect", "", 1, "lumoLocName\n",
          "failed statements: 1 given up; on no rows: no database"},
@@ -161,7 +163,10 @@ TEST_F(ProgramTest, LeavesWhenNobodyCanRead) {
          {">&" + std::to_string(broken[1]), std::string(">/dev/full"), std::string(">&-")}) {
         const Outcome outcome = Run(PROBE + "--log log " + output, "echo a\necho b\n");
         EXPECT_EQ(outcome.status, 1) << output;
-        EXPECT_THAT(outcome.err, MatchesRegex("zorv-local: line 1: cannot print the results: [^\n]*\n"));
+        EXPECT_THAT(outcome.err,
+                    MatchesRegex(output[1] == '&' && output[2] != '-'
+                                     ? ""  // who reads no more knows it
+                                     : "zorv-local: line 1: cannot print the results: [^\n]*\n"));
         EXPECT_EQ(root.Read("/log"), "") << "a file took the number of the closed stream";
     }
     close(broken[1]);

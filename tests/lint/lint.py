@@ -35,6 +35,9 @@ ARROWS = {
     "host/services": {"host/process", "text"},
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
+    "host/basis": {"host/services", "host/process", "text"},
+    "host/console": {"host/basis", "host/services", "host/process", "cli", "text"},
+    "host/terminal": {"host/console", "host/capture", "host/services", "host/process", "text"},
     "simulator/graphs": set(),
     "simulator/plan": {"simulator/graphs", "cli", "text"},
     "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
@@ -48,6 +51,10 @@ ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlat
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/finding", "text"}
 ARROWS["explain"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
+ARROWS["check/source"] = set()
+ARROWS["check/graph"] = {"check/source", "fault_common", "text"}
+ARROWS["check/rules"] = {"check/graph", "check/source", "fault_common", "text"}
+ARROWS["check"] = {"check/source", "check/graph", "check/rules", "cli", "text", "host/process", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 BUILD = Path(os.environ["SMARTDIAGNOSE_BUILD"])
-PROGRAMS = ["zorv-local", "zorv-explain", "lumo-sim"]
+PROGRAMS = ["zorv-local", "zorv-explain", "zorv-check", "lumo-sim"]
 
 
 def run(*command, **options):
@@ -66,7 +66,7 @@ class PackageTest(unittest.TestCase):
     def test_completion(self):
         for line, expected in (("zorv-local --root x dela", ["delaydetect", "delayanal"]),
                                ("zorv-local --plu", ["--plugin"]), ("lumo-sim --scenario two", ["two-faults"]),
-                               ("zorv-explain --ht", ["--html"]), ("lumo-sim --fault-st", ["--fault-start", "--fault-strength"]), ("lumo-sim err", [])):
+                               ("zorv-explain --ht", ["--html"]), ("zorv-check --li", ["--list"]), ("lumo-sim --fault-st", ["--fault-start", "--fault-strength"]), ("lumo-sim err", [])):
             words = line.split()
             script = (f'. "{self.root}/usr/share/bash-completion/completions/{words[0]}"; '
                       f'_zorv_complete {words[0]} {words[-1]} {words[-2]}; echo "${{COMPREPLY[*]}}"')

@@ -1,4 +1,4 @@
-#include "host/console/history_file.h"
+#include "host/terminal/history_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -111,7 +111,10 @@ std::string HistoryPath() {
         return std::strcmp(file, "/dev/null") == 0 ? "" : file;
     }
     const std::string state = DirectoryIn("XDG_STATE_HOME");
-    const std::string home = DirectoryIn("HOME");
+    std::error_code ignored;
+    std::string home = DirectoryIn("HOME");
+    home = std::filesystem::is_directory(home, ignored) ? home
+                                                        : "";  // an account without one does not get it here
     if (state.empty() && home.empty()) {
         return {};
     }
