@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
@@ -162,6 +163,11 @@ std::string Answers::Usual(const std::string& point) const {
 Proof Prove(const Model& model, const ProofOptions& options, const std::string& directory,
             const std::function<void(size_t, size_t)>& progress) {
     const std::vector<Site> all = SitesOf(model);
+    if (all.empty()) {
+        throw std::runtime_error(options.told +
+                                 " has no graph in which an analysis of delays begins; without --plant "
+                                 "zorv-check tells what is wrong");
+    }
     const std::vector<Site> sites = SitesToPlantAt(all, options.point);
     Trials trials;
     for (const Site& site : sites) {

@@ -59,8 +59,8 @@ struct ProofOptions {
 
 // Plants a fault at every site, with each seed, in worlds below `directory`. Blocks for as long as that
 // takes: a tenth of a second of processor time a world. `progress`, which gets the worlds that are done and
-// all, is called by one thread at a time. Throws std::runtime_error when a world cannot be made or asked, and
-// cli::UsageError when no site is the point that is asked for.
+// all, is called by one thread at a time. Throws std::runtime_error when a world cannot be made or asked, or
+// there is no site, and cli::UsageError when none is the point that is asked for.
 Proof Prove(const Model& model, const ProofOptions& options, const std::string& directory,
             const std::function<void(size_t, size_t)>& progress);
 
