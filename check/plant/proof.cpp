@@ -105,6 +105,9 @@ Blindness WhyMissed(const Site& site, const Verdicts& verdicts) {
     if (named.empty()) {
         return Blindness::NOT_SEEN;
     }
+    if (isFlat(site.point)) {
+        return Blindness::CONSTANT;
+    }
     if (own != evidence.end() && other != evidence.end() && own->second == other->second) {
         return Blindness::SAME_STATISTICS;
     }

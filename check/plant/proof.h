@@ -29,6 +29,7 @@ struct Answers {
 // Why the explanation does not find a point.
 enum class Blindness {
     OBSERVATION,      // it counts no requests, so nothing can be its part
+    CONSTANT,         // its own rows never change
     SAME_STATISTICS,  // its rows are those of the point that is named
     FLAT_PARENT,      // above it is a point whose rows never change
     SEVERAL_GRAPHS,   // hosts see it in several graphs, each of which accounts for a part
