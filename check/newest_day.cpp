@@ -1,8 +1,8 @@
 #include "check/newest_day.h"
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
-#include <limits>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -43,22 +43,25 @@ PointIds ReadPoints(const std::string& path, PointStatistics& statistics) {
 bool ReadTable(const std::string& path, const std::string& table, const PointIds& ids, int64_t& newest) {
     bool hasOld = false;
     bool hasNew = false;
-    GuardedDatabase(path).Read(
-        "locateid, curtime, acceptnum, avgdelay", '"' + table + '"', "", [&](sqlite3_stmt* row) {
-            const int64_t time = sqlite3_column_int64(row, 1);
-            newest = std::max(newest, time);
-            const bool isOld = time <= newest - DAY;
-            (isOld ? hasOld : hasNew) = true;
-            const auto point = ids.find(sqlite3_column_int64(row, 0));
-            if (!isOld && point != ids.end()) {
-                point->second->push_back({time, sqlite3_column_int64(row, 2), sqlite3_column_int64(row, 3)});
-            }
-        });
+    GuardedDatabase(path).Read("locateid, curtime, acceptnum, avgdelay", table, "", [&](sqlite3_stmt* row) {
+        const int64_t time = sqlite3_column_int64(row, 1);
+        newest = std::max(newest, time);
+        const bool isOld = time <= newest - DAY;
+        (isOld ? hasOld : hasNew) = true;
+        const auto point = ids.find(sqlite3_column_int64(row, 0));
+        if (!isOld && point != ids.end()) {
+            point->second->push_back({time, sqlite3_column_int64(row, 2), sqlite3_column_int64(row, 3)});
+        }
+    });
     return hasNew || !hasOld;
 }
 
+// As producers name tables. The plug-in, too, puts the name into its statement as it is.
 bool IsPlainName(const std::string& table) {
-    return !table.empty() && table.size() < 100 && table.find_first_of("\"'`[];\\") == std::string::npos;
+    const bool isPlain = std::all_of(table.begin(), table.end(), [](unsigned char letter) {
+        return std::isalnum(letter) != 0 || letter == '_';
+    });
+    return isPlain && !table.empty() && std::isalpha(static_cast<unsigned char>(table[0])) != 0;
 }
 
 PointStatistics Read(const std::string& path) {

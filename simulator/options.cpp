@@ -111,6 +111,14 @@ void AddWorldOptions(CLI::App& app, WorldOptions& world) {
     app.add_flag("--wal", world.hasWal, "Statistics with a write-ahead log, not a rollback journal");
     app.add_option("--config", world.config, "Graphs of this route configuration, not lumo-sim's own")
         ->type_name("FILE");
+    app.add_option("--constant-point", world.constantPoints,
+                   "A point whose statistics never change; may be given several times")
+        ->type_name("NAME")
+        ->allow_extra_args(false);
+    app.add_option("--twin-points", world.twinPoints,
+                   "Two points with the same statistics; may be given several times")
+        ->type_name("NAME NAME")
+        ->allow_extra_args(false);
     app.add_option("--error-type", world.errorType, "Errors to plant: IOERROR, IORETRY or IOACCESSDENY")
         ->type_name("TYPE");
     app.add_option("--error-point", world.errorPoint, "Where to plant them: a point of an error graph")
@@ -174,6 +182,7 @@ Request ParseCommandLine(int argc, const char* const* argv) {
     LiveArguments live(app);
     app.get_option("--live")->excludes(fleet);
     app.get_option("--fault-start")->excludes(app.get_option("--fault-after"));
+    app.get_option("--config")->excludes(app.get_option("--schema"));  // it is written as it is
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {

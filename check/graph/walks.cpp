@@ -58,23 +58,28 @@ void FindRoots(const Graph& graph, GraphWalk& walk) {
     }
 }
 
-// The node with the label of one that hands over to the graph: where such a walk is meant to begin.
-size_t MeantTop(const Model& model, const Graph& graph) {
+// The node with the label of one that hands over to the graph, where such a walk is meant to begin, when all
+// others lead somewhere; else NONE.
+size_t OnlySink(const Model& model, const Graph& graph) {
     std::unordered_set<std::string_view> labels;
     for (const auto& [other, node] : graph.handedOverBy) {
-        labels.insert(model.Graphs()[other].nodes[node].Label());
-    }
-    for (size_t i = 0; i < graph.nodes.size(); ++i) {
-        if (graph.nodes[i].isKept && labels.count(graph.nodes[i].Label()) > 0) {
-            return i;
+        if (&model.Graphs()[other] != &graph) {
+            labels.insert(model.Graphs()[other].nodes[node].Label());
         }
     }
-    return NONE;
+    std::vector<size_t> sinks;
+    for (size_t i = 0; i < graph.nodes.size(); ++i) {
+        if (graph.nodes[i].isKept && graph.nodes[i].children.empty()) {
+            sinks.push_back(i);
+        }
+    }
+    const bool isMeant = sinks.size() == 1 && labels.count(graph.nodes[sinks.front()].Label()) > 0;
+    return isMeant ? sinks.front() : NONE;
 }
 
 void FindReversed(const Model& model, const Graph& graph, GraphWalk& walk) {
     std::vector<size_t> meant = walk.entries;
-    if (const size_t top = MeantTop(model, graph); top != NONE) {
+    if (const size_t top = OnlySink(model, graph); top != NONE) {
         meant.push_back(top);
     }
     for (const size_t node : meant) {
@@ -88,7 +93,10 @@ void FindReversed(const Model& model, const Graph& graph, GraphWalk& walk) {
 std::vector<size_t> Beginnings(const Graph& graph, const GraphWalk& walk) {
     const bool hasAllIds = std::all_of(graph.nodes.begin(), graph.nodes.end(),
                                        [](const Node& node) { return node.number.has_value(); });
-    const bool isUsed = !graph.uses.empty() || !graph.handedOverBy.empty();
+    const bool isWalked =
+        !graph.handedOverBy.empty() ||
+        std::any_of(graph.uses.begin(), graph.uses.end(), [](const GraphUse& use) { return use.isWalked; });
+    const bool isUsed = isWalked || (!graph.uses.empty() && !graph.edges.empty());
     if (!hasAllIds || !isUsed || graph.kind == GraphKind::FACTOR || walk.reversed != NONE ||
         !walk.usesWithoutEntry.empty()) {
         return {};

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -59,8 +60,9 @@ std::string PlantFaults(const Options& options, const Input& input, const Model&
     setenv("TZ", "UTC0", 1);  // so that it is the same everywhere
     const zorv::TemporaryDirectory directory;
     const size_t cores = std::max(1U, std::thread::hardware_concurrency());
+    const std::optional<PointStatistics> statistics = input.Statistics();
     const ProofOptions order{CopyOf(input, directory.Path()), input.File(), options.point,
-                             options.jobs > 0 ? options.jobs : cores};
+                             options.jobs > 0 ? options.jobs : cores, statistics ? &*statistics : nullptr};
     Proof proof;
     {
         ProgressLine line;

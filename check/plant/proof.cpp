@@ -7,9 +7,11 @@
 #include <map>
 #include <mutex>
 #include <set>
+#include <stdexcept>
 #include <thread>
 #include <utility>
 
+#include "check/plant/likeness.h"
 #include "check/plant/trial.h"
 #include "cli/program.h"
 #include "text/nearest_name.h"
@@ -22,9 +24,9 @@ using Trials = std::map<std::string, std::array<Trial, PLANT_SEEDS.size()>>;  //
 // Lets several threads plant, each into a world of its own, until all is done or one of them fails.
 class Planter {
 public:
-    Planter(const Model& toRead, const ProofOptions& toFollow, Trials& toFill,
-            const std::function<void(size_t, size_t)>& listener)
-        : model(toRead), options(toFollow), tell(listener) {
+    Planter(const Model& toRead, const ProofOptions& toFollow, std::vector<std::string> likeness,
+            Trials& toFill, const std::function<void(size_t, size_t)>& listener)
+        : model(toRead), options(toFollow), worldOptions(std::move(likeness)), tell(listener) {
         for (auto& [point, trials] : toFill) {
             for (size_t i = 0; i < trials.size(); ++i) {
                 tasks.push_back({&point, PLANT_SEEDS[i], &trials[i]});
@@ -58,8 +60,8 @@ private:
         for (size_t i = next++; i < tasks.size(); i = next++) {
             try {
                 const Task& task = tasks[i];
-                *task.trial =
-                    PlantAndAsk({options.configuration, options.told, *task.point, task.seed}, root, model);
+                *task.trial = PlantAndAsk(
+                    {options.configuration, options.told, *task.point, task.seed, worldOptions}, root, model);
                 const std::lock_guard<std::mutex> lock(mutex);
                 tell(++done, tasks.size());
             } catch (...) {
@@ -72,6 +74,7 @@ private:
 
     const Model& model;
     const ProofOptions& options;
+    const std::vector<std::string> worldOptions;
     const std::function<void(size_t, size_t)>& tell;
     std::vector<Task> tasks;
     std::atomic<size_t> next{0};
@@ -102,6 +105,9 @@ Blindness WhyMissed(const Site& site, const Verdicts& verdicts) {
     if (named.empty()) {
         return Blindness::NOT_SEEN;
     }
+    if (isFlat(site.point)) {
+        return Blindness::CONSTANT;
+    }
     if (own != evidence.end() && other != evidence.end() && own->second == other->second) {
         return Blindness::SAME_STATISTICS;
     }
@@ -126,8 +132,7 @@ SiteProof Judge(const Site& site, const std::array<Trial, PLANT_SEEDS.size()>& t
     return proof;
 }
 
-std::vector<Site> SitesToPlantAt(const Model& model, const std::string& point) {
-    std::vector<Site> sites = SitesOf(model);
+std::vector<Site> SitesToPlantAt(std::vector<Site> sites, const std::string& point) {
     if (point.empty()) {
         return sites;
     }
@@ -160,12 +165,22 @@ std::string Answers::Usual(const std::string& point) const {
 
 Proof Prove(const Model& model, const ProofOptions& options, const std::string& directory,
             const std::function<void(size_t, size_t)>& progress) {
-    const std::vector<Site> sites = SitesToPlantAt(model, options.point);
+    const std::vector<Site> all = SitesOf(model);
+    if (all.empty()) {
+        throw std::runtime_error(options.told +
+                                 " has no graph in which an analysis of delays begins; without --plant "
+                                 "zorv-check tells what is wrong");
+    }
+    const std::vector<Site> sites = SitesToPlantAt(all, options.point);
     Trials trials;
     for (const Site& site : sites) {
         trials[site.point];
     }
-    Planter(model, options, trials, progress).Run(directory);
+    std::vector<std::string> likeness;
+    if (options.statistics != nullptr) {
+        likeness = LikenessOptions(*options.statistics, all);
+    }
+    Planter(model, options, std::move(likeness), trials, progress).Run(directory);
     Proof proof;
     for (const Site& site : sites) {
         const SiteProof& judged = proof.sites.emplace_back(Judge(site, trials[site.point]));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "check/graph/model.h"
+#include "check/graph/statistics.h"
 #include "check/plant/site.h"
 
 namespace check {
@@ -28,6 +29,7 @@ struct Answers {
 // Why the explanation does not find a point.
 enum class Blindness {
     OBSERVATION,      // it counts no requests, so nothing can be its part
+    CONSTANT,         // its own rows never change
     SAME_STATISTICS,  // its rows are those of the point that is named
     FLAT_PARENT,      // above it is a point whose rows never change
     SEVERAL_GRAPHS,   // hosts see it in several graphs, each of which accounts for a part
@@ -52,12 +54,14 @@ struct ProofOptions {
     std::string told;
     std::string point;  // only this one; empty: all
     size_t jobs = 1;    // worlds at a time
+    // What the worlds take over from a node; null: nothing.
+    const PointStatistics* statistics = nullptr;
 };
 
 // Plants a fault at every site, with each seed, in worlds below `directory`. Blocks for as long as that
 // takes: a tenth of a second of processor time a world. `progress`, which gets the worlds that are done and
-// all, is called by one thread at a time. Throws std::runtime_error when a world cannot be made or asked, and
-// cli::UsageError when no site is the point that is asked for.
+// all, is called by one thread at a time. Throws std::runtime_error when a world cannot be made or asked, or
+// there is no site, and cli::UsageError when none is the point that is asked for.
 Proof Prove(const Model& model, const ProofOptions& options, const std::string& directory,
             const std::function<void(size_t, size_t)>& progress);
 

@@ -10,6 +10,8 @@ const char* WordOf(Blindness blindness) {
     switch (blindness) {
         case Blindness::OBSERVATION:
             return "observation only";
+        case Blindness::CONSTANT:
+            return "constant";
         case Blindness::SAME_STATISTICS:
             return "same statistics";
         case Blindness::FLAT_PARENT:

@@ -45,6 +45,8 @@ std::string ReasonOf(const SiteProof& proof) {
     switch (*proof.blindness) {
         case Blindness::OBSERVATION:
             return "observation only, it counts no requests";
+        case Blindness::CONSTANT:
+            return "its statistics never change";
         case Blindness::SAME_STATISTICS:
             return "same statistics";
         case Blindness::FLAT_PARENT:

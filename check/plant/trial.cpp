@@ -51,10 +51,11 @@ Trial PlantAndAsk(const Planting& planting, const std::string& root, const Model
         arguments.insert(arguments.begin(), {"--root", root});
         return OutputOf(program, arguments, goodStatuses, planting);
     };
-    run("lumo-sim",
-        {"--config", planting.configuration, "--hours", "1", "--end", END, "--seed",
-         std::to_string(planting.seed), "--fault-point", planting.point},
-        {0});
+    std::vector<std::string> world = {
+        "--config", planting.configuration,        "--hours",       "1",           "--end", END,
+        "--seed",   std::to_string(planting.seed), "--fault-point", planting.point};
+    world.insert(world.end(), planting.worldOptions.begin(), planting.worldOptions.end());
+    run("lumo-sim", world, {0});
     Trial trial;
     // Status 1 of both: nothing is found, or the answer rests on too little; 4: it cannot be told.
     ReadWalks(run("zorv-local", {"--log", "/dev/null", "delayanal", START, END}, {0, 1}), model, trial);

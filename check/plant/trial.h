@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <string>
+#include <vector>
 
 #include "check/graph/model.h"
 
@@ -26,6 +27,7 @@ struct Planting {
     std::string told;           // how an operator knows it
     std::string point;
     uint64_t seed;
+    const std::vector<std::string>& worldOptions;  // of lumo-sim, for all worlds alike
 };
 
 // Has lumo-sim write a world of an hour under `root`, in place of the one that is there, with the point slow

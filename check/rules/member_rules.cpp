@@ -170,8 +170,11 @@ void FindDuplicateIds(const Subject& subject, const Report& report) {
     for (const Graph& graph : subject.model.Graphs()) {
         std::unordered_map<int32_t, const Node*> known;
         for (const Node& node : graph.nodes) {
-            const auto [place, isNew] = known.try_emplace(node.number.value_or(0), &node);
-            if (node.number && !isNew) {
+            if (!node.number) {
+                continue;
+            }
+            const auto [place, isNew] = known.try_emplace(*node.number, &node);
+            if (!isNew) {
                 report(subject.At(*node.id), graph.name,
                        "the id " + std::to_string(*node.number) + " is that of " +
                            Quoted(place->second->Label()) + " in line " +

@@ -72,7 +72,7 @@ void FindConstants(const Subject& subject, const Report& report) {
             report(subject.At(point), graph.name,
                    "the delay of " + Quoted(TextOf(&point)) + " is " + std::to_string(rows->front().delay) +
                        " us in all " + Counted(rows->size(), "row") +
-                       " of the newest day: walks end above it");
+                       " of the newest day: it correlates with nothing");
         }
     });
 }
@@ -133,7 +133,7 @@ void FindDifferentCounts(const Subject& subject, const Report& report) {
                           const auto& parentRows, const auto& childRows) {
         const int64_t above = RequestsOf(parentRows);
         const int64_t below = RequestsOf(childRows);
-        if (below / FAR_MORE >= above && below > above) {
+        if (below / FAR_MORE > std::max<int64_t>(above, 1)) {
             report(subject.At(*edge.object), graph.name,
                    Quoted(child.Label()) + " counts " + std::to_string(below) +
                        " requests in the newest day, " + Quoted(parent.Label()) + " above it " +
@@ -174,7 +174,7 @@ std::vector<Rule> PointRules() {
         {"no-rows", Severity::WARNING, "A point without rows in the newest day cannot be found as a cause.",
          FindNoRows},
         {"constant", Severity::NOTE,
-         "Delays that never change correlate with nothing, so walks end above them.", FindConstants},
+         "Delays that never change correlate with nothing, so no walk comes to the point.", FindConstants},
         {"point-in-no-graph", Severity::NOTE, "A point that is in no graph is never found as a cause.",
          FindPointsInNoGraph},
         {"counts-differ", Severity::NOTE,

@@ -48,12 +48,17 @@ std::vector<std::string> PointNames(const Topology& topology) {
     return names;
 }
 
-void MoveTo(const std::string& name, const Topology& topology, FaultRecipe& fault) {
+// The point of that name, which has statistics.
+std::string_view PointNamed(const std::string& name, const Topology& topology) {
     const std::vector<std::string> names = PointNames(topology);
     if (std::find(names.begin(), names.end(), name) == names.end()) {
         throw cli::UsageError(NoSuchName("point", name, names));
     }
-    fault.point = topology.Points()[topology.IndexOf(name)].name;
+    return topology.Points()[topology.IndexOf(name)].name;
+}
+
+void MoveTo(const std::string& name, const Topology& topology, FaultRecipe& fault) {
+    fault.point = PointNamed(name, topology);
     const std::vector<std::string_view> graphs = topology.GraphsAbove(GraphFamily::FLOW, name);
     const auto graph = std::find_if(graphs.begin(), graphs.end(),
                                     [&](std::string_view one) { return IsSeen(topology, one, name); });
@@ -120,6 +125,12 @@ void ChooseFaults(const WorldOptions& options, const Topology& topology, Scenari
         MoveTo(options.faultPoint, topology, scenario.faults.front());
     }
     CheckFitsGraphs(options, topology, scenario);
+    for (const std::string& name : options.constantPoints) {
+        scenario.constantPoints.push_back(PointNamed(name, topology));
+    }
+    for (const auto& [point, twin] : options.twinPoints) {
+        scenario.twins.emplace_back(PointNamed(point, topology), PointNamed(twin, topology));
+    }
     for (FaultRecipe& fault : scenario.faults) {
         if (fault.when == FaultTime::LATE) {
             fault.course.seconds = options.faultLength.value_or(fault.course.seconds);

@@ -88,8 +88,14 @@ Plan::Plan(const WorldOptions& worldOptions, const Scenario& scenario, const Top
         faults.push_back(Place(recipe, topology));
         Spread(topology, levels, faults.back());
         if (!recipe.twin.empty()) {
-            twins.emplace(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
+            twins.emplace_back(topology.IndexOf(recipe.twin), topology.IndexOf(recipe.point));
         }
+    }
+    for (const auto& [point, twin] : scenario.twins) {
+        // Of two with the same statistics neither would show what is planted at the other one.
+        const bool isPlanted = !faults.empty() && faults.front().recipe.point == twin;
+        twins.emplace_back(topology.IndexOf(isPlanted ? point : twin),
+                           topology.IndexOf(isPlanted ? twin : point));
     }
     FitToHosts(topology, levels);
     if (scenario.hasGaps) {

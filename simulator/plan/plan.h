@@ -62,8 +62,8 @@ public:
     double UsualErrors(size_t point) const { return usualErrors[point]; }
     // Whether the point's statistics never change.
     bool IsConstant(size_t point) const { return constant[point]; }
-    // A point, and the one whose statistics are its own as well.
-    const std::optional<std::pair<size_t, size_t>>& Twins() const { return twins; }
+    // Points, each with the one whose statistics are its own as well.
+    const std::vector<std::pair<size_t, size_t>>& Twins() const { return twins; }
     // Whether the row of the point at that time is never written.
     bool IsMissing(size_t point, int64_t time) const;
 
@@ -85,7 +85,7 @@ private:
     std::vector<PlantedFault> faults;
     std::vector<double> usualErrors;
     std::vector<bool> constant;
-    std::optional<std::pair<size_t, size_t>> twins;
+    std::vector<std::pair<size_t, size_t>> twins;
     std::vector<std::pair<int64_t, int64_t>> gaps;  // from, before
 };
 

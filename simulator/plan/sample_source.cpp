@@ -123,8 +123,8 @@ void SampleSource::Fill(int64_t time, std::vector<Sample>& samples) const {
         FillCounts(point, time, load, samples[point]);
         FillDelays(point, time, delays[point] + plan.AddedDelay(point, time), samples[point]);
     }
-    if (const auto& twins = plan.Twins()) {
-        samples[twins->first] = samples[twins->second];
+    for (const auto& [twin, point] : plan.Twins()) {
+        samples[twin] = samples[point];
     }
 }
 

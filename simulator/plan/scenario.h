@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "simulator/graphs/graph_table.h"
@@ -85,6 +86,8 @@ struct Scenario {
     bool hasGaps = false;    // an hour, some intervals and single rows are missing
     double usualErrors = 1;  // how often points count errors that mean nothing, against an ordinary day
     Variation variation = {};
+    // Points, each with one that always has its statistics.
+    std::vector<std::pair<std::string_view, std::string_view>> twins = {};
 };
 
 const std::vector<Scenario>& Scenarios();

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "cli/program.h"
@@ -32,6 +33,9 @@ struct WorldOptions {
     // A route configuration, whose graphs the world has instead of the simulator's own; empty: none.
     std::filesystem::path config = {};
     std::string faultPoint = {};  // where the first fault is planted; empty: as the scenario has it
+    std::vector<std::string> constantPoints = {};  // besides the scenario's: statistics that never change
+    // Besides the scenario's: points, each with one that always has its statistics.
+    std::vector<std::pair<std::string, std::string>> twinPoints = {};
     // The type of the errors to plant, and the point; empty: as the scenario has it.
     std::string errorType = {}, errorPoint = {};
     int64_t period = SECONDS_PER_HOUR;  // how long one data table lasts, seconds

@@ -1,20 +1,24 @@
 """zorv-check: each mistake in the shipped configuration, in the place and in the words in which it is told."""
-import collections
 import json
+import os
+import pty
 import re
-import shutil
 import sqlite3
 import subprocess
 import tempfile
 import unittest
 from contextlib import closing
 from pathlib import Path
+from random import Random
 
 import jsonschema
 
 from console import BIN, CONFIG, DATABASE
 
 DOCS = Path(__file__).parents[2] / "docs"
+ROUNDS = 3000 if "SMARTDIAGNOSE_LONG" in os.environ else 200
+VALUES = [None, True, 0, 1, -1, 2.5, 5.0, 1 << 31, "", "x", "3", "-3", "+3", " 3", "12abc", "-1", "-6", "-01x", "whole follow",
+          "automic", "Whole", "MODULE", [], {}, [1], {"attr": "automic"}, {"qname": "x", "attr": "automic,"}]
 LINE = re.compile(r"(?P<file>.*?):(?P<line>\d+):(?P<column>\d+): (?P<severity>error|warning|note): "
                   r"(?:(?P<graph>\$?[A-Z0-9_]+): )?(?P<text>.*) \[(?P<rule>[a-z-]+)\]")
 
@@ -75,7 +79,7 @@ MISTAKES = [
     ("reversed-edges", "ERRCODE_SMB", '"label": "SMB_AUTHT', '"label": ^"SMB_AUTHT', '"source": "1", "target"', '"target": "1", "source"'),
     ("unused-graph", "SAN_READ", '"SAN_IO_READ": {', '^"SAN_READ": {"nodes": [{"id": 1, "label": "OB_"}]}, "SAN_IO_READ": {'),
     ("duplicate-label", "FACTOR_SAN", '{"id": 9, ', '{"id": 10, "label": ^"TGT_LUMO_HOST_CMD"}, {"id": 9, '),
-    ("unknown-member", "POOL_READ", '"suggestion": "Check the metadata', '"suggestion": "Check the metadata", ^"sugestion": "'),
+    ("unknown-member", "POOL_READ", '"suggestion": "Check the metadata', '"suggestion": "Check the metadata", ^"suggestio": "'),
     ("unknown-member", "POOL_READ", '{"id": 9, ', '{"id": 9, ^"subGraph": "FS_READ", '),
     ("observation-with-children", "SAN_IO_READ", '"label": "BDM_OB_', '"label": ^"BDM_OB_', EDGE_12, EDGE_12 + ', {"source": "13", "target": "12"}'),
     ("no-suggestion", "SAN_IO_READ", "\"info\": {\"suggestion\": \"Check the disk's", "\"info\": ^{\"$suggestion\": \"Check the disk's"),
@@ -164,6 +168,50 @@ class CheckTest(unittest.TestCase):
         for mistake in MISTAKES:
             self.expect_one(before, mistake)
         self.assertEqual({mistake[0] for mistake in MISTAKES + ROWS_MISTAKES}, set(self.rules))
+        self.assertLessEqual(set(self.rules), set(re.findall("`([a-z-]+)`", (DOCS / "check.md").read_text())))
+
+    def test_the_schema_refuses_nothing_that_is_no_error(self):
+        route = jsonschema.Draft7Validator(json.loads((DOCS / "route.schema.json").read_text()))
+        report = jsonschema.Draft7Validator(json.loads((DOCS / "check.schema.json").read_text()))
+        config, random, refused = json.loads(self.text), Random(7), 0
+        self.assertEqual(list(route.iter_errors(config)), [])
+        for _ in range(ROUNDS):
+            tried = json.loads(self.text)
+            graph = tried[random.choice(list(tried))]
+            holder = random.choice([graph, random.choice(graph["nodes"]), random.choice(graph["nodes"])["info"],
+                                    random.choice(graph["edges"])])
+            key = random.choice(list(holder) or ["attr"])
+            if random.random() < 0.2:
+                holder.pop(key, None)
+            else:
+                holder[key] = random.choice(VALUES)
+            (self.root / CONFIG).write_text(json.dumps(tried))
+            found = json.loads(self.check("--json", self.root / CONFIG))
+            report.validate(found)
+            errors = [error.message for error in route.iter_errors(tried)]
+            refused += bool(errors)
+            self.assertTrue(not errors or found["errors"], (key, holder, errors))
+        self.assertGreater(refused, ROUNDS / 4)
+
+    def test_a_root_of_lumo_sim_is_clean(self):
+        self.assertIn(" 0 errors, 0 warnings", self.check("--strict", "--root", self.root, status=0))
+        for words, status in ((["--root", self.root / "none"], 3), ([self.root / "none"], 3), ([self.root], 3), (["--x"], 2),
+                              (["--root", self.root, self.root / CONFIG], 2)):
+            self.check(*words, status=status)
+
+    def test_the_console_tells_and_lists_errors(self):
+        text, line, _ = changed(self.text, "SAN_IO_READ", ['"target": "12"', '"target": ^"112"'])
+        (self.root / CONFIG).write_text(text)
+        console = [BIN / "zorv-local", "--root", self.root]
+        listed = subprocess.run([*console, "check"], stdout=subprocess.PIPE, text=True)
+        self.assertEqual(listed.returncode, 1)
+        self.assertIn(f"{CONFIG}:{line}:", listed.stdout)
+        terminal, program = pty.openpty()
+        with subprocess.Popen(console, stdin=program, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True) as started:
+            os.write(terminal, b"quit\n")
+            self.assertIn("zorv-local: the configuration has 1 error; 'check' lists them\n", started.stderr.read())
+        os.close(terminal)
+        os.close(program)
 
     def test_the_database_is_asked_too(self):
         before = self.findings(self.text, "--root", self.root)

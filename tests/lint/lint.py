@@ -64,6 +64,10 @@ ARROWS["fleet/folding"] = {"fleet/answers", "explain/finding", "text"}
 ARROWS["fleet/collecting"] = {"fleet/answers", "host/process", "text"}
 ARROWS["fleet/reports"] = {"fleet/folding", "fleet/answers", "page", "text"}
 ARROWS["fleet"] = {unit for unit in ARROWS if unit.startswith("fleet/")} | {"host/process", "host/capture", "cli", "text"}
+ARROWS["check/source"] = set()
+ARROWS["check/graph"] = {"check/source", "fault_common", "text"}
+ARROWS["check/rules"] = {"check/graph", "check/source", "fault_common", "text"}
+ARROWS["check"] = {"check/source", "check/graph", "check/rules", "cli", "text", "host/process", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 
