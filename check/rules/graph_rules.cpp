@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <set>
 
+#include "check/rules/misspelt.h"
 #include "check/rules/rule.h"
 
 namespace check {
@@ -90,20 +91,27 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
 // Whether an unknown subGraph is told with the name of this graph as the one that was meant.
 bool IsMeantElsewhere(const Graph& graph, const std::set<std::string>& unknown, Suggester& suggester) {
     return std::any_of(unknown.begin(), unknown.end(), [&](const std::string& name) {
-        return !suggester.DidYouMean(name, {graph.name}).empty();
+        return name == graph.name || !suggester.DidYouMean(name, {graph.name}).empty();
     });
+}
+
+// The subGraphs that are no graphs, and what stands in members that should have been a subGraph.
+std::set<std::string> NamesInVain(const Model& model) {
+    std::set<std::string> names;
+    for (const Graph& graph : model.Graphs()) {
+        for (const Node& node : graph.nodes) {
+            const Member next = node.subGraph != nullptr ? node.subGraph : MisspeltMember(node, "subGraph");
+            if (!TextOf(next).empty() && (next != node.subGraph || model.Find(TextOf(next)) == nullptr)) {
+                names.emplace(TextOf(next));
+            }
+        }
+    }
+    return names;
 }
 
 void FindUnusedGraphs(const Subject& subject, const Report& report) {
     const std::vector<std::string> missing = MissingGraphs(subject.model);
-    std::set<std::string> unknown;
-    for (const Graph& graph : subject.model.Graphs()) {
-        for (const Node& node : graph.nodes) {
-            if (!node.NextGraph().empty() && subject.model.Find(node.NextGraph()) == nullptr) {
-                unknown.emplace(node.NextGraph());
-            }
-        }
-    }
+    const std::set<std::string> unknown = NamesInVain(subject.model);
     for (const Graph& graph : subject.model.Graphs()) {
         if (IsUnused(graph) && !IsMeantElsewhere(graph, unknown, subject.suggester)) {
             report(graph.key, graph.name,
