@@ -67,6 +67,7 @@ size_t OnlySink(const Model& model, const Graph& graph) {
             labels.insert(model.Graphs()[other].nodes[node].Label());
         }
     }
+    labels.erase("");
     std::vector<size_t> sinks;
     for (size_t i = 0; i < graph.nodes.size(); ++i) {
         if (graph.nodes[i].isKept && graph.nodes[i].children.empty()) {

@@ -7,8 +7,8 @@
 namespace check {
 namespace {
 
-// What commands do with a graph: "'delayanal' reads it for TGT_LUMO_HOST_READ"; empty: none reads it.
-std::string ReaderOf(const std::vector<GraphUse>& uses) {
+// The commands that read a graph.
+std::string ReadersOf(const std::vector<GraphUse>& uses) {
     std::string readers;
     for (const GraphUse& use : uses) {
         const std::string reader = "'" + use.command + "'";
@@ -83,7 +83,7 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
     }
     for (const std::string& name : MissingGraphs(subject.model)) {
         report(subject.At(subject.document.Root()), name,
-               "there is no such graph, but " + ReaderOf(UsesOf(name)) + " asks for it" +
+               "there is no such graph, though it is read by " + ReadersOf(UsesOf(name)) +
                    subject.suggester.DidYouMean(name, unused));
     }
 }
@@ -95,7 +95,8 @@ bool IsMeantElsewhere(const Graph& graph, const std::set<std::string>& unknown, 
     });
 }
 
-// The subGraphs that are no graphs, and what stands in members that should have been a subGraph.
+// What leads to a graph by mistake, or to none: subGraphs that are no graphs, what stands in members that
+// should have been a subGraph, and names of nodes.
 std::set<std::string> NamesInVain(const Model& model) {
     std::set<std::string> names;
     for (const Graph& graph : model.Graphs()) {
@@ -103,6 +104,10 @@ std::set<std::string> NamesInVain(const Model& model) {
             const Member next = node.subGraph != nullptr ? node.subGraph : MisspeltMember(node, "subGraph");
             if (!TextOf(next).empty() && (next != node.subGraph || model.Find(TextOf(next)) == nullptr)) {
                 names.emplace(TextOf(next));
+            }
+            if (next == nullptr && model.Find(TextOf(node.name)) != nullptr &&
+                TextOf(node.name) != graph.name) {
+                names.emplace(TextOf(node.name));
             }
         }
     }

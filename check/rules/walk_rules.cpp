@@ -125,7 +125,7 @@ void FindReversed(const Subject& subject, const Report& report) {
     ForWalks(subject, [&](const Graph& graph, const GraphWalk& walk) {
         if (walk.reversed != NONE) {
             const Node& node = graph.nodes[walk.reversed];
-            report(subject.At(*node.label), graph.name,
+            report(subject.At(PlaceOf(node)), graph.name,
                    "walks begin at " + Quoted(node.Label()) +
                        ", but edges only lead to it: the source is what is explained, the target the cause");
         }

@@ -134,11 +134,14 @@ class CheckTest(unittest.TestCase):
         holder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(holder.cleanup)
         cls.root = Path(holder.name)
-        subprocess.run([BIN / "lumo-sim", "--root", cls.root, "--scenario", "healthy", "--hours", "1",
+        subprocess.run([BIN / "lumo-sim", "--root", cls.root, "--scenario", "healthy", "--hours", "1", "--schema",
                         "--end", "20230105143000"], check=True, stdout=subprocess.DEVNULL)
         listed = subprocess.run([BIN / "zorv-check", "--list"], stdout=subprocess.PIPE, text=True, check=True).stdout
         cls.rules = {line.split()[1]: line.split()[0] for line in listed.splitlines()}
-        cls.text = pretty(json.loads((cls.root / CONFIG).read_text()))
+        cls.written = (cls.root / CONFIG).read_text()
+        config = json.loads(cls.written)
+        cls.schema = Path(config.pop("$schema").removeprefix("file://"))
+        cls.text = pretty(config)
 
     def check(self, *words, status=None):
         run = subprocess.run([BIN / "zorv-check", *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
@@ -194,10 +197,23 @@ class CheckTest(unittest.TestCase):
         self.assertGreater(refused, ROUNDS / 4)
 
     def test_a_root_of_lumo_sim_is_clean(self):
-        self.assertIn(" 0 errors, 0 warnings", self.check("--strict", "--root", self.root, status=0))
+        (self.root / CONFIG).write_text(self.written)
+        self.assertEqual(self.schema.read_text(), (DOCS / "route.schema.json").read_text())
+        self.assertIn("\n31 graphs, 338 nodes: 0 errors, 0 warnings", self.check("--strict", "--root", self.root, status=0))
+        status = subprocess.run([BIN / "zorv-local", "--root", self.root, "status"], stdout=subprocess.PIPE, text=True).stdout
+        self.assertIn("31 graphs, nodes/edges", status)
         for words, status in ((["--root", self.root / "none"], 3), ([self.root / "none"], 3), ([self.root], 3), (["--x"], 2),
                               (["--root", self.root, self.root / CONFIG], 2)):
             self.check(*words, status=status)
+
+    def test_twenty_of_a_kind_are_told(self):
+        text, line, column = changed(self.text, "SAN_IO_READ", [EDGE_12, ", ".join([EDGE_12] * 21 + ["^" + EDGE_12] + [EDGE_12] * 4)])
+        (self.root / CONFIG).write_text(text)
+        lines = self.check("--strict", self.root / CONFIG, status=1).splitlines()
+        self.assertIn(f"{self.root / CONFIG}:{line}:{column}: warning: SAN_IO_READ: and 5 more [duplicate-edge]", lines)
+        self.assertEqual(sum("[duplicate-edge]" in line for line in lines), 21)
+        self.assertIn(": 0 errors, 25 warnings,", lines[-1])
+        self.check(self.root / CONFIG, status=0)
 
     def test_the_console_tells_and_lists_errors(self):
         text, line, _ = changed(self.text, "SAN_IO_READ", ['"target": "12"', '"target": ^"112"'])
