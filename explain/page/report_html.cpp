@@ -3,6 +3,7 @@
 #include "explain/page/analysis_section.h"
 #include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
+#include "explain/page/healings_section.h"
 #include "explain/page/markup.h"
 #include "explain/page/style.h"
 #include "explain/report.h"
