@@ -5,12 +5,11 @@
 #include <iterator>
 
 #include "explain/finding/level.h"
+#include "explain/finding/run.h"
 
 namespace explain {
 namespace {
 
-constexpr size_t GAP = 1;        // samples within a run that are not high
-constexpr size_t WINDOW = 4;     // samples in a row whose mean is looked at, too
 constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
 constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
@@ -20,28 +19,6 @@ using Marks = std::vector<bool>;  // by position
 
 size_t CountOf(const Marks& marks) {
     return static_cast<size_t>(std::count(marks.begin(), marks.end(), true));
-}
-
-// First and last positions.
-struct Run {
-    size_t first = 0;
-    size_t last = 0;
-};
-
-// Runs of values above `least`, with at most `gap` others between two of them.
-std::vector<Run> RunsAbove(const std::vector<double>& values, double least, size_t gap = GAP) {
-    std::vector<Run> runs;
-    for (size_t i = 0; i < values.size(); ++i) {
-        if (values[i] <= least) {
-            continue;
-        }
-        if (!runs.empty() && i - runs.back().last <= gap + 1) {
-            runs.back().last = i;
-        } else {
-            runs.push_back({i, i});
-        }
-    }
-    return runs;
 }
 
 struct High {
@@ -184,6 +161,33 @@ Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
     return telling;
 }
 
+// How high the highest of the values that are in no run of several comes to lie by chance.
+double ChanceLimit(const std::vector<Run>& runs, const std::vector<double>& deviations) {
+    const auto at = [&](size_t position) {
+        return deviations.begin() + static_cast<std::ptrdiff_t>(position);
+    };
+    std::vector<double> usual;
+    size_t next = 0;
+    for (const Run& run : runs) {
+        if (run.first < run.last) {
+            usual.insert(usual.end(), at(next), at(run.first));
+            next = run.last + 1;
+        }
+    }
+    usual.insert(usual.end(), at(next), deviations.end());
+    return HighestByChance(std::move(usual));
+}
+
+// Without lone values as they come by chance.
+std::vector<Run> Unlikely(std::vector<Run> runs, const std::vector<double>& deviations) {
+    const double limit = ChanceLimit(runs, deviations);
+    const auto isChance = [&](const Run& run) {
+        return run.first == run.last && deviations[run.first] <= limit;
+    };
+    runs.erase(std::remove_if(runs.begin(), runs.end(), isChance), runs.end());
+    return runs;
+}
+
 size_t Distance(int64_t a, int64_t b) {
     return a > b ? static_cast<uint64_t>(a) - static_cast<uint64_t>(b)
                  : static_cast<uint64_t>(b) - static_cast<uint64_t>(a);
@@ -223,7 +227,7 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
     Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
-    for (const Run& run : RunsAbove(inside, 0.0)) {
+    for (const Run& run : Widened(Unlikely(RunsAbove(inside, 0.0), finding.deviations), finding.deviations)) {
         finding.events.push_back(EventOf(samples, finding, run.first, run.last));
     }
     return finding;

@@ -11,6 +11,9 @@ namespace {
 
 constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
 constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
+constexpr size_t TAIL = 20;                  // one of so many values is of the tail
+constexpr size_t FEWEST_OF_TAIL = 4;
+constexpr double RARELY = 30.0;
 
 bool IsConstant(const FaultSeries& series) {
     return std::all_of(series.begin(), series.end(),
@@ -27,6 +30,19 @@ double MedianOf(std::vector<double>& values) {
     }
     const double below = *std::max_element(values.begin(), middle);
     return below + (*middle - below) / 2;
+}
+
+double HighestByChance(std::vector<double> values) {
+    const size_t count = values.size() / TAIL;
+    if (count < FEWEST_OF_TAIL) {
+        return 0.0;
+    }
+    const auto from = values.end() - static_cast<std::ptrdiff_t>(count);
+    std::nth_element(values.begin(), from, values.end());
+    const double begin = *from;
+    std::vector<double> tail(from, values.end());
+    const double half = MedianOf(tail) - begin;
+    return begin + half * std::log2(RARELY * static_cast<double>(count));
 }
 
 double MeanOf(const std::vector<double>& values) {

@@ -27,6 +27,11 @@ Usual UsualOf(std::vector<double> values);
 // The middle value, or the mean of the two middle ones. `values` must not be empty.
 double MedianOf(std::vector<double>& values);
 
+// How high the highest of so many values comes to lie by chance, once in thirty times: if their tail goes on
+// as in their highest twentieth, of which half lie as far above its begin as half of these above them, and so
+// on. Normal values reach 5 scales so, others more. 0 for fewer than 80 values, which tell no tail.
+double HighestByChance(std::vector<double> values);
+
 double MeanOf(const std::vector<double>& values);
 
 // The fewest times that make a correlation.
