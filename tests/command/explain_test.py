@@ -75,6 +75,10 @@ class Explain(ConsoleTest):
                          (0, [("NAS_IO_NFSV3", "point", None),
                               ("NAS_IO_NFSV4", "cannot tell", "the configuration has no graph NAS_IO_NFSV4"),
                               ("NAS_IO_SMB2", "point", None)]))
+        graphs["NAS_IO_SMB2"], graphs["NAS_IO_NFSV3"] = graphs["NAS_IO_NFSV3"], graphs["NAS_IO_SMB2"]
+        (self.root / CONFIG).write_text(json.dumps(graphs))
+        _, _, found = self.explain(*self.range)
+        self.assertEqual([one["graph"] for one in found["analyses"]], ["NAS_IO_NFSV4", "NAS_IO_SMB2", "NAS_IO_NFSV3"])
 
     def test_ways_to_end(self):
         self.world("slow-disk")
