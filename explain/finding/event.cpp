@@ -10,7 +10,8 @@
 namespace explain {
 namespace {
 
-constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
+constexpr double FLATTER = 0.5;   // what a slow curve leaves of the spread when it is most of it
+constexpr double NEW_TAIL = 0.5;  // of what the whole series leads to expect
 constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
 constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
@@ -19,6 +20,11 @@ using Marks = std::vector<bool>;  // by position
 
 size_t CountOf(const Marks& marks) {
     return static_cast<size_t>(std::count(marks.begin(), marks.end(), true));
+}
+
+void Mark(size_t first, size_t last, Marks& marks) {
+    std::fill(marks.begin() + static_cast<std::ptrdiff_t>(first),
+              marks.begin() + static_cast<std::ptrdiff_t>(last) + 1, true);
 }
 
 struct High {
@@ -63,8 +69,7 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
         high.deviations = DeviationsFrom(high.usual, values);
         Marks now = high.inside;
         for (const Run& run : RunsAbove(high.deviations, HIGH)) {
-            std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
-                      now.begin() + static_cast<std::ptrdiff_t>(run.last) + 1, true);
+            Mark(run.first, run.last, now);
         }
         if (now == high.inside || !LeavesEnough(telling, now) || search == MOST_SEARCHES) {
             return high;
@@ -123,8 +128,7 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
         const auto last =
             std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
         if (first != until) {
-            std::fill(now.begin() + static_cast<std::ptrdiff_t>(*first),
-                      now.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
+            Mark(*first, *last, now);
         }
     }
     if (LeavesEnough(telling, now)) {
@@ -161,21 +165,29 @@ Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
     return telling;
 }
 
-// How high the highest of the values that are in no run of several comes to lie by chance.
+// How high the highest of the values that are in no run of several comes to lie by chance. Where the first
+// half of the series leads to expect less than half of that, such values have only begun to come: then that
+// half tells.
 double ChanceLimit(const std::vector<Run>& runs, const std::vector<double>& deviations) {
-    const auto at = [&](size_t position) {
-        return deviations.begin() + static_cast<std::ptrdiff_t>(position);
-    };
-    std::vector<double> usual;
-    size_t next = 0;
+    Marks several(deviations.size(), false);
     for (const Run& run : runs) {
         if (run.first < run.last) {
-            usual.insert(usual.end(), at(next), at(run.first));
-            next = run.last + 1;
+            Mark(run.first, run.last, several);
         }
     }
-    usual.insert(usual.end(), at(next), deviations.end());
-    return HighestByChance(std::move(usual));
+    std::vector<double> all;
+    std::vector<double> early;
+    for (size_t i = 0; i < deviations.size(); ++i) {
+        if (!several[i]) {
+            all.push_back(deviations[i]);
+        }
+        if (i + 1 == deviations.size() / 2) {
+            early = all;
+        }
+    }
+    const double limit = HighestByChance(std::move(all));
+    const double before = HighestByChance(std::move(early));
+    return before < NEW_TAIL * limit ? before : limit;
 }
 
 // Without lone values as they come by chance.

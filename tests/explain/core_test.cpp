@@ -73,6 +73,9 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         {"=hhh=", 0, 24, " 20-22 x3 @20", Silence::NONE, 20},
         {"=i=iihih=", 0, -1, " 43-45 x2 @43", Silence::NONE, 40},
         {"i.iiii.ii.i.iiiii.ii.i.i.ii.i.ii.i.i.ii", 0, -1, "", Silence::NONE},
+        {"====.h...h...h...h...h...h", 0, -1,
+         " 81-81 x1 @81 85-85 x1 @85 89-89 x1 @89 93-93 x1 @93 97-97 x1 @97 101-101 x1 @101+", Silence::NONE,
+         96},
         {"==5===", 0, 42, " 40-40 x1 @40", Silence::NONE},
         {"==5===", 0, 43, " 41-41 x0 @41", Silence::NONE},
     };
