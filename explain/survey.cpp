@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "explain/analysis/order.h"
 #include "explain/analysis/own_delay.h"
 #include "explain/errors/error_analysis.h"
 #include "explain/finding/healing.h"
@@ -130,9 +131,7 @@ public:
         if (failures > 0 && failures == subjects && report.errors.empty()) {
             throw NoData(*report.analyses.back().reason);
         }
-        // What is within the usual comes last: it is told because a time was named.
-        std::stable_partition(report.analyses.begin(), report.analyses.end(),
-                              [](const Analysis& analysis) { return !analysis.isWeak; });
+        PutCausesFirst(report.analyses);
         report.coverage = CoverageOf(store.Points(), question.range);
         const bool isAnswered = std::any_of(report.analyses.begin(), report.analyses.end(),
                                             [](const Analysis& analysis) { return analysis.HasAnswer(); });

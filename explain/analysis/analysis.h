@@ -100,6 +100,8 @@ struct Analysis {
     std::optional<Walk> walk;                 // for an answer
 
     bool HasAnswer() const { return verdict == Verdict::POINT || verdict == Verdict::LOAD; }
+    // Whether the slow point itself comes first of an answer: there is no cause to be sure of.
+    bool NamesItself() const { return candidates.front().point == point; }
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };

@@ -11,7 +11,8 @@ namespace {
 
 constexpr double EQUAL_LOAD = 0.1;  // requests that differ by less than this share are the same load
 constexpr size_t FEWEST_EQUAL_LOAD = 3;
-constexpr double EQUAL_DELAY = 1.2;   // at equal load, a delay up to this ratio is not slower
+constexpr double EQUAL_DELAY = 1.2;  // at equal load, a delay up to this ratio is not slower
+constexpr double MOST_OF_EXTRA = 0.5;
 constexpr double FOLLOWS_LOAD = 0.7;  // correlation of delay with requests
 constexpr size_t SAMPLES_AROUND = 10;
 
@@ -64,12 +65,18 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
     if (samples.size() > 1 && IsConstant(samples)) {
         reasons.push_back({ReasonKind::CONSTANT_DELAY});
     }
-    if (const size_t missing = MissingIntervals(samples); missing > 0) {
-        reasons.push_back({ReasonKind::MISSING_INTERVALS, missing});
+    if (const size_t missing = MissingIntervals(samples); missing > point.idle) {
+        reasons.push_back({ReasonKind::MISSING_INTERVALS, missing - point.idle});
     }
     if (point.hasGoneBack) {
         reasons.push_back({ReasonKind::CLOCK_JUMPED});
     }
+}
+
+// How far above its baseline the mean of so many samples lies when a point takes part: the noise of a mean is
+// less, but only as far as events are looked for in means.
+double Needed(size_t samples) {
+    return HIGH / std::sqrt(static_cast<double>(std::min(samples, WINDOW)));
 }
 
 // The event's samples against the baseline: how unusual, since when, how much extra delay, and whether the
@@ -94,7 +101,7 @@ void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, co
     if (!point.isObservation) {
         evidence.excess = excess;
         evidence.ownExcess = ownExcess;
-        evidence.takesPart = *evidence.deviations > HIGH && excess > 0.0;
+        evidence.takesPart = *evidence.deviations > Needed(end - first) && excess > 0.0;
     }
 }
 
@@ -114,16 +121,27 @@ std::optional<double> EqualLoadRatio(const Samples& baseline, double requests, d
     return usual > 0.0 ? std::optional<double>(delay / usual) : std::nullopt;
 }
 
-Nature NatureOf(const Evidence& evidence, bool surged) {
+// How far the requests rose.
+enum class Rise { NONE, SOME, SURGE };
+
+// Whether intervals of equal load have most of the extra delay, too.
+bool HasItAtEqualLoad(const Evidence& evidence) {
+    const double extra = *evidence.eventDelay - *evidence.baselineDelay;
+    const double usual = *evidence.eventDelay / *evidence.equalLoadRatio - *evidence.baselineDelay;
+    return usual > MOST_OF_EXTRA * extra;
+}
+
+Nature NatureOf(const Evidence& evidence, Rise rise) {
     if (!evidence.takesPart) {
         return Nature::USUAL;
     }
     if (evidence.equalLoadRatio) {
+        const bool isLoad = rise == Rise::SURGE || (rise == Rise::SOME && HasItAtEqualLoad(evidence));
         return *evidence.equalLoadRatio > EQUAL_DELAY ? Nature::DEVICE
-               : surged                               ? Nature::LOAD
+               : isLoad                               ? Nature::LOAD
                                                       : Nature::UNKNOWN;
     }
-    if (!surged) {
+    if (rise != Rise::SURGE) {
         return Nature::DEVICE;
     }
     if (!evidence.loadCorrelation) {
@@ -141,11 +159,14 @@ Samples Around(const Samples& samples, const Window& event) {
     return {samples.begin() + from, samples.begin() + until};
 }
 
-// Whether more requests came than usual: the scale of a day's swing may be wide, but hardly what is above all
-// that was seen before.
-bool HasSurged(double requests, const std::vector<double>& before) {
+// How many more requests came than usual: the scale of a day's swing may be wide, but hardly what is above
+// all that was seen before.
+Rise RiseOf(double requests, const std::vector<double>& before) {
     const double most = *std::max_element(before.begin(), before.end());
-    return requests > (1.0 + EQUAL_LOAD) * most || UsualOf(before).Deviations(requests) > HIGH;
+    const double deviations = UsualOf(before).Deviations(requests);
+    return requests > (1.0 + EQUAL_LOAD) * most || deviations > HIGH ? Rise::SURGE
+           : deviations > WEAK                                       ? Rise::SOME
+                                                                     : Rise::NONE;
 }
 
 void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& event, Evidence& evidence) {
@@ -155,7 +176,7 @@ void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& 
     evidence.baselineRequests = UsualOf(before).median;
     evidence.loadCorrelation = CorrelationOf(DelaySeries(around), RequestSeries(around)).correlation;
     evidence.equalLoadRatio = EqualLoadRatio(usual, *evidence.eventRequests, *evidence.eventDelay);
-    evidence.nature = NatureOf(evidence, HasSurged(*evidence.eventRequests, before));
+    evidence.nature = NatureOf(evidence, RiseOf(*evidence.eventRequests, before));
 }
 
 }  // namespace

@@ -110,6 +110,9 @@ GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, Sa
         const bool isObservation = data.isObservation;
         data = store.Of(name);
         data.isObservation = isObservation;
+        data.idle = data.samples.size();
+        data.samples = WithoutIdle(data.samples);
+        data.idle -= data.samples.size();
         for (Sample& sample : data.samples) {
             sample.requests = isObservation ? 0.0 : sample.requests;
         }

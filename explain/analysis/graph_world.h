@@ -33,8 +33,8 @@ struct GraphWorld {
 // Json::LogicError for a value of the wrong type.
 GraphWorld ReadGraphWorld(const std::string& point, const std::string& graph);
 
-// The same with the data of its points, but for their own delays, from the store, which may block on the
-// database. Throws what both throw.
+// The same with the data of its points, but for their own delays and for idle rows, from the store, which may
+// block on the database. Throws what both throw.
 GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store);
 
 }  // namespace explain

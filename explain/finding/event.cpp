@@ -5,13 +5,13 @@
 #include <iterator>
 
 #include "explain/finding/level.h"
+#include "explain/finding/run.h"
 
 namespace explain {
 namespace {
 
-constexpr size_t GAP = 1;        // samples within a run that are not high
-constexpr size_t WINDOW = 4;     // samples in a row whose mean is looked at, too
-constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
+constexpr double FLATTER = 0.5;   // what a slow curve leaves of the spread when it is most of it
+constexpr double NEW_TAIL = 0.5;  // of what the whole series leads to expect
 constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
 constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
@@ -22,26 +22,9 @@ size_t CountOf(const Marks& marks) {
     return static_cast<size_t>(std::count(marks.begin(), marks.end(), true));
 }
 
-// First and last positions.
-struct Run {
-    size_t first = 0;
-    size_t last = 0;
-};
-
-// Runs of values above `least`, with at most `gap` others between two of them.
-std::vector<Run> RunsAbove(const std::vector<double>& values, double least, size_t gap = GAP) {
-    std::vector<Run> runs;
-    for (size_t i = 0; i < values.size(); ++i) {
-        if (values[i] <= least) {
-            continue;
-        }
-        if (!runs.empty() && i - runs.back().last <= gap + 1) {
-            runs.back().last = i;
-        } else {
-            runs.push_back({i, i});
-        }
-    }
-    return runs;
+void Mark(size_t first, size_t last, Marks& marks) {
+    std::fill(marks.begin() + static_cast<std::ptrdiff_t>(first),
+              marks.begin() + static_cast<std::ptrdiff_t>(last) + 1, true);
 }
 
 struct High {
@@ -86,8 +69,7 @@ High FindHigh(const std::vector<double>& values, const Marks& telling) {
         high.deviations = DeviationsFrom(high.usual, values);
         Marks now = high.inside;
         for (const Run& run : RunsAbove(high.deviations, HIGH)) {
-            std::fill(now.begin() + static_cast<std::ptrdiff_t>(run.first),
-                      now.begin() + static_cast<std::ptrdiff_t>(run.last) + 1, true);
+            Mark(run.first, run.last, now);
         }
         if (now == high.inside || !LeavesEnough(telling, now) || search == MOST_SEARCHES) {
             return high;
@@ -146,8 +128,7 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
         const auto last =
             std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
         if (first != until) {
-            std::fill(now.begin() + static_cast<std::ptrdiff_t>(*first),
-                      now.begin() + static_cast<std::ptrdiff_t>(*last) + 1, true);
+            Mark(*first, *last, now);
         }
     }
     if (LeavesEnough(telling, now)) {
@@ -182,6 +163,41 @@ Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
         telling.push_back(!baseline || baseline->Holds(sample.time));
     }
     return telling;
+}
+
+// How high the highest of the values that are in no run of several comes to lie by chance. Where the first
+// half of the series leads to expect less than half of that, such values have only begun to come: then that
+// half tells.
+double ChanceLimit(const std::vector<Run>& runs, const std::vector<double>& deviations) {
+    Marks several(deviations.size(), false);
+    for (const Run& run : runs) {
+        if (run.first < run.last) {
+            Mark(run.first, run.last, several);
+        }
+    }
+    std::vector<double> all;
+    std::vector<double> early;
+    for (size_t i = 0; i < deviations.size(); ++i) {
+        if (!several[i]) {
+            all.push_back(deviations[i]);
+        }
+        if (i + 1 == deviations.size() / 2) {
+            early = all;
+        }
+    }
+    const double limit = HighestByChance(std::move(all));
+    const double before = HighestByChance(std::move(early));
+    return before < NEW_TAIL * limit ? before : limit;
+}
+
+// Without lone values as they come by chance.
+std::vector<Run> Unlikely(std::vector<Run> runs, const std::vector<double>& deviations) {
+    const double limit = ChanceLimit(runs, deviations);
+    const auto isChance = [&](const Run& run) {
+        return run.first == run.last && deviations[run.first] <= limit;
+    };
+    runs.erase(std::remove_if(runs.begin(), runs.end(), isChance), runs.end());
+    return runs;
 }
 
 size_t Distance(int64_t a, int64_t b) {
@@ -223,7 +239,7 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
     Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
-    for (const Run& run : RunsAbove(inside, 0.0)) {
+    for (const Run& run : Widened(Unlikely(RunsAbove(inside, 0.0), finding.deviations), finding.deviations)) {
         finding.events.push_back(EventOf(samples, finding, run.first, run.last));
     }
     return finding;

@@ -13,17 +13,25 @@ namespace {
 // below a tenth.
 constexpr double MOST_FLAGGED = 0.1;
 
-// Positions of the samples that the detector flags when it looks at those from `first` to before `end`.
-std::vector<size_t> FlagsOf(const Samples& samples, size_t first, size_t end) {
-    const auto begin = samples.begin();
+// Positions of the samples that the detector flags when it looks at the rows of the range, the idle ones
+// among them.
+std::vector<size_t> FlagsOf(const Samples& rows, const Samples& samples, const Window& range) {
+    const auto [first, end] = PositionsIn(rows, range);
+    const auto begin = rows.begin();
     std::vector<int64_t> delays;
     for (const FaultSeriesRow& row : DelaySeries(
              {begin + static_cast<std::ptrdiff_t>(first), begin + static_cast<std::ptrdiff_t>(end)})) {
         delays.push_back(row[1]);
     }
-    std::vector<size_t> flags = SmartDiagnose::Outliers(delays);
-    for (size_t& position : flags) {
-        position += first;
+    std::vector<size_t> flags;
+    for (const size_t position : SmartDiagnose::Outliers(delays)) {
+        const Sample& row = rows[first + position];
+        for (auto [i, until] = PositionsIn(samples, {row.time, row.time}); i < until; ++i) {
+            if (samples[i].delay == row.delay && (flags.empty() || flags.back() < i)) {
+                flags.push_back(i);
+                break;
+            }
+        }
     }
     return flags;
 }
@@ -58,8 +66,9 @@ Silence Look::SilenceOn(const Event& event) const {
     return isLargest ? Silence::SMALL : Silence::OUTSHONE;
 }
 
-Look LookAt(const std::string& point, const Samples& samples, const Window& range,
+Look LookAt(const std::string& point, const Samples& rows, const Window& range,
             const std::optional<Window>& baseline) {
+    const Samples samples = WithoutIdle(rows);
     Look look;
     look.point = point;
     look.finding = FindEvents(samples, baseline);
@@ -68,7 +77,7 @@ Look LookAt(const std::string& point, const Samples& samples, const Window& rang
                  samples.begin() + static_cast<std::ptrdiff_t>(end)};
     look.firstRow = first;
     look.samples = end - first;
-    look.flagged = FlagsOf(samples, first, end);
+    look.flagged = FlagsOf(rows, samples, range);
     for (const Event& event : look.finding.events) {
         if (event.last >= first && event.first < end) {
             look.events.push_back(event);

@@ -20,7 +20,7 @@ enum class Silence {
 
 struct Look {
     std::string point;
-    Finding finding;            // of all that was loaded: the range, and what was before it
+    Finding finding;  // of all that was loaded: the range, and what was before it; idle rows left out
     std::vector<Event> events;  // those that reach into the range, in the order of time
     Samples rows;               // of the range
     size_t firstRow = 0;        // position of the first of them in what was looked at
@@ -33,9 +33,9 @@ struct Look {
     Silence SilenceOn(const Event& event) const;
 };
 
-// Looks at `samples`, of which those outside the range only tell what is usual; with `baseline`, those of
-// that stretch alone do. No I/O.
-Look LookAt(const std::string& point, const Samples& samples, const Window& range,
+// Looks at `rows`, of which those outside the range only tell what is usual; with `baseline`, those of that
+// stretch alone do. Positions are those in WithoutIdle(rows). No I/O.
+Look LookAt(const std::string& point, const Samples& rows, const Window& range,
             const std::optional<Window>& baseline);
 
 // The order in which events are explained: what still goes on, then the latest first.

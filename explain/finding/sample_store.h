@@ -20,6 +20,7 @@ std::string CompactTime(int64_t time);
 struct PointData {
     Samples samples;
     std::vector<double> own;     // by sample: the delay less what the points below took of it, per request
+    size_t idle = 0;             // rows that were left out, see WithoutIdle
     bool isObservation = false;  // has delays but no requests
     bool hasGoneBack = false;    // the times did not ascend: they were put in order
 };

@@ -26,6 +26,16 @@ std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& wind
     return {first, std::max(first, end)};
 }
 
+Samples WithoutIdle(const Samples& samples) {
+    const bool counts = std::any_of(samples.begin(), samples.end(),
+                                    [](const Sample& sample) { return sample.requests != 0.0; });
+    Samples busy;
+    std::copy_if(samples.begin(), samples.end(), std::back_inserter(busy), [counts](const Sample& sample) {
+        return !counts || sample.requests != 0.0 || sample.delay != 0.0;
+    });
+    return busy;
+}
+
 std::vector<double> DelaysOf(const Samples& samples) {
     return Column(samples, [](const Sample& sample) { return sample.delay; });
 }

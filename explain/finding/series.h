@@ -31,6 +31,10 @@ constexpr size_t FEWEST_FOR_EVENTS = 11;
 // The samples of a stretch of time, as positions: the first one, and the one behind the last.
 std::pair<size_t, size_t> PositionsIn(const Samples& samples, const Window& window);
 
+// What says something of the delay: an interval in which nobody came, without requests and without delay,
+// does not. All, where no interval counts requests.
+Samples WithoutIdle(const Samples& samples);
+
 std::vector<double> DelaysOf(const Samples& samples);
 std::vector<double> RequestsOf(const Samples& samples);
 

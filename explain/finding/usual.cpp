@@ -8,6 +8,9 @@
 namespace explain {
 namespace {
 
+constexpr size_t TAIL = 20;                  // one of so many values is of the tail
+constexpr size_t FEWEST_OF_TAIL = 4;
+constexpr double RARELY = 30.0;
 constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise
 constexpr double MEDIAN_SHARE = 0.02;        // no series is steadier than that
 
@@ -38,6 +41,19 @@ Usual UsualOf(std::vector<double> values) {
         std::max(MAD_TO_DEVIATION * MedianOf(values), MEDIAN_SHARE * std::fabs(usual.median));
     usual.scale = scale > 0.0 ? scale : 1.0;
     return usual;
+}
+
+double HighestByChance(std::vector<double> values) {
+    const size_t count = values.size() / TAIL;
+    if (count < FEWEST_OF_TAIL) {
+        return 0.0;
+    }
+    const auto from = values.end() - static_cast<std::ptrdiff_t>(count);
+    std::nth_element(values.begin(), from, values.end());
+    const double begin = *from;
+    std::vector<double> tail(from, values.end());
+    const double half = MedianOf(tail) - begin;
+    return begin + half * std::log2(RARELY * static_cast<double>(count));
 }
 
 }  // namespace explain

@@ -22,11 +22,6 @@ bool IsSingle(const Event& event) {
     return event.first == event.last;
 }
 
-// The slow point itself comes first: there is no cause to be sure of.
-bool NamesItself(const Analysis& analysis) {
-    return analysis.candidates.front().point == analysis.point;
-}
-
 // What holds the delay, without a word on how sure that is.
 std::string HolderOf(const Analysis& analysis, const Figures& figures) {
     const Candidate& first = analysis.candidates.front();
@@ -35,7 +30,7 @@ std::string HolderOf(const Analysis& analysis, const Figures& figures) {
                                   ? ""
                                   : " " + analysis.candidates[1].point + " holds nearly as much: " +
                                         figures.share(analysis.candidates[1].share) + ".";
-    if (!NamesItself(analysis)) {
+    if (!analysis.NamesItself()) {
         return first.point + " (" + first.graph + ") holds " + share + "." + rival;
     }
     const std::string below = first.share >= MAJORITY ? "nothing below it in this graph explains the delay."
@@ -81,7 +76,7 @@ std::string AnswerOf(const Analysis& analysis, const Report& report, const Figur
     switch (analysis.verdict) {
         case Verdict::POINT:
             return HolderOf(analysis, figures) +
-                   (NamesItself(analysis) ? "" : " That is " + CertaintyOf(analysis) + ".");
+                   (analysis.NamesItself() ? "" : " That is " + CertaintyOf(analysis) + ".");
         case Verdict::LOAD:
             return "Load: the requests rose and the delay with them. No point is to blame.";
         case Verdict::NOTHING:
@@ -140,7 +135,7 @@ std::string BriefOf(const Analysis& analysis, const Figures& figures) {
         return WordOf(analysis.verdict);
     }
     const Candidate& first = analysis.candidates.front();
-    if (NamesItself(analysis)) {
+    if (analysis.NamesItself()) {
         return first.share >= MAJORITY ? "nothing below it explains it"
                                        : "no single point below it explains it";
     }

@@ -62,6 +62,17 @@ class Explain(ConsoleTest):
         self.assertEqual((status, found["analyses"][0]["verdict"]), (0, "load"))
         self.assertEqual(("\nLoad: " in text, "Ranking" in text), (True, False))
 
+    def test_intervals_in_which_nobody_came_say_nothing(self):
+        self.world("slow-disk")
+        fault = self.truth["fault"]
+        self.sql("update {table} set avgdelay = 0, acceptnum = 0 where curtime / 30 % 5 < 3 and curtime not between ? and ?",
+                 fault["start_epoch"], fault["end_epoch"])
+        status, text, found = self.explain(*self.range)
+        first = found["analyses"][0]
+        self.assertEqual((status, len(found["analyses"]), first["candidates"][0]["point"], first["event"]["start"]["epoch"]),
+                         (0, 1, DISK, fault["start_epoch"]))
+        self.assertNotIn("intervals without", text)
+
     def test_a_subject_without_data_leaves_the_others_their_answers(self):
         self.world("nas-slow")
         graphs = json.loads((self.root / CONFIG).read_text())
@@ -72,6 +83,10 @@ class Explain(ConsoleTest):
                          (0, [("NAS_IO_NFSV3", "point", None),
                               ("NAS_IO_NFSV4", "cannot tell", "the configuration has no graph NAS_IO_NFSV4"),
                               ("NAS_IO_SMB2", "point", None)]))
+        graphs["NAS_IO_SMB2"], graphs["NAS_IO_NFSV3"] = graphs["NAS_IO_NFSV3"], graphs["NAS_IO_SMB2"]
+        (self.root / CONFIG).write_text(json.dumps(graphs))
+        _, _, found = self.explain(*self.range)
+        self.assertEqual([one["graph"] for one in found["analyses"]], ["NAS_IO_NFSV4", "NAS_IO_SMB2", "NAS_IO_NFSV3"])
 
     def test_ways_to_end(self):
         self.world("slow-disk")
