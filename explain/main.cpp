@@ -38,7 +38,8 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
     try {
-        Survey(request, report);
+        SampleStore store(StretchesOf(request.question));
+        Survey(request, store, report);
     } catch (...) {
         throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
     }

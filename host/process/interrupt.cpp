@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
+#include <optional>
 #include <thread>
 
 namespace zorv {
@@ -16,17 +16,24 @@ static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler
 
 thread_local bool g_runsCommand = false;
 thread_local bool g_hasWaited = false;
+thread_local std::optional<Clock::time_point> g_limit;
 
 void Interrupt(int /*signal*/) {
     g_interrupted = true;
 }
 }  // namespace
 
-void TakeInterrupts() {
+void TakeInterrupts(std::initializer_list<int> signals) {
     struct sigaction action {};
     action.sa_handler = Interrupt;
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
+    for (const int signal : signals) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (signal == SIGINT || before.sa_handler != SIG_IGN) {
+            sigaction(signal, &action, nullptr);
+        }
+    }
 }
 
 CommandRun::CommandRun() {
@@ -39,16 +46,24 @@ CommandRun::~CommandRun() {
     g_runsCommand = false;
 }
 
+TimeLimit::TimeLimit(Clock::time_point end) {
+    g_limit = end;
+}
+
+TimeLimit::~TimeLimit() {
+    g_limit.reset();
+}
+
 bool RunsCommand() {
     return g_runsCommand;
 }
 
 bool Interrupted() {
-    return g_runsCommand && g_interrupted;
+    return g_runsCommand && (g_interrupted || (g_limit && Clock::now() >= *g_limit));
 }
 
 bool IsFirstWaitOfCommand() {
-    const bool isFirst = g_runsCommand && !g_hasWaited && !g_interrupted;
+    const bool isFirst = g_runsCommand && !g_hasWaited && !g_limit && !g_interrupted;
     g_hasWaited = true;
     return isFirst;
 }

@@ -3,12 +3,14 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
+#include <initializer_list>
 #include <mutex>
 
 namespace zorv {
-// From now on SIGINT interrupts the command that runs instead of ending the process, and does nothing while
-// none runs. Call it once, before the first command.
-void TakeInterrupts();
+// From now on these signals interrupt the command that runs instead of ending the process, and do nothing
+// while none runs; one that is ignored stays so, but for SIGINT. Call it once, before the first command.
+void TakeInterrupts(std::initializer_list<int> signals = {SIGINT});
 
 // The run of one command on the calling thread, the console's; an interrupt from before is forgotten. There
 // is one at a time.
@@ -20,6 +22,16 @@ public:
     CommandRun& operator=(const CommandRun&) = delete;
 };
 
+// While it lives, the command that the calling thread runs has until `end` for what it does; then that is
+// interrupted. It waits in silence. There is one at a time.
+class TimeLimit {
+public:
+    explicit TimeLimit(std::chrono::steady_clock::time_point end);
+    ~TimeLimit();
+    TimeLimit(const TimeLimit&) = delete;
+    TimeLimit& operator=(const TimeLimit&) = delete;
+};
+
 // Whether the calling thread runs a command, which may be interrupted.
 bool RunsCommand();
 
@@ -27,7 +39,8 @@ bool RunsCommand();
 // False on every other thread, whose work goes on. Does not block.
 bool Interrupted();
 
-// Whether the calling thread runs a command, asks for the first time in it, and was not interrupted.
+// Whether the calling thread runs a command without a limit, asks for the first time in it, and was not
+// interrupted.
 bool IsFirstWaitOfCommand();
 
 // Blocks for `duration`, or until the command that the calling thread runs is interrupted.
