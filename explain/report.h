@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "explain/analysis/analysis.h"
+#include "explain/errors/error_analysis.h"
 #include "explain/finding/coverage.h"
+#include "explain/finding/healing.h"
 
 namespace explain {
 
@@ -20,6 +22,9 @@ struct Stamp {
     std::string command;  // as it was typed, quoted for a shell where needed
 };
 
+// Words as a shell takes them back.
+std::string ShellLine(const std::vector<std::string>& words);
+
 // Versions, hashes and command line. Reads the configuration and the database below `directory` as plain
 // files: call it before the first connection to the database is opened, because closing a plain file drops
 // SQLite's locks on it. Blocks on file I/O.
@@ -27,6 +32,7 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& di
 
 struct Report {
     Stamp stamp;
+    std::string again;                // how a command begins that looks at the same files
     std::optional<std::string> node;  // whose statistics these are
     Question question;
     int64_t zoneOffset = 0;  // seconds east of UTC
@@ -35,6 +41,11 @@ struct Report {
     ChanceFlags flags;        // over all points that were loaded
     std::vector<Look> looks;  // one for each point that was asked for, or at which hosts enter
     std::vector<Analysis> analyses;
+    std::vector<ErrorLook> errorLooks;   // in the order of the columns; types without errors are left out
+    std::vector<ErrorAnalysis> errors;   // what still goes on first, then the latest
+    std::optional<Reason> errorsReason;  // why the errors cannot be told; none of them is then
+    std::vector<Healing> healings;  // of the range and of HEALING_LOOK_BACK before it, in the order of time
+    std::optional<Reason> healingsReason;  // why they cannot be told
 };
 
 // For a terminal: columns that are straight in a fixed-width font, lines of at most 80 cells, no escape

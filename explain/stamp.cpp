@@ -62,6 +62,14 @@ std::string Quoted(const std::string& word) {
 
 }  // namespace
 
+std::string ShellLine(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) {
+        line += (line.empty() ? "" : " ") + Quoted(word);
+    }
+    return line;
+}
+
 Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& directory) {
     Stamp stamp;
     stamp.program = EXPLAIN_VERSION;
@@ -69,9 +77,7 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& di
     stamp.jsoncpp = JSONCPP_VERSION_STRING;
     stamp.configurationHash = HashOf(directory + ZORV_ROUTE_CONFIG_FILE);
     stamp.databaseHash = HashOf(directory + LUMO_DATABASE_FILE);
-    for (const std::string& argument : arguments) {
-        stamp.command += (stamp.command.empty() ? "" : " ") + Quoted(argument);
-    }
+    stamp.command = ShellLine(arguments);
     return stamp;
 }
 

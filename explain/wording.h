@@ -110,9 +110,36 @@ std::string AgreementOf(const Analysis& analysis);
 // The point that comes first in a trial, or that none can be told.
 std::string FirstOf(const Trial& trial);
 
+// The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
+// without an analysis.
+std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
+
 // What the plug-in's own walk says beside the answer, with the window that it looked at; its subject is the
 // walk.
 std::string WalkOf(const Analysis& analysis, int64_t zoneOffset);
+
+// ---- the overview
+
+// A local time in hours and minutes, behind its day where the range has several.
+std::string ShortTime(int64_t time, const Report& report);
+
+// "12:58 to 13:00"; "13:26 to now" and "now" where the event goes on and the newest row is no older than a
+// few steps, else "13:26 on" and "still at 14:29"; "until 13:00".
+std::string ShortSpan(const Event& event, const Report& report);
+std::string WhetherOver(const Event& event, const Report& report);
+
+// "2.4 times".
+std::string TimesOf(double ratio);
+
+// "480 of 480 intervals, newest row 20 s old", and what is missing.
+std::string CoverageOf(const Report& report);
+
+// That a point is or was slow, so many times, the last with this ratio to the usual and this cause.
+std::string SlowOf(const Look& look, const Event& last, double ratio, const std::string& cause,
+                   const Report& report);
+
+// That none was.
+std::string NoneSlow(const Report& report);
 
 // ---- what it rests on
 

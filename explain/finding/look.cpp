@@ -64,6 +64,9 @@ Look LookAt(const std::string& point, const Samples& samples, const Window& rang
     look.point = point;
     look.finding = FindEvents(samples, baseline);
     const auto [first, end] = PositionsIn(samples, range);
+    look.rows = {samples.begin() + static_cast<std::ptrdiff_t>(first),
+                 samples.begin() + static_cast<std::ptrdiff_t>(end)};
+    look.firstRow = first;
     look.samples = end - first;
     const size_t latest = end - std::min(look.samples, Look::LATEST);
     look.latest.assign(samples.begin() + static_cast<std::ptrdiff_t>(latest),

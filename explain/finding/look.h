@@ -24,6 +24,8 @@ struct Look {
     std::string point;
     Finding finding;            // of all that was loaded: the range, and what was before it
     std::vector<Event> events;  // those that reach into the range, in the order of time
+    Samples rows;               // of the range
+    size_t firstRow = 0;        // position of the first of them in what was looked at
     size_t samples = 0;         // in the range
     size_t samplesInEvents = 0;
     std::vector<size_t> flagged;   // positions of samples that the detector flags, ascending

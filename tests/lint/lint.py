@@ -45,8 +45,10 @@ ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli",
 ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
 ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlation", "fault_json_object",
                               "fault_causality_graph", "fault_rootcause"}
-ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/finding", "text"}
-ARROWS["explain"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
+ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object",
+                            "fault_causality_graph", "fault_causality_errcode_graph"}
+ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text"}
+ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}

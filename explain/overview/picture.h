@@ -1,0 +1,53 @@
+// What the overview of a report shows, in whatever form.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "explain/wording.h"
+#include "text/sparkline.h"
+
+namespace explain {
+
+// How much something calls for attention.
+enum class Mood {
+    CALM,
+    OVER,  // it was unusual in the range
+    NOW,   // it still is
+    UNKNOWN
+};
+
+struct PictureLine {
+    std::string text;
+    Mood mood = Mood::CALM;
+};
+
+// One point, or one type of errors, over the range.
+struct PictureRow {
+    std::string name;
+    std::vector<TimedValue> values;
+    double floor = 0.0;  // what a sparkline begins and ends with
+    double top = 0.0;
+    std::string amount;  // "2.4 times"; empty when nothing is known
+    PictureLine state;   // "now", "until 13:02", "usual"
+};
+
+struct PictureEvent {
+    int64_t start = 0;
+    PictureLine when;
+    std::string subject;
+    std::string cause;    // empty when it was not looked for
+    std::string command;  // that explains it in full
+    size_t analysis = 0;  // the number of the one that explains it, from 1; 0: none
+};
+
+struct Picture {
+    std::vector<PictureLine> headlines;  // what is going on, since when, and why
+    std::vector<PictureRow> points;
+    std::vector<PictureEvent> events;  // what still goes on, then the latest first
+};
+
+Picture PictureOf(const Report& report, const Figures& figures);
+
+}  // namespace explain
