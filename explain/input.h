@@ -19,9 +19,10 @@ public:
     // The directory that was named, even if another stands for it; empty for the machine's own files.
     const std::string& Directory() const { return directory; }
 
-    // Reads the configuration and opens the databases. Throws std::runtime_error, with an operator's
-    // sentence, when one of them cannot be.
-    void Open() const;
+    // Both throw std::runtime_error, with an operator's sentence, when that cannot be; the second may be
+    // called again, also when they are open.
+    void ReadConfiguration() const;
+    void OpenDatabases() const;
 
 private:
     const std::string directory;

@@ -20,7 +20,10 @@ struct Options : cli::InputOptions {
     std::optional<std::string> html;    // file to write the page to
     std::string log = "/dev/null";
     bool json = false;
-    std::vector<std::string> times;  // start and end as an operator writes them, or a length in minutes
+    bool watch = false;                   // look again and again
+    std::optional<int64_t> every;         // seconds from one look to the next
+    std::optional<std::string> textFile;  // to write the state to
+    std::vector<std::string> times;       // start and end as an operator writes them, or a length in minutes
 };
 
 // How the program ends.

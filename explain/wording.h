@@ -15,10 +15,12 @@ namespace explain {
 
 enum class BaselinePart;
 enum class Certainty;
+enum class ChangeKind;
 enum class Nature;
 enum class Verdict;
 struct Analysis;
 struct Candidate;
+struct Change;
 struct Event;
 struct Look;
 struct Reason;
@@ -140,6 +142,20 @@ std::string SlowOf(const Look& look, const Event& last, double ratio, const std:
 
 // That none was.
 std::string NoneSlow(const Report& report);
+
+// ---- a watch
+
+// What has changed: "TGT_LUMO_HOST_READ slow, 2030 us (2.4 times), BDM_DISK_READ 99 %"; and the same behind
+// its time, with the day where that is not the day of `now`.
+std::string SentenceOf(const Change& change, int64_t zoneOffset);
+std::string LineOf(const Change& change, int64_t now, int64_t zoneOffset);
+const char* WordOf(ChangeKind kind);
+
+// How often a watch looks.
+std::string IntervalOf(int64_t seconds);
+
+// Why something could not be looked at just now; `failed` as with FailureOf().
+std::string TroubleOf(const Reason& reason, const std::string& failed);
 
 // ---- what it rests on
 

@@ -68,9 +68,6 @@ Look LookAt(const std::string& point, const Samples& samples, const Window& rang
                  samples.begin() + static_cast<std::ptrdiff_t>(end)};
     look.firstRow = first;
     look.samples = end - first;
-    const size_t latest = end - std::min(look.samples, Look::LATEST);
-    look.latest.assign(samples.begin() + static_cast<std::ptrdiff_t>(latest),
-                       samples.begin() + static_cast<std::ptrdiff_t>(end));
     look.flagged = FlagsOf(samples, first, end);
     for (const Event& event : look.finding.events) {
         if (event.last >= first && event.first < end) {

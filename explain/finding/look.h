@@ -19,8 +19,6 @@ enum class Silence {
 };
 
 struct Look {
-    static constexpr size_t LATEST = 2;  // as many usual samples end an event
-
     std::string point;
     Finding finding;            // of all that was loaded: the range, and what was before it
     std::vector<Event> events;  // those that reach into the range, in the order of time
@@ -29,7 +27,6 @@ struct Look {
     size_t samples = 0;         // in the range
     size_t samplesInEvents = 0;
     std::vector<size_t> flagged;   // positions of samples that the detector flags, ascending
-    Samples latest;                // the last ones of the range, LATEST at most
     std::optional<Event> highest;  // the sample of the range that lies highest above the usual
 
     // Of the detector, on an event of the series.

@@ -1,24 +1,20 @@
 #include "explain/watch/changes.h"
 
 #include <algorithm>
-#include <cmath>
+#include <iterator>
+
+#include "explain/wording.h"
 
 namespace explain {
 namespace {
 
-constexpr size_t FEWEST_TOLD = 2;   // samples of an event
-constexpr int64_t ENOUGH_MILD = 4;  // samples, of which few are high
+constexpr size_t FEWEST_TOLD = 2;  // samples of an event
+constexpr size_t ENOUGH_MILD = 4;  // samples, of which few are high
 constexpr int64_t SILENT_STEPS = 3;
 constexpr int64_t LEAST_SILENCE = 10;      // seconds
-constexpr size_t FAILURES_IN_A_ROW = 2;    // one look may meet a writer
 constexpr int64_t ACCEPTED_AFTER = 14400;  // seconds: as long as what tells what is usual
 
 constexpr const char* LOAD_LABEL = " ";  // that no point has
-
-bool IsOfReading(ReasonKind kind) {
-    return kind == ReasonKind::UNREADABLE_POINT || kind == ReasonKind::UNREADABLE_DATABASE ||
-           kind == ReasonKind::BAD_VALUE || kind == ReasonKind::ANOTHER_ZONE;
-}
 
 bool IsOfRows(ReasonKind kind) {
     return kind == ReasonKind::NO_ROWS_AT_ALL || kind == ReasonKind::NO_ROWS_OF_DETECTOR ||
@@ -85,23 +81,41 @@ Change ChangeOf(ChangeKind kind, const Report& report, const Look& look, const E
     return change;
 }
 
-// Of an event that goes on beyond what was told of it: whether so many samples are behind that.
-bool GoesFarOn(const Look& look, const Event& event, int64_t told, int64_t step) {
-    const auto samples = static_cast<int64_t>(event.last - event.first + 1);
-    const int64_t behind = std::min(samples, (event.end - told) / std::max<int64_t>(step, 1));
-    const auto end = look.finding.deviations.begin() + static_cast<std::ptrdiff_t>(event.last) + 1;
-    const auto high = std::count_if(end - behind, end, [](double deviations) { return deviations > HIGH; });
-    return behind >= ENOUGH_MILD || static_cast<size_t>(high) >= FEWEST_TOLD;
+// The last samples: as many usual ones end an event.
+Samples LastOf(const Look& look) {
+    return {look.rows.end() - std::min<std::ptrdiff_t>(2, std::distance(look.rows.begin(), look.rows.end())),
+            look.rows.end()};
+}
+
+// Of an event that goes on beyond what was told of it: whether enough samples are behind that.
+bool GoesFarOn(const Look& look, const Event& event, int64_t told) {
+    size_t high = 0;
+    size_t all = 0;
+    for (size_t i = event.last + 1; i-- > std::max(event.first, look.firstRow);) {
+        if (look.rows[i - look.firstRow].time <= told) {
+            break;
+        }
+        all += look.finding.deviations[i] > MILD ? size_t{1} : 0;
+        high += look.finding.deviations[i] > HIGH ? size_t{1} : 0;
+    }
+    return high >= FEWEST_TOLD || all >= ENOUGH_MILD;
 }
 
 // Whether the last samples are back at what was usual before the event. Along a slow curve that says nothing.
-bool IsBack(const Look& look, const Usual& usual) {
-    return look.finding.isCurved ||
-           std::all_of(look.latest.begin(), look.latest.end(),
-                       [&](const Sample& sample) { return usual.Deviations(sample.delay) <= HIGH; });
+bool IsBack(const Samples& last, const Look& look, const Usual& usual) {
+    return look.finding.isCurved || std::all_of(last.begin(), last.end(), [&](const Sample& sample) {
+               return usual.Deviations(sample.delay) <= HIGH;
+           });
 }
 
 }  // namespace
+
+bool Sight::IsUnread() const {
+    constexpr ReasonKind OF_READING[] = {ReasonKind::UNREADABLE_POINT, ReasonKind::UNREADABLE_DATABASE,
+                                         ReasonKind::BAD_VALUE, ReasonKind::ANOTHER_ZONE};
+    return failure &&
+           std::find(std::begin(OF_READING), std::end(OF_READING), failure->kind) != std::end(OF_READING);
+}
 
 ChangeList Changes::After(const Sight& sight) {
     ChangeList changes;
@@ -120,24 +134,23 @@ bool Changes::IsSlow(const std::string& point) const {
     return found != points.end() && found->second.isSlow;
 }
 
+double Changes::UsualOf(const Look& look) const {
+    return IsSlow(look.point) ? points.at(look.point).usual.median : look.finding.usual.median;
+}
+
 void Changes::TellOfDatabase(const Sight& sight, ChangeList& changes) {
     const int64_t now = sight.report.madeAt;
-    if (!sight.failure || !IsOfReading(sight.failure->kind)) {
-        if (unreadable.isTold) {
-            changes.push_back({ChangeKind::READABLE, now});
-            changes.back().seconds = now - unreadable.since;
-        }
-        unreadable = {};
-        hasSeen = true;
+    const bool isUnreadable = sight.IsUnread();
+    if (isUnreadable == unreadable.isTold) {
         return;
     }
-    unreadable.since = unreadable.looks == 0 ? now : unreadable.since;
-    ++unreadable.looks;
-    if (!unreadable.isTold && (unreadable.looks == FAILURES_IN_A_ROW || !hasSeen)) {
-        unreadable.isTold = true;
-        changes.push_back({ChangeKind::UNREADABLE, now});
-        changes.back().reason = FailureOf(*sight.failure, sight.failed);
+    changes.push_back({isUnreadable ? ChangeKind::UNREADABLE : ChangeKind::READABLE, now});
+    if (isUnreadable) {
+        changes.back().reason = TroubleOf(*sight.failure, sight.failed);
+    } else {
+        changes.back().seconds = now - unreadable.since;
     }
+    unreadable = {isUnreadable, now};
 }
 
 void Changes::TellOfRows(const Sight& sight, ChangeList& changes) {
@@ -163,7 +176,7 @@ void Changes::TellOfRows(const Sight& sight, ChangeList& changes) {
 }
 
 void Changes::TellOfPoint(const Report& report, const Look& look, ChangeList& changes) {
-    if (look.latest.empty() || look.finding.deviations.empty()) {
+    if (look.rows.empty() || look.finding.deviations.empty()) {
         return;
     }
     State& state = points[look.point];
@@ -171,20 +184,19 @@ void Changes::TellOfPoint(const Report& report, const Look& look, ChangeList& ch
         TellOfEvents(report, look, state, changes);
     } else if (!look.events.empty() && look.events.back().isOngoing) {
         state.end = look.events.back().end;
-        state.found = look.latest.back().time;
+        state.found = look.rows.back().time;
         TellOfCause(report, look, state, changes);
     } else {
         TellOfEnd(report, look, state, changes);
     }
-    state.open = look.latest.front().time;
+    state.open = LastOf(look).front().time;
 }
 
 void Changes::TellOfEvents(const Report& report, const Look& look, State& state, ChangeList& changes) {
     for (const Event& event : look.events) {
         const bool isNew = event.start > state.end;
         const bool isSlow =
-            event.isOngoing &&
-            (isNew ? event.count >= FEWEST_TOLD : GoesFarOn(look, event, state.end, report.coverage.step));
+            event.isOngoing && (isNew ? event.count >= FEWEST_TOLD : GoesFarOn(look, event, state.end));
         if (!isSlow && (event.isOngoing || !isNew || event.end < state.open)) {
             continue;
         }
@@ -192,22 +204,22 @@ void Changes::TellOfEvents(const Report& report, const Look& look, State& state,
         Change& change = changes.back();
         change.time = isNew ? event.start : Next(state.end, report);
         change.seconds = isSlow ? 0 : Next(event.end, report) - event.start;
-        state = {isSlow,
-                 change.time,
-                 event.end,
-                 look.latest.back().time,
-                 state.open,
-                 look.finding.usual,
-                 LabelOf(change.cause)};
+        state.isSlow = isSlow;
+        state.begin = change.time;
+        state.end = event.end;
+        state.found = look.rows.back().time;
+        state.usual = look.finding.usual;
+        state.cause = LabelOf(change.cause);
+        state.rival.clear();
     }
 }
 
 void Changes::TellOfEnd(const Report& report, const Look& look, State& state, ChangeList& changes) {
-    const Sample& last = look.latest.back();
+    const Sample& last = look.rows.back();
     if (!look.events.empty() && look.events.back().start <= state.end) {
         state.end = std::max(state.end, look.events.back().end);
     }
-    const bool isBack = IsBack(look, state.usual);
+    const bool isBack = IsBack(LastOf(look), look, state.usual);
     if (!isBack && last.time - state.found < ACCEPTED_AFTER) {
         // What lasts for hours becomes what the finder takes for usual.
         state.end = state.usual.Deviations(last.delay) > HIGH ? last.time : state.end;
@@ -223,7 +235,7 @@ void Changes::TellOfCause(const Report& report, const Look& look, State& state, 
     const Analysis* analysis = AnalysisOf(report, look.point, look.events.back());
     const std::optional<Cause> cause = analysis != nullptr ? CauseOf(*analysis) : std::nullopt;
     const std::string label = LabelOf(cause);
-    const int64_t now = look.latest.back().time;
+    const int64_t now = look.rows.back().time;
     if (label.empty() || label == state.cause) {
         state.rival.clear();
     } else if (label != state.rival) {

@@ -16,7 +16,9 @@ namespace explain {
 struct Sight {
     Report report;                       // what was filled before it failed
     std::optional<Reason> failure = {};  // why something could not be looked at
-    std::string failed = {};             // what SQLite says of it
+    bool IsUnread() const;               // of the database, or of a part of it
+
+    std::string failed = {};  // what SQLite says of it
 };
 
 // Knows what was told, and tells what is other. A point is told to be slow once two samples of an event lie
@@ -30,6 +32,9 @@ public:
 
     // Of what was told.
     bool IsSlow(const std::string& point) const;
+    // The median of the usual delays of a look's point: while it is slow, those before that.
+    double UsualOf(const Look& look) const;
+
     bool IsUnreadable() const { return unreadable.isTold; }
 
     // The newest row of all sights; none before the first.
@@ -55,7 +60,6 @@ private:
     // What is told of the database.
     struct Trouble {
         bool isTold = false;
-        size_t looks = 0;  // in a row
         int64_t since = 0;
     };
 
@@ -69,7 +73,6 @@ private:
     std::map<std::string, State> points;
     Trouble unreadable;
     Trouble silent;
-    bool hasSeen = false;  // the database could be read
     std::optional<int64_t> newest;
 };
 

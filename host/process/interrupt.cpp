@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <optional>
 #include <thread>
 
 namespace zorv {
@@ -16,7 +15,8 @@ static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler
 
 thread_local bool g_runsCommand = false;
 thread_local bool g_hasWaited = false;
-thread_local std::optional<Clock::time_point> g_limit;
+thread_local SingleTry* g_singleTry = nullptr;
+thread_local bool g_hasGivenUp = false;
 
 void Interrupt(int /*signal*/) {
     g_interrupted = true;
@@ -46,12 +46,24 @@ CommandRun::~CommandRun() {
     g_runsCommand = false;
 }
 
-TimeLimit::TimeLimit(Clock::time_point end) {
-    g_limit = end;
+SingleTry::SingleTry() {
+    g_singleTry = this;
+    g_hasWaited = false;
+    g_hasGivenUp = false;
 }
 
-TimeLimit::~TimeLimit() {
-    g_limit.reset();
+SingleTry::~SingleTry() {
+    g_singleTry = nullptr;
+    g_hasGivenUp = false;
+}
+
+bool GiveUpAtFirstTry(const std::string& why) {
+    if (g_singleTry == nullptr) {
+        return false;
+    }
+    g_singleTry->why = why;
+    g_hasGivenUp = true;
+    return true;
 }
 
 bool RunsCommand() {
@@ -59,11 +71,11 @@ bool RunsCommand() {
 }
 
 bool Interrupted() {
-    return g_runsCommand && (g_interrupted || (g_limit && Clock::now() >= *g_limit));
+    return g_runsCommand && (g_interrupted || g_hasGivenUp);
 }
 
 bool IsFirstWaitOfCommand() {
-    const bool isFirst = g_runsCommand && !g_hasWaited && !g_limit && !g_interrupted;
+    const bool isFirst = g_runsCommand && !g_hasWaited && !g_interrupted;
     g_hasWaited = true;
     return isFirst;
 }

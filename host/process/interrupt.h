@@ -6,6 +6,7 @@
 #include <csignal>
 #include <initializer_list>
 #include <mutex>
+#include <string>
 
 namespace zorv {
 // From now on these signals interrupt the command that runs instead of ending the process, and do nothing
@@ -22,15 +23,25 @@ public:
     CommandRun& operator=(const CommandRun&) = delete;
 };
 
-// While it lives, the command that the calling thread runs has until `end` for what it does; then that is
-// interrupted. It waits in silence. There is one at a time.
-class TimeLimit {
+// While it lives, the command that the calling thread runs never waits to try again: where it would, it is
+// interrupted, in silence. There is one at a time.
+class SingleTry {
 public:
-    explicit TimeLimit(std::chrono::steady_clock::time_point end);
-    ~TimeLimit();
-    TimeLimit(const TimeLimit&) = delete;
-    TimeLimit& operator=(const TimeLimit&) = delete;
+    SingleTry();
+    ~SingleTry();
+    SingleTry(const SingleTry&) = delete;
+    SingleTry& operator=(const SingleTry&) = delete;
+
+    // Why it would have waited, as whoever waits says it; empty when it never did.
+    const std::string& Why() const { return why; }
+
+private:
+    friend bool GiveUpAtFirstTry(const std::string& why);
+    std::string why;
 };
+
+// Interrupts the command that the calling thread runs where it has a SingleTry; else returns false.
+bool GiveUpAtFirstTry(const std::string& why);
 
 // Whether the calling thread runs a command, which may be interrupted.
 bool RunsCommand();
@@ -39,7 +50,7 @@ bool RunsCommand();
 // False on every other thread, whose work goes on. Does not block.
 bool Interrupted();
 
-// Whether the calling thread runs a command without a limit, asks for the first time in it, and was not
+// Whether the calling thread runs a command, asks for the first time in it (or in its SingleTry), and was not
 // interrupted.
 bool IsFirstWaitOfCommand();
 

@@ -1,0 +1,36 @@
+#include "explain/output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+
+#include "host/process/files.h"
+
+namespace explain {
+
+void PrintAnswer(const std::string& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
+        throw OutputError(std::string("the answer cannot be printed: ") + std::strerror(errno));
+    }
+}
+
+void WritePage(const std::string& path, const std::string& page) {
+    bool isWritten = false;
+    std::error_code ignored;
+    if (std::filesystem::is_regular_file(path, ignored) ||
+        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
+        isWritten = zorv::ReplaceFile(std::filesystem::weakly_canonical(path), page);
+    } else {
+        std::ofstream stream(path, std::ios::binary);
+        stream << page;
+        stream.close();
+        isWritten = stream.good();
+    }
+    if (!isWritten) {
+        throw OutputError("the page '" + path + "' cannot be written: " + std::strerror(errno));
+    }
+}
+
+}  // namespace explain

@@ -1,0 +1,60 @@
+#include "explain/watch/lookout.h"
+
+#include <ctime>
+#include <stdexcept>
+
+#include "explain/request.h"
+#include "explain/survey.h"
+#include "host/process/interrupt.h"
+
+namespace explain {
+namespace {
+
+constexpr const char* RANGE_MINUTES = "60";
+
+}  // namespace
+
+Lookout::Lookout(const Options& asked, const Input& toRead) : options(asked), input(toRead) {
+    options.times = {RANGE_MINUTES};
+}
+
+Sight Lookout::Look() {
+    const LocalClock clock = ClockAt(std::time(nullptr));
+    Request request = RequestOf(options, clock);
+    for (PointRequest& point : request.points) {
+        point.when = PointRequest::IF_SLOW;
+    }
+    Sight sight;
+    sight.report.node = options.node;
+    sight.report.question = request.question;
+    sight.report.zoneOffset = request.zoneOffset;
+    sight.report.madeAt = clock.time;
+    const zorv::SingleTry once;
+    try {
+        Open();
+        store.MoveTo(StretchesOf(request.question).front());
+        Survey(request, store, sight.report);
+    } catch (...) {
+        sight.failure = ReasonOfFailure();
+        sight.failed = openingFailure.empty() ? once.Why() : openingFailure;
+        isOpen = false;
+    }
+    return sight;
+}
+
+// Throws NoData when that fails; `openingFailure` says why.
+void Lookout::Open() {
+    openingFailure.clear();
+    if (isOpen) {
+        return;
+    }
+    try {
+        input.OpenDatabases();
+    } catch (const std::runtime_error& error) {
+        openingFailure = error.what();
+        throw NoData({ReasonKind::UNREADABLE_DATABASE});
+    }
+    isOpen = true;
+}
+
+}  // namespace explain
