@@ -24,6 +24,11 @@ public:
     void ReadConfiguration() const;
     void OpenDatabases() const;
 
+    void Open() const {
+        ReadConfiguration();
+        OpenDatabases();
+    }
+
 private:
     const std::string directory;
     std::unique_ptr<zorv::Capture> capture;  // used as long as it lives

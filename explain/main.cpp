@@ -1,5 +1,7 @@
 #include <json/value.h>
 
+#include <unistd.h>
+
 #include <cstdio>
 #include <ctime>
 #include <filesystem>
@@ -10,14 +12,17 @@
 #include "explain/analysis/analysis.h"
 #include "explain/input.h"
 #include "explain/output.h"
+#include "explain/overview.h"
 #include "explain/report.h"
 #include "explain/request.h"
+#include "explain/series/point_series.h"
 #include "explain/survey.h"
 #include "explain/watch.h"
 #include "explain/wording.h"
 #include "host/capture/inputs.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
+#include "host/process/screen.h"
 #include "host/process/statements.h"
 #include "text/local_time.h"
 #include "text/printable.h"
@@ -30,12 +35,13 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
                   const std::vector<std::string>& arguments, const LocalClock& clock) {
     Report report;
     report.node = options.node;
+    report.again = AgainOf(options);
+    report.isInConsole = options.isInConsole;
     report.question = request.question;
     report.zoneOffset = request.zoneOffset;
     report.madeAt = clock.time;
     report.stamp = MakeStamp(arguments, input.Directory());
-    input.ReadConfiguration();
-    input.OpenDatabases();
+    input.Open();
     try {
         SampleStore store(StretchesOf(request.question));
         Survey(request, store, report);
@@ -46,7 +52,10 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
 }
 
 ExitStatus StatusOf(const Report& report) {
-    bool cannotTell = false;
+    bool cannotTell = report.errorsReason.has_value();
+    if (!report.errors.empty()) {
+        return STATUS_ANSWERED;
+    }
     for (const Analysis& analysis : report.analyses) {
         if (analysis.HasAnswer() && !analysis.isWeak) {
             return STATUS_ANSWERED;
@@ -73,17 +82,50 @@ void RefuseInputs(const Options& options) {
     }
 }
 
+PointSeries SeriesOf(const Options& options, const Request& request, const Input& input,
+                     const LocalClock& clock) {
+    Report report;
+    report.node = options.node;
+    report.question = request.question;
+    report.zoneOffset = request.zoneOffset;
+    report.madeAt = clock.time;
+    input.Open();
+    try {
+        return LoadSeries(*options.series, options.columns, report);
+    } catch (...) {
+        throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
+    }
+}
+
+// For whoever reads it: a person, or a program.
+void PrintSeries(const PointSeries& series, bool isJson) {
+    PrintAnswer(isJson                       ? SeriesJson(series)
+                : isatty(STDOUT_FILENO) == 1 ? SeriesText(series, StyleOf(STDOUT_FILENO))
+                                             : SeriesCsv(series));
+}
+
+int RunSeries(const Options& options, const Request& request, const Input& input, const LocalClock& clock) {
+    PrintSeries(SeriesOf(options, request, input, clock), options.json);
+    return STATUS_ANSWERED;
+}
+
+int RunReport(const Options& options, const Report& report) {
+    PrintAnswer(options.json       ? JsonReport(report)
+                : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
+                                   : TextReport(report));
+    if (options.html) {
+        WritePage(*options.html, HtmlReport(report));
+    }
+    return StatusOf(report);
+}
+
 int ExplainOnce(const Options& options, const std::vector<std::string>& arguments) {
     const LocalClock clock = ClockAt(std::time(nullptr));
     const Request request = RequestOf(options, clock);
     const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
-    const Report report = MakeReport(options, request, input, arguments, clock);
-    PrintAnswer(options.json ? JsonReport(report) : TextReport(report));
-    if (options.html) {
-        WritePage(*options.html, HtmlReport(report));
-    }
-    return StatusOf(report);
+    return options.series ? RunSeries(options, request, input, clock)
+                          : RunReport(options, MakeReport(options, request, input, arguments, clock));
 }
 
 int Run(const Options& options, const std::vector<std::string>& arguments) {

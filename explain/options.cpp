@@ -12,6 +12,7 @@ constexpr const char* DESCRIPTION =
     "Explains why a trace point was slow: where its extra delay goes, and how sure that is.";
 
 constexpr int64_t LONGEST_INTERVAL = 3600;  // seconds: the range of a look
+constexpr const char* OVERVIEW_MINUTES = "240";
 
 constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
@@ -25,6 +26,8 @@ cannot be written, 130 (in a shell) ended with Ctrl-C.
 
 Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
+  zorv-explain --root /tmp/world --overview                  the last four hours on one screen
+  zorv-explain --root /tmp/world --series BDM_DISK_READ 60   its rows of the last hour; CSV in a pipe
   zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
@@ -56,6 +59,21 @@ void Declare(CLI::App& app, Options& options) {
         ->expected(1, 4)  // those of the range among them: see SplitBaseline()
         ->type_name("START END");
     app.add_option("--node", options.node, "The node's name, for reports of several")->type_name("NAME");
+    CLI::Option* overview = app.add_flag(
+        "--overview", options.overview,
+        "Print one screen: how every point did, and what happened; default: of the last four hours");
+    CLI::Option* series = app.add_option("--series", options.series,
+                                         "Print what the statistics hold of this point, and nothing else")
+                              ->type_name("NAME")
+                              ->excludes(point)
+                              ->excludes(overview);
+    app.add_option(
+           "--columns", options.columns,
+           "Of it: avgdelay, maxdelay, mindelay, acceptnum, successnum, failednum, retrynum, errCode0 to "
+           "errCode4; default: all, on a terminal those that are not zero")
+        ->type_name("NAMES")
+        ->needs(series);
+    app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
     app.add_flag("--json", options.json, "Print JSON; with --watch, an object in a line for each change");
     CLI::Option* html =
         app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
@@ -65,6 +83,8 @@ void Declare(CLI::App& app, Options& options) {
             ->excludes("--during")
             ->excludes("--baseline")
             ->excludes(html)
+            ->excludes(overview)
+            ->excludes(series)
             ->excludes("--capture");
     app.add_option("--every", options.every,
                    "Seconds from one look to the next; the statistics' own step when left out")
@@ -103,12 +123,41 @@ void SplitBaseline(Options& options) {
 
 }  // namespace
 
+std::vector<std::string> AgainOf(const Options& options) {
+    std::vector<std::string> words = {options.isInConsole ? "explain" : "zorv-explain"};
+    const auto add = [&words](const char* option, const std::optional<std::string>& value) {
+        if (value) {
+            words.insert(words.end(), {option, *value});
+        }
+    };
+    if (!options.isInConsole) {  // which has these itself
+        add("--root", options.root);
+        add("--capture", options.capture);
+        if (options.emptyHeal) {
+            words.emplace_back("--empty-heal");
+        }
+        add("--zone", options.zone);
+    }
+    for (const std::string& point : options.points) {
+        add("--point", point);
+    }
+    add("--graph", options.graph);
+    if (!options.baseline.empty()) {
+        words.emplace_back("--baseline");
+        words.insert(words.end(), options.baseline.begin(), options.baseline.end());
+    }
+    return words;
+}
+
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     CLI::App app(DESCRIPTION);
     Declare(app, options);
     try {
         app.parse(argc, argv);
         SplitBaseline(options);
+        if (options.overview && options.times.empty() && options.during.empty()) {
+            options.times = {OVERVIEW_MINUTES};
+        }
         if (options.watch && !options.times.empty()) {
             throw CLI::ArgumentMismatch(
                 "--watch looks at the last hour: it goes without START END or MINUTES");

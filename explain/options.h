@@ -20,10 +20,14 @@ struct Options : cli::InputOptions {
     std::optional<std::string> html;    // file to write the page to
     std::string log = "/dev/null";
     bool json = false;
+    bool overview = false;
+    std::optional<std::string> series;  // the point whose rows are to be printed
+    std::string columns;                // of them, comma-separated; all without any
+    bool isInConsole = false;           // of zorv-local, whose commands have fewer words
     bool watch = false;                   // look again and again
     std::optional<int64_t> every;         // seconds from one look to the next
     std::optional<std::string> textFile;  // to write the state to
-    std::vector<std::string> times;       // start and end as an operator writes them, or a length in minutes
+    std::vector<std::string> times;     // start and end as an operator writes them, or a length in minutes
 };
 
 // How the program ends.
@@ -35,6 +39,9 @@ enum ExitStatus : int {
     STATUS_CANNOT_TELL = 4,
     STATUS_NOT_WRITTEN = 5  // the answer or the page
 };
+
+// The words of a command that asks for the same, but for the times.
+std::vector<std::string> AgainOf(const Options& options);
 
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing
 // what was asked for or what is wrong, the status to leave with.

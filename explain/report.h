@@ -32,7 +32,8 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& di
 
 struct Report {
     Stamp stamp;
-    std::string again;                // how a command begins that looks at the same files
+    std::vector<std::string> again;   // the words of a command that asks for the same of other times
+    bool isInConsole = false;         // where that is typed: else in a shell
     std::optional<std::string> node;  // whose statistics these are
     Question question;
     int64_t zoneOffset = 0;  // seconds east of UTC

@@ -1,46 +1,16 @@
 #include <json/writer.h>
 
-#include <algorithm>
-#include <cmath>
-
-#include "explain/report.h"
+#include "explain/report_json_values.h"
 #include "explain/wording.h"
-#include "text/utf8.h"
 
 namespace explain {
 namespace {
 
 constexpr unsigned SIGNIFICANT_DIGITS = 9;
 
-Json::Value Text(const std::string& text) {
-    return ValidUtf8(text);
-}
-
-Json::Value Number(double value) {
-    return std::isfinite(value) ? Json::Value(value) : Json::Value();
-}
-
-Json::Value Number(const std::optional<double>& value) {
-    return value ? Number(*value) : Json::Value();
-}
-
-Json::Value Count(size_t count) {
-    return static_cast<Json::UInt64>(count);
-}
-
 // Empty text stands for what is not known.
 Json::Value TextOrNull(const std::string& text) {
-    return text.empty() ? Json::Value() : Text(text);
-}
-
-// `items` as an array, each as `written` has it.
-template <typename Item, typename Writer>
-Json::Value List(const std::vector<Item>& items, const Writer& written) {
-    Json::Value list(Json::arrayValue);
-    for (const Item& item : items) {
-        list.append(written(item));
-    }
-    return list;
+    return text.empty() ? Json::Value() : JsonText(text);
 }
 
 // Writes parts of one report; all its times are in the report's zone.
@@ -51,49 +21,39 @@ public:
     Json::Value Document() const {
         Json::Value document;
         document["version"] = 2;
-        document["node"] = report.node ? Text(*report.node) : Json::Value();
+        document["node"] = report.node ? JsonText(*report.node) : Json::Value();
         document["stamp"] = StampValue();
         document["range"] = WindowValue(report.question.range);
         document["range"]["zone"] = ZoneText(report.zoneOffset);
         document["coverage"] = CoverageValue();
-        document["flags"]["samples"] = Count(report.flags.samples);
-        document["flags"]["flagged"] = Count(report.flags.flagged);
-        document["flags"]["expected"] = Number(report.flags.expected);
-        document["looks"] = List(report.looks, [this](const Look& one) { return LookValue(one); });
+        document["flags"]["samples"] = JsonCount(report.flags.samples);
+        document["flags"]["flagged"] = JsonCount(report.flags.flagged);
+        document["flags"]["expected"] = JsonNumber(report.flags.expected);
+        document["looks"] = JsonList(report.looks, [this](const Look& one) { return LookValue(one); });
         document["analyses"] =
-            List(report.analyses, [this](const Analysis& one) { return AnalysisValue(one); });
+            JsonList(report.analyses, [this](const Analysis& one) { return AnalysisValue(one); });
+        document["errors"] = ErrorsValue(report);
+        document["healings"] = HealingsValue(report);
         return document;
     }
 
 private:
-    Json::Value Time(int64_t time) const {
-        Json::Value value;
-        std::string local = LocalTime(time, report.zoneOffset) + ZoneText(report.zoneOffset);
-        std::replace(local.begin(), local.end(), ' ', 'T');
-        value["epoch"] = static_cast<Json::Int64>(time);
-        value["local"] = local;
-        return value;
-    }
+    Json::Value Time(int64_t time) const { return JsonTime(time, report.zoneOffset); }
 
     Json::Value TimeOrNull(const std::optional<int64_t>& time) const {
         return time ? Time(*time) : Json::Value();
     }
 
-    Json::Value WindowValue(const Window& window) const {
-        Json::Value value;
-        value["start"] = Time(window.start);
-        value["end"] = Time(window.end);
-        return value;
-    }
+    Json::Value WindowValue(const Window& window) const { return JsonWindow(window, report.zoneOffset); }
 
     Json::Value CoverageValue() const {
         const Coverage& coverage = report.coverage;
         Json::Value value;
         value["step_seconds"] = coverage.step > 0 ? static_cast<Json::Int64>(coverage.step) : Json::Value();
-        value["intervals_expected"] = coverage.expected > 0 ? Count(coverage.expected) : Json::Value();
-        value["intervals"] = Count(coverage.intervals);
-        value["points"] = Count(coverage.points);
-        value["points_with_rows"] = Count(coverage.pointsWithRows);
+        value["intervals_expected"] = coverage.expected > 0 ? JsonCount(coverage.expected) : Json::Value();
+        value["intervals"] = JsonCount(coverage.intervals);
+        value["points"] = JsonCount(coverage.points);
+        value["points_with_rows"] = JsonCount(coverage.pointsWithRows);
         value["oldest"] = TimeOrNull(coverage.oldest);
         value["newest"] = TimeOrNull(coverage.newest);
         value["partial"] = coverage.IsPart();
@@ -103,12 +63,12 @@ private:
     // What was seen of a point before anything was explained.
     Json::Value LookValue(const Look& look) const {
         Json::Value value;
-        value["point"] = Text(look.point);
-        value["samples"] = Count(look.samples);
-        value["samples_in_events"] = Count(look.samplesInEvents);
-        value["flagged"] = Count(look.flagged.size());
+        value["point"] = JsonText(look.point);
+        value["samples"] = JsonCount(look.samples);
+        value["samples_in_events"] = JsonCount(look.samplesInEvents);
+        value["flagged"] = JsonCount(look.flagged.size());
         value["usual_delay_us"] =
-            look.finding.deviations.empty() ? Json::Value() : Number(look.finding.usual.median);
+            look.finding.deviations.empty() ? Json::Value() : JsonNumber(look.finding.usual.median);
         value["highest"] = look.highest ? EventValue(*look.highest) : Json::Value();
         return value;
     }
@@ -121,7 +81,7 @@ private:
         value["jsoncpp"] = stamp.jsoncpp;
         value["configuration_sha256"] = TextOrNull(stamp.configurationHash);
         value["database_sha256"] = TextOrNull(stamp.databaseHash);
-        value["command"] = Text(stamp.command);
+        value["command"] = JsonText(stamp.command);
         return value;
     }
 
@@ -130,9 +90,9 @@ private:
         value["start"] = Time(event.start);
         value["end"] = Time(event.end);
         value["peak"] = Time(event.peakTime);
-        value["peak_delay_us"] = Number(event.peakDelay);
-        value["peak_deviations"] = Number(event.peakDeviations);
-        value["high_samples"] = Count(event.count);
+        value["peak_delay_us"] = JsonNumber(event.peakDelay);
+        value["peak_deviations"] = JsonNumber(event.peakDeviations);
+        value["high_samples"] = JsonCount(event.count);
         value["ongoing"] = event.isOngoing;
         return value;
     }
@@ -141,30 +101,30 @@ private:
         const NodeFinding& finding = analysis.findings[position];
         Json::Value value = EvidenceValue(finding.evidence);
         AddStanding(analysis, position, value);
-        value["share"] = Number(finding.share);
-        value["common_intervals"] = position > 0 ? Count(finding.commonIntervals) : Json::Value();
-        value["correlation"] = Number(finding.correlation);
+        value["share"] = JsonNumber(finding.share);
+        value["common_intervals"] = position > 0 ? JsonCount(finding.commonIntervals) : Json::Value();
+        value["correlation"] = JsonNumber(finding.correlation);
         return value;
     }
 
     Json::Value EvidenceValue(const Evidence& evidence) const {
         Json::Value value;
         value["takes_part"] = evidence.takesPart;
-        value["baseline_samples"] = Count(evidence.baselineCount);
-        value["event_samples"] = Count(evidence.eventCount);
-        value["baseline_delay_us"] = Number(evidence.baselineDelay);
-        value["event_delay_us"] = Number(evidence.eventDelay);
-        value["baseline_requests"] = Number(evidence.baselineRequests);
-        value["event_requests"] = Number(evidence.eventRequests);
-        value["excess_us"] = Number(evidence.excess);
-        value["own_excess_us"] = Number(evidence.ownExcess);
-        value["deviations"] = Number(evidence.deviations);
+        value["baseline_samples"] = JsonCount(evidence.baselineCount);
+        value["event_samples"] = JsonCount(evidence.eventCount);
+        value["baseline_delay_us"] = JsonNumber(evidence.baselineDelay);
+        value["event_delay_us"] = JsonNumber(evidence.eventDelay);
+        value["baseline_requests"] = JsonNumber(evidence.baselineRequests);
+        value["event_requests"] = JsonNumber(evidence.eventRequests);
+        value["excess_us"] = JsonNumber(evidence.excess);
+        value["own_excess_us"] = JsonNumber(evidence.ownExcess);
+        value["deviations"] = JsonNumber(evidence.deviations);
         value["onset"] = TimeOrNull(evidence.onset);
-        value["load_correlation"] = Number(evidence.loadCorrelation);
-        value["equal_load_ratio"] = Number(evidence.equalLoadRatio);
+        value["load_correlation"] = JsonNumber(evidence.loadCorrelation);
+        value["equal_load_ratio"] = JsonNumber(evidence.equalLoadRatio);
         value["nature"] = WordOf(evidence.nature);
         value["reasons"] =
-            List(evidence.reasons, [](const Reason& reason) { return Text(SentenceOf(reason)); });
+            JsonList(evidence.reasons, [](const Reason& reason) { return JsonText(SentenceOf(reason)); });
         return value;
     }
 
@@ -173,14 +133,15 @@ private:
         const GraphNode& node = analysis.findings[position].node;
         const PointData& data = analysis.world->points.at(node.point);
         const auto next = analysis.world->handOvers.find(position);
-        value["graph"] = Text(node.graph);
+        value["graph"] = JsonText(node.graph);
         value["id"] = node.id;
-        value["point"] = Text(node.point);
-        value["advice"] = Text(node.advice);
-        value["children"] = List(node.children, Count);
-        value["continues"] = next != analysis.world->handOvers.end() ? Count(next->second) : Json::Value();
-        value["parent"] = position > 0 ? Count(analysis.findings[position].parent) : Json::Value();
-        value["samples"] = Count(data.samples.size());
+        value["point"] = JsonText(node.point);
+        value["advice"] = JsonText(node.advice);
+        value["children"] = JsonList(node.children, JsonCount);
+        value["continues"] =
+            next != analysis.world->handOvers.end() ? JsonCount(next->second) : Json::Value();
+        value["parent"] = position > 0 ? JsonCount(analysis.findings[position].parent) : Json::Value();
+        value["samples"] = JsonCount(data.samples.size());
         value["observation"] = data.isObservation;
         value["clock_jumped"] = data.hasGoneBack;
     }
@@ -190,11 +151,11 @@ private:
         for (const Candidate& candidate : analysis.candidates) {
             Json::Value value;
             value["rank"] = list.size() + 1;
-            value["point"] = Text(candidate.point);
-            value["graph"] = Text(candidate.graph);
-            value["share"] = Number(candidate.share);
-            value["advice"] = Text(candidate.advice);
-            value["node"] = Count(candidate.node);
+            value["point"] = JsonText(candidate.point);
+            value["graph"] = JsonText(candidate.graph);
+            value["share"] = JsonNumber(candidate.share);
+            value["advice"] = JsonText(candidate.advice);
+            value["node"] = JsonCount(candidate.node);
             list.append(value);
         }
         return list;
@@ -205,12 +166,12 @@ private:
         const std::vector<Candidate>& candidates = analysis.candidates;
         const bool isKnown = !candidates.empty();
         const double second = candidates.size() > 1 ? candidates[1].share : 0.0;
-        value["margin"] = isKnown ? Number(candidates.front().share - second) : Json::Value();
-        value["agreements"] = isKnown ? Count(analysis.Agreements()) : Json::Value();
-        value["trials"] = List(analysis.trials, [](const Trial& trial) {
+        value["margin"] = isKnown ? JsonNumber(candidates.front().share - second) : Json::Value();
+        value["agreements"] = isKnown ? JsonCount(analysis.Agreements()) : Json::Value();
+        value["trials"] = JsonList(analysis.trials, [](const Trial& trial) {
             Json::Value one;
             one["baseline"] = WordOf(trial.baseline);
-            one["first"] = trial.first ? Text(*trial.first) : Json::Value();
+            one["first"] = trial.first ? JsonText(*trial.first) : Json::Value();
             return one;
         });
         value["certainty"] = isKnown ? Json::Value(WordOf(analysis.certainty)) : Json::Value();
@@ -221,7 +182,7 @@ private:
         const bool hasPoint = analysis.walk && analysis.walk->point;
         Json::Value value;
         value["window"] = analysis.walk ? WindowValue(analysis.walk->window) : Json::Value();
-        value["point"] = hasPoint ? Text(*analysis.walk->point) : Json::Value();
+        value["point"] = hasPoint ? JsonText(*analysis.walk->point) : Json::Value();
         value["agrees"] = hasPoint && analysis.verdict == Verdict::POINT
                               ? Json::Value(*analysis.walk->point == analysis.candidates.front().point)
                               : Json::Value();
@@ -229,26 +190,26 @@ private:
     }
 
     static Json::Value ModuleList(const Analysis& analysis) {
-        return List(analysis.modules, [](const ModuleShare& one) {
+        return JsonList(analysis.modules, [](const ModuleShare& one) {
             Json::Value value;
-            value["module"] = one.module.empty() ? Json::Value(BETWEEN_NODES) : Text(one.module);
-            value["share"] = Number(one.share);
+            value["module"] = one.module.empty() ? Json::Value(BETWEEN_NODES) : JsonText(one.module);
+            value["share"] = JsonNumber(one.share);
             return value;
         });
     }
 
     Json::Value AnalysisValue(const Analysis& analysis) const {
         Json::Value value;
-        value["point"] = Text(analysis.point);
-        value["graph"] = Text(analysis.graph);
+        value["point"] = JsonText(analysis.point);
+        value["graph"] = JsonText(analysis.graph);
         value["verdict"] = WordOf(analysis.verdict);
         value["weak"] = analysis.isWeak;
         value["ongoing"] = analysis.event ? Json::Value(analysis.event->isOngoing) : Json::Value();
         value["detector"] = TextOrNull(SilenceOf(analysis));
         value["baseline"] = analysis.baseline ? WindowValue(*analysis.baseline) : Json::Value();
-        value["reason"] = analysis.reason ? Text(SentenceOf(*analysis.reason)) : Json::Value();
+        value["reason"] = analysis.reason ? JsonText(SentenceOf(*analysis.reason)) : Json::Value();
         value["event"] = analysis.event ? EventValue(*analysis.event) : Json::Value();
-        value["events"] = List(analysis.events, [this](const Event& event) { return EventValue(event); });
+        value["events"] = JsonList(analysis.events, [this](const Event& event) { return EventValue(event); });
         value["nodes"] = Json::Value(Json::arrayValue);
         for (size_t i = 0; i < analysis.findings.size(); ++i) {
             value["nodes"].append(NodeValue(analysis, i));

@@ -146,6 +146,8 @@ Request RequestOf(const Options& options, const LocalClock& clock) {
     request.question = QuestionOf(options, clock);
     request.points = PointsOf(options.points, request.question);
     request.graph = options.graph;
+    request.wantsErrors = std::all_of(options.points.begin(), options.points.end(),
+                                      [](const std::string& point) { return point == HOST_POINTS; });
     request.zoneOffset = clock.zoneOffset;
     for (const PointRequest& point : request.points) {
         request.GraphsOf(point.name);  // so that a misspelt one is told before anything is loaded

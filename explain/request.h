@@ -31,7 +31,8 @@ struct Request {
     Question question;
     std::vector<PointRequest> points;  // each once
     std::optional<std::string> graph;
-    int64_t zoneOffset = 0;  // seconds east of UTC, of all local times
+    bool wantsErrors = true;  // of all points: no point was named
+    int64_t zoneOffset = 0;   // seconds east of UTC, of all local times
 };
 
 // Reads the times and points of the command line; what was understood of words such as "-30m" is told on

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "explain/analysis/own_delay.h"
+#include "explain/errors/error_analysis.h"
 #include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -76,6 +77,17 @@ public:
         }
     }
 
+    // What keeps errors from being told leaves the delays their answers.
+    void LookAtErrors() {
+        try {
+            Errors errors = SurveyErrors(question, store);
+            report.errorLooks = std::move(errors.looks);
+            report.errors = std::move(errors.analyses);
+        } catch (...) {
+            report.errorsReason = ReasonOfFailure();
+        }
+    }
+
     void Analyse() {
         for (size_t i = 0; i < report.looks.size(); ++i) {
             const explain::Look& look = report.looks[i];
@@ -86,7 +98,7 @@ public:
                 }
             }
         }
-        if (failures > 0 && failures == subjects) {
+        if (failures > 0 && failures == subjects && report.errors.empty()) {
             throw NoData(*report.analyses.back().reason);
         }
         // What is within the usual comes last: it is told because a time was named.
@@ -242,6 +254,9 @@ Reason ReasonOfFailure(const std::string& graph) {
 void Survey(const Request& request, SampleStore& store, Report& report) {
     Surveyor surveyor(request, store, report);
     surveyor.Look();
+    if (request.wantsErrors) {
+        surveyor.LookAtErrors();
+    }
     surveyor.Analyse();
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "explain/finding/series.h"
 #include "text/counted.h"     // Counted(), Duration(): whoever writes sentences writes these
 #include "text/local_time.h"  // and LocalTime(), ZoneText()
 
@@ -21,7 +22,11 @@ enum class Verdict;
 struct Analysis;
 struct Candidate;
 struct Change;
+struct ErrorAnalysis;
+struct ErrorEvent;
+struct ErrorType;
 struct Event;
+struct Healing;
 struct Look;
 struct Reason;
 struct Report;
@@ -115,6 +120,10 @@ std::string FirstOf(const Trial& trial);
 // The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
 // without an analysis.
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
+std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures);
+
+// Whether an analysis has an answer that is a cause: neither the slow point itself nor within the usual.
+bool NamesACause(const Analysis& analysis);
 
 // What the plug-in's own walk says beside the answer, with the window that it looked at; its subject is the
 // walk.
@@ -125,24 +134,51 @@ std::string WalkOf(const Analysis& analysis, int64_t zoneOffset);
 // A local time in hours and minutes, behind its day where the range has several.
 std::string ShortTime(int64_t time, const Report& report);
 
-// "12:58 to 13:00"; "13:26 to now" and "now" where the event goes on and the newest row is no older than a
-// few steps, else "13:26 on" and "still at 14:29"; "until 13:00".
-std::string ShortSpan(const Event& event, const Report& report);
-std::string WhetherOver(const Event& event, const Report& report);
+// The range as a headline has it, "2023-01-05 10:30 to 14:30", behind the node where one is named.
+std::string RangeOf(const Report& report);
+
+// Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
+// is not of now was last seen there: "13:26 on" and "still at 14:29".
+std::string ShortSpan(const Window& event, bool isOngoing, const Report& report);
+std::string WhetherOver(const Window& event, bool isOngoing, const Report& report);
 
 // "2.4 times".
 std::string TimesOf(double ratio);
 
-// "480 of 480 intervals, newest row 20 s old", and what is missing.
-std::string CoverageOf(const Report& report);
+// "480 of 480 intervals, newest row 20 s old"; and what of the range has no rows, empty when it is covered.
+std::string NewestOf(const Report& report);
+std::string MissingOf(const Report& report);
 
-// That a point is or was slow, so many times, the last with this ratio to the usual and this cause.
-std::string SlowOf(const Look& look, const Event& last, double ratio, const std::string& cause,
-                   const Report& report);
+// What there is behind the name of a point or type: "has been slow since 13:26, 2.4 times", "was slow 12:58
+// to 13:00", "was slow in 8 events, the last 13:24 to 13:27"; `amount` may be empty.
+struct Course {
+    const char* adjective;  // "slow", "failing"
+    size_t times = 1;
+    Window last;
+    bool isOngoing = false;
+    std::string amount;
+};
+std::string CourseOf(const Course& course, const Report& report);
 
-// That none was.
+// That no point was slow, and in how much of the range.
 std::string NoneSlow(const Report& report);
 
+// What a point was in the range that has no event.
+std::string QuietStateOf(const Look& look);
+
+// Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
+constexpr const char* DELAYS_TITLE = "Delay, times the usual";
+constexpr const char* ERRORS_TITLE = "Errors";
+constexpr const char* HEALED_TITLE = "Healed";
+constexpr const char* EVENTS_TITLE = "Events, the newest first";
+std::string EarlierEvents(size_t count);
+
+// How the errors of a type are called, and how many an event has: "IOERROR", "582 errors".
+std::string NameOf(const ErrorType& type);
+std::string ErrorsOf(const ErrorEvent& event);
+
+// A healing in a line: "13:02 BDM for IOHANG (disk timeout)".
+std::string BriefOf(const Healing& healing, const Report& report);
 // ---- a watch
 
 // What has changed: "TGT_LUMO_HOST_READ slow, 2030 us (2.4 times), BDM_DISK_READ 99 %"; and the same behind

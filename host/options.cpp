@@ -4,7 +4,7 @@
 #include <iostream>
 #include <map>
 
-#include "host/status.h"
+#include "host/console/status.h"
 #include "host/version.h"
 #include "text/printable.h"
 

@@ -213,12 +213,9 @@ std::optional<Reason> WhyNot(const Evidence& top) {
 }
 
 Certainty CertaintyOf(const std::vector<Candidate>& candidates, const Event& event) {
-    const double share = candidates.front().share;
-    const double margin = share - (candidates.size() > 1 ? candidates[1].share : 0.0);
-    if (event.first == event.last || share < LIKELY_SHARE || margin < LIKELY_MARGIN) {
-        return Certainty::UNSURE;
-    }
-    return share < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
+    return event.first == event.last ? Certainty::UNSURE
+                                     : CertaintyOfShares(candidates.front().share,
+                                                         candidates.size() > 1 ? candidates[1].share : 0.0);
 }
 
 std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
@@ -249,6 +246,13 @@ void Answer(const Stretches& baseline, Analysis& analysis) {
 }
 
 }  // namespace
+
+Certainty CertaintyOfShares(double first, double second) {
+    if (first < LIKELY_SHARE || first - second < LIKELY_MARGIN) {
+        return Certainty::UNSURE;
+    }
+    return first < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
+}
 
 size_t Analysis::Agreements() const {
     return static_cast<size_t>(std::count_if(trials.begin(), trials.end(), [&](const Trial& trial) {

@@ -59,6 +59,9 @@ enum class Verdict {
 // How sure the first candidate is.
 enum class Certainty { SURE, LIKELY, UNSURE };
 
+// By the shares of the first two candidates.
+Certainty CertaintyOfShares(double first, double second);
+
 // Which event of a point was asked for: all of the range, or one.
 struct Question {
     Window range;

@@ -138,19 +138,33 @@ double ClaimOf(double part, double whole, double otherwise) {
     return whole > 0.0 ? std::clamp(part / whole, 0.0, 1.0) : otherwise;
 }
 
+// What all claims of a rank come to, at most what is left of the whole.
+double Limit(const std::vector<BudgetNode>& nodes, bool first, double left, Division& division) {
+    double claims = 0.0;
+    for (const auto& [taker, part] : division.parts) {
+        claims += nodes[taker].claimsFirst == first ? part : 0.0;
+    }
+    for (auto& [taker, part] : division.parts) {
+        if (nodes[taker].claimsFirst == first && claims > left) {
+            part *= left / claims;
+        }
+    }
+    return std::min(claims, left);
+}
+
 Division Divide(const std::vector<BudgetNode>& nodes, const Takers& takers, const Arrival& arrival) {
     Division division;
     const BudgetNode& parent = nodes[arrival.node];
-    double children = 0.0;
     for (const size_t taker : takers.nodes) {
         if (taker != arrival.node &&
             !std::binary_search(arrival.visited.begin(), arrival.visited.end(), taker)) {
             const double claim = takers.takesAll ? 1.0 : ClaimOf(nodes[taker].excess, parent.excess, 1.0);
             division.parts.emplace_back(taker, claim);
-            children += claim;
         }
     }
-    const double own = std::min(std::max(0.0, 1.0 - children), ClaimOf(parent.own, parent.excess, 0.0));
+    const double first = Limit(nodes, true, 1.0, division);
+    const double children = first + Limit(nodes, false, 1.0 - first, division);
+    const double own = std::min(1.0 - children, ClaimOf(parent.own, parent.excess, 0.0));
     const double all = own + children;
     if (all <= 0.0) {
         return {};

@@ -14,6 +14,7 @@ struct BudgetNode {
     bool takesPart = false;        // the node had an event of its own
     double excess = 0.0;           // extra delay times requests; above 0 where it takes part
     double own = 0.0;              // the part of it that is not the children's, as far as counts tell
+    bool claimsFirst = false;      // before its siblings, which share what it leaves
 };
 
 // A position whose whole share goes to another one: the root of the graph that continues below it.

@@ -9,13 +9,14 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/errors/error_event.h"
+#include "explain/finding/sample_store.h"
 
 namespace explain {
 
 // A point of the error-code graphs that counted errors of a type in the range.
 struct ErrorPoint {
     std::string point;
-    int64_t count = 0;
+    int64_t count = 0;               // in the range
     std::vector<ErrorEvent> events;  // that reach into the range, in the order of time
 };
 
@@ -32,23 +33,35 @@ struct ErrorShare {
     std::string point;
     std::string graph;  // one that has it
     std::string advice;
-    double share = 0.0;             // own share, 0 to 1: what is not of the points below it
-    int64_t count = 0;              // errors during the whole event
-    double extra = 0.0;             // of them, more than usual
-    int64_t since = 0;              // its own event's begin, UTC
-    bool isOngoing = false;         // its own event
+    double share = 0.0;  // own share, 0 to 1: what is not of the points below it
+    int64_t count = 0;   // errors during the whole event
+    double extra = 0.0;  // of them, more than usual; above 0
+    int64_t since = 0;   // its own first interval with too many, UTC
+    bool isOngoing = false;
     std::optional<ErrorType> type;  // under which the point itself counts them, where that is another one
-    std::vector<size_t> below;      // positions of the next points that take part
+    std::vector<size_t> below;      // positions of those of its points that are next below it
 };
 
 // One event of errors of a type, over all points that hang together, and whose errors they are.
 struct ErrorAnalysis {
     ErrorType type;
-    std::vector<std::string> entries;  // the topmost points that count them: most extra errors first
-    std::string graph;                 // of the first one
-    ErrorEvent event;                  // of the first one; from the first begin to the last end of all points
-    std::vector<ErrorShare> points;    // ranked by share, the largest first; never empty
+    std::vector<size_t> entries;  // the topmost points, by position: most extra errors first
+    ErrorEvent event;             // from the first begin to the last end; the counts are of the first entry
+    std::vector<ErrorShare> points;  // by share, the largest first; never empty
     Certainty certainty = Certainty::UNSURE;
+
+    const ErrorShare& Entry() const { return points[entries.front()]; }
 };
+
+// All errors of a range.
+struct Errors {
+    std::vector<ErrorLook> looks;         // in the order of the columns
+    std::vector<ErrorAnalysis> analyses;  // what still goes on first, then the latest
+};
+
+// Looks at the errors of all points of the graphs, and divides those of each event. `store` tells what is
+// loaded and which intervals have rows: of the points that it was asked for. Blocks on the database. Throws
+// what the reading of the graphs and LoadErrors() throw.
+Errors SurveyErrors(const Question& question, const SampleStore& store);
 
 }  // namespace explain

@@ -38,6 +38,8 @@ enum class ReasonKind {
     ANOTHER_ZONE,        // `zoneOffset` is that of the tables
     UNREADABLE_POINT,
     UNREADABLE_DATABASE,
+    UNREADABLE_HEALINGS,
+    NO_ERROR_COUNTS,  // no columns for them
     BAD_CONFIGURATION,
     BAD_VALUE
 };

@@ -41,15 +41,6 @@ uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vec
     return 0;
 }
 
-// As the inside of an SQL text.
-std::string Quoted(const std::string& name) {
-    std::string quoted;
-    for (const char letter : name) {
-        quoted.append(letter == '\'' ? 2 : 1, letter);
-    }
-    return quoted;
-}
-
 std::string CompactTime(int64_t time) {
     std::string text;
     if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
@@ -154,7 +145,7 @@ Samples SampleStore::Rows(const std::string& point, const Part& part) const {
     std::vector<int64_t> numbers;
     std::vector<int64_t> second;
     std::vector<std::string> texts;
-    FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, Quoted(point), {}, {}};
+    FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, SqlText(point), {}, {}};
     query.beginTime = std::to_string(part.stretch.start);
     query.endTime = std::to_string(part.stretch.end);
     for (const std::string& table : part.tables) {
@@ -188,6 +179,14 @@ PointData SampleStore::Load(const std::string& point) {
     data.hasGoneBack = data.hasGoneBack || !std::is_sorted(data.samples.begin(), data.samples.end(), before);
     std::stable_sort(data.samples.begin(), data.samples.end(), before);
     return data;
+}
+
+std::string SqlText(const std::string& name) {
+    std::string quoted;
+    for (const char letter : name) {
+        quoted.append(letter == '\'' ? 2 : 1, letter);
+    }
+    return quoted;
 }
 
 FaultSeries DelaySeries(const Samples& samples) {

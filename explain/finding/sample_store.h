@@ -24,6 +24,11 @@ struct PointData {
 // for. The stretches ascend and do not overlap. Confined to one thread; blocks on the database.
 class SampleStore {
 public:
+    struct Part {
+        Window stretch;
+        std::vector<std::string> tables;
+    };
+
     // Chooses the tables. Throws NoData when the database cannot be read, has no tables, far too many, or one
     // whose name is without a time, and std::runtime_error when this machine's zone cannot be asked for.
     explicit SampleStore(const std::vector<Window>& stretches);
@@ -43,12 +48,10 @@ public:
     // All points that were asked for.
     const std::map<std::string, PointData>& Points() const { return points; }
 
-private:
-    struct Part {
-        Window stretch;
-        std::vector<std::string> tables;
-    };
+    // The stretches with their tables.
+    const std::vector<Part>& Parts() const { return parts; }
 
+private:
     PointData Load(const std::string& point);
     Samples Rows(const std::string& point, const Part& part) const;
     const Part& PartSince(int64_t time);
@@ -58,6 +61,9 @@ private:
     std::map<std::string, PointData> points;
     std::map<std::string, PointData> former;  // not asked for since the last move
 };
+
+// As the inside of an SQL text.
+std::string SqlText(const std::string& name);
 
 // The columns as the plug-in's statistics take them. What no integer can hold becomes the nearest that can.
 FaultSeries DelaySeries(const Samples& samples);

@@ -27,8 +27,7 @@ struct PictureLine {
 struct PictureRow {
     std::string name;
     std::vector<TimedValue> values;
-    double floor = 0.0;  // what a sparkline begins and ends with
-    double top = 0.0;
+    double top = 0.0;    // of a sparkline, which begins with 0
     std::string amount;  // "2.4 times"; empty when nothing is known
     PictureLine state;   // "now", "until 13:02", "usual"
 };
@@ -37,14 +36,16 @@ struct PictureEvent {
     int64_t start = 0;
     PictureLine when;
     std::string subject;
-    std::string cause;    // empty when it was not looked for
-    std::string command;  // that explains it in full
-    size_t analysis = 0;  // the number of the one that explains it, from 1; 0: none
+    std::string cause;                 // empty when it was not looked for
+    std::vector<std::string> command;  // that explains it in full: words as a shell takes them
+    std::string anchor;                // on the page, of the analysis that explains it; empty without one
 };
 
 struct Picture {
+    bool hasSlowPoint = false;
     std::vector<PictureLine> headlines;  // what is going on, since when, and why
     std::vector<PictureRow> points;
+    std::vector<PictureRow> errors;
     std::vector<PictureEvent> events;  // what still goes on, then the latest first
 };
 

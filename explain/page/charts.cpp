@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "explain/page/figures.h"
+#include "explain/page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -251,16 +252,9 @@ std::string Description(const Samples& samples, const SeriesFrame& frame) {
 Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
                      const SeriesFrame& frame, const std::string& id, bool isNarrow) {
     const Samples shown = SamplesIn(samples, {{frame.start, frame.end}});
-    const Markup heading =
-        Element("title", {{"id", id + "-title"}}, Text("Delay of ") + Text(name) + Text(" over local time")) +
-        Element("desc", {{"id", id + "-desc"}}, Text(Description(shown, frame)));
-    return Element("svg",
-                   {{"xmlns", "http://www.w3.org/2000/svg"},
-                    {"class", "chart"},
-                    {"role", "img"},
-                    {"aria-labelledby", id + "-title " + id + "-desc"},
-                    {"viewBox", "0 0 " + Figure(isNarrow ? NARROW : WIDE, 0) + " " + Figure(HEIGHT, 0)}},
-                   heading + Chart(shown, usual, frame, isNarrow).Draw());
+    return Drawing("chart", id, "0 0 " + Figure(isNarrow ? NARROW : WIDE, 0) + " " + Figure(HEIGHT, 0),
+                   Text("Delay of ") + Text(name) + Text(" over local time"), Description(shown, frame),
+                   Chart(shown, usual, frame, isNarrow).Draw());
 }
 
 }  // namespace explain

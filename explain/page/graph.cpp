@@ -4,6 +4,7 @@
 
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
+#include "explain/page/svg.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -177,7 +178,6 @@ Markup GraphDrawing(const Analysis& analysis, size_t number) {
         (NODE_WIDTH + BETWEEN_COLUMNS) * static_cast<double>(PICTURE_COLUMNS) + BETWEEN_COLUMNS + MARGIN * 2;
     const double height = (NODE_HEIGHT + BETWEEN_ROWS) * static_cast<double>(picture.rows) - BETWEEN_ROWS +
                           MARGIN * 2 + turn + (picture.leftOut > 0 ? LINE_HEIGHT * 2 : 0.0);
-    const std::string id = "graph" + std::to_string(number);
     Markup drawing;
     for (const bool flows : {false, true}) {  // what flows lies above what does not
         for (size_t i = 0; i < picture.edges.size(); ++i) {
@@ -188,16 +188,10 @@ Markup GraphDrawing(const Analysis& analysis, size_t number) {
         drawing += DrawNode(analysis, node);
     }
     drawing += LeftOutNote(picture, height);
-    return Element(
-        "svg",
-        {{"xmlns", "http://www.w3.org/2000/svg"},
-         {"class", "graph"},
-         {"role", "img"},
-         {"aria-labelledby", id + "-title " + id + "-desc"},
-         {"viewBox", "0 " + Figure(-turn, 0) + " " + Figure(width, 0) + " " + Figure(height + turn, 0)}},
-        Element("title", {{"id", id + "-title"}},
-                Text("Where the extra delay of ") + Text(analysis.point) + Text(" goes")) +
-            Element("desc", {{"id", id + "-desc"}}, Text(Description(analysis, picture))) + drawing);
+    return Drawing("graph", "graph" + std::to_string(number),
+                   "0 " + Figure(-turn, 0) + " " + Figure(width, 0) + " " + Figure(height + turn, 0),
+                   Text("Where the extra delay of ") + Text(analysis.point) + Text(" goes"),
+                   Description(analysis, picture), drawing);
 }
 
 Markup FlowList(const Analysis& analysis) {

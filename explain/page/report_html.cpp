@@ -1,8 +1,10 @@
+#include <algorithm>
 #include <set>
 
 #include "explain/page/analysis_section.h"
 #include "explain/page/figures.h"
 #include "explain/page/markup.h"
+#include "explain/page/overview_section.h"
 #include "explain/page/style.h"
 #include "explain/report.h"
 #include "explain/wording.h"
@@ -41,8 +43,19 @@ Markup Head(const Report& report) {
             Element("title", TitleOf(report)) + Element("style", Markup::Literal(PAGE_STYLE)));
 }
 
+// Whether a point has answers that the overview does not lead to: in several graphs, or without an event.
+bool HasMore(const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    return all.size() > 1 && std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+               const auto isElsewhere = [&](const Analysis& other) {
+                   return other.point == analysis.point && other.graph != analysis.graph;
+               };
+               return !analysis.event || analysis.isWeak || std::any_of(all.begin(), all.end(), isElsewhere);
+           });
+}
+
 Markup Summary(const Report& report) {
-    if (report.analyses.size() < 2) {
+    if (!HasMore(report)) {
         return {};
     }
     Table table("One answer for each event and graph", {{"Event"}, {"Point"}, {"Graph"}, {"Answer"}});
@@ -91,7 +104,8 @@ Markup Proof(const Report& report) {
 }  // namespace
 
 std::string HtmlReport(const Report& report) {
-    Markup body = report.analyses.empty() ? AllClear(report) : Summary(report);
+    Markup body = OverviewSection(report);
+    body += report.analyses.empty() ? AllClear(report) : Summary(report);
     if (report.analyses.size() != 1) {  // a single answer has it behind its verdict
         body += Element("section", Element("h2", "Looked at") + FactList(BasisOf(report)));
     }

@@ -37,7 +37,10 @@ std::string_view TakeLine(std::string_view& text, size_t cells) {
     size_t length = BytesWithin(text, cells);
     size_t next = length;
     if (length < text.size()) {
-        const size_t blank = text.rfind(' ', length);
+        size_t blank = text.rfind(' ', length);
+        if (blank != std::string_view::npos && blank > 0 && text.substr(blank + 1, 1) == "%") {
+            blank = text.rfind(' ', blank - 1);  // a share stays in one piece
+        }
         if (blank != std::string_view::npos && blank > 0) {
             length = blank;
             next = blank + 1;
@@ -75,12 +78,12 @@ std::string Beside(const std::string& columns, const std::string& text) {
     return columns + (fits ? "" : "\n    ") + text + "\n";
 }
 
-std::string Paragraph(const std::string& lead, std::string_view text) {
+std::string Paragraph(const std::string& lead, std::string_view text, size_t cells) {
     const size_t indent = CellsOf(lead);
     std::string lines = lead;
     do {
         lines += (lines.size() > lead.size() ? std::string(indent, ' ') : "");
-        lines += TakeLine(text, LINE_CELLS - indent);
+        lines += TakeLine(text, cells - indent);
         lines += '\n';
     } while (!text.empty());
     return lines;

@@ -20,8 +20,8 @@ std::string PadLeft(const std::string& text, size_t cells);
 // is as long as it has to be.
 std::string Beside(const std::string& columns, const std::string& text);
 
-// `text` in lines of at most LINE_CELLS, broken at blanks, words longer than a line anywhere. The first line
+// `text` in lines of at most `cells`, broken at blanks, words longer than a line anywhere. The first line
 // begins with `lead`, the others with as many blanks. Ends with a line end.
-std::string Paragraph(const std::string& lead, std::string_view text);
+std::string Paragraph(const std::string& lead, std::string_view text, size_t cells = LINE_CELLS);
 
 }  // namespace explain

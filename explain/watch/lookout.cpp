@@ -26,6 +26,7 @@ Sight Lookout::Look() {
     }
     Sight sight;
     sight.report.node = options.node;
+    sight.report.again = AgainOf(options);
     sight.report.question = request.question;
     sight.report.zoneOffset = request.zoneOffset;
     sight.report.madeAt = clock.time;

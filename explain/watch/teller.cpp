@@ -102,7 +102,7 @@ bool Teller::Print(const std::string& text) const {
 
 bool Teller::Paint() {
     size = TerminalSize();
-    return Print(Painted(TextReport(report) + "\n" + headline + "\n", size.second));
+    return Print(Painted(OverviewText(report, StyleOf(STDOUT_FILENO)) + "\n" + headline + "\n", size.second));
 }
 
 void Teller::WriteTextFile(const Changes& changes, int64_t now) {

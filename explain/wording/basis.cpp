@@ -8,12 +8,16 @@ namespace {
 
 constexpr int64_t DAY = 86400;  // seconds
 
+std::string IntervalsOf(const Coverage& coverage) {
+    return coverage.expected > 0
+               ? std::to_string(coverage.intervals) + " of " + Counted(coverage.expected, "interval")
+               : Counted(coverage.intervals, "interval");
+}
+
 std::string RowsOf(const Report& report) {
     const Coverage& coverage = report.coverage;
-    std::string text = coverage.expected > 0 ? std::to_string(coverage.intervals) + " of " +
-                                                   Counted(coverage.expected, "interval")
-                                             : Counted(coverage.intervals, "interval");
-    text += ", " + std::to_string(coverage.pointsWithRows) + " of " + Counted(coverage.points, "point");
+    std::string text = IntervalsOf(coverage) + ", " + std::to_string(coverage.pointsWithRows) + " of " +
+                       Counted(coverage.points, "point");
     if (coverage.newest) {
         const int64_t age = std::max<int64_t>(0, report.madeAt - *coverage.newest);
         text += ", newest row " + TimeOfDay(*coverage.newest, report.zoneOffset) +
@@ -22,7 +26,23 @@ std::string RowsOf(const Report& report) {
     return text;
 }
 
-// What of the range has no rows; empty when it is covered.
+std::string FlagsOf(const ChanceFlags& flags) {
+    return std::to_string(flags.flagged) + " of " + Counted(flags.samples, "sample") +
+           " lie beyond three deviations, the detector's bound; of as many without any fault " +
+           Fixed(flags.expected, 1) + " would by chance";
+}
+
+}  // namespace
+
+std::string NewestOf(const Report& report) {
+    const Coverage& coverage = report.coverage;
+    const int64_t newest = coverage.newest.value_or(0);
+    const int64_t age = std::max<int64_t>(0, report.madeAt - newest);
+    return IntervalsOf(coverage) + (!coverage.newest ? ""
+                                    : age < DAY      ? ", newest row " + Duration(age) + " old"
+                                                : ", newest row " + TimeOfDay(newest, report.zoneOffset));
+}
+
 std::string MissingOf(const Report& report) {
     const Coverage& coverage = report.coverage;
     std::string text;
@@ -34,14 +54,6 @@ std::string MissingOf(const Report& report) {
     add(coverage.lacksBetween, "a fifth or more of the intervals between is missing");
     return text;
 }
-
-std::string FlagsOf(const ChanceFlags& flags) {
-    return std::to_string(flags.flagged) + " of " + Counted(flags.samples, "sample") +
-           " lie beyond three deviations, the detector's bound; of as many without any fault " +
-           Fixed(flags.expected, 1) + " would by chance";
-}
-
-}  // namespace
 
 Facts BasisOf(const Report& report) {
     Facts facts;

@@ -40,6 +40,8 @@ constexpr struct {
     {ReasonKind::ANOTHER_ZONE, "the tables are named in {zone}: use --zone {option}"},
     {ReasonKind::UNREADABLE_POINT, "the statistics of {subject} could not be read"},
     {ReasonKind::UNREADABLE_DATABASE, "the statistics database cannot be read, or has no tables"},
+    {ReasonKind::UNREADABLE_HEALINGS, "the healing database cannot be read"},
+    {ReasonKind::NO_ERROR_COUNTS, "the statistics ({subject}) have no counts of errors"},
     {ReasonKind::BAD_CONFIGURATION, "the configuration is not what it should be: {subject}"},
     {ReasonKind::BAD_VALUE, "the configuration or the statistics hold a bad value: {subject}"},
 };

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/console/command_line.h"
-#include "host/status.h"
+#include "host/console/status.h"
 
 namespace zorv {
 // What a command may know and change of the console that runs it.

@@ -1,8 +1,8 @@
 #include <algorithm>
 
+#include "host/basis/route_file.h"
 #include "host/console/commands.h"
 #include "host/console/explain_program.h"
-#include "host/console/route_file.h"
 
 namespace zorv {
 namespace {

@@ -3,10 +3,10 @@
 #include <map>
 #include <stdexcept>
 
-#include "host/console/answer_basis.h"
+#include "host/basis/answer_basis.h"
+#include "host/basis/route_file.h"
 #include "host/console/help_words.h"
 #include "host/console/hint.h"
-#include "host/console/route_file.h"
 #include "host/services/console.h"
 
 namespace zorv {

@@ -18,11 +18,6 @@ bool Has(const std::string& text, const char* word) {
     return text.find(word) != std::string::npos;
 }
 
-// The point under whose name the statistics of a node are stored.
-const std::string& CountedPoint(const ErrCodeAttr& attr) {
-    return Has(attr.attr, ATOMIC) && !Has(attr.attr, WHOLE) ? attr.qname : attr.label;
-}
-
 NodeBase BaseOf(const Node& node) {
     NodeBase base;
     base.ioPointid = node.ioPointid;
@@ -38,6 +33,14 @@ void Weigh(NodeBase& node, int64_t errCount) {
 }
 
 }  // namespace
+
+const std::string& FaultCountedPoint(const ErrCodeAttr& attr) {
+    return Has(attr.attr, ATOMIC) && !Has(attr.attr, WHOLE) ? attr.qname : attr.label;
+}
+
+bool FaultFollowsParent(const std::string& attr) {
+    return Has(attr, FOLLOW);
+}
 
 void FaultCausalityErrCodeGraph::SetFrameGraphFlag(bool /*flag*/) {
     frameGraphFlag = true;
@@ -86,7 +89,7 @@ uint32_t FaultCausalityErrCodeGraph::GetErrCodeData(const std::string& startTime
     FaultSqlInputParam query{"curtime", "avgdelay", {}, {}, startTime, endTime};
     for (const auto& [label, attr] : mapErrCodeAttr) {
         std::map<std::string, FaultSeries> columns;
-        if (LoadPoint(query, CountedPoint(attr), tables, columns) != 0) {
+        if (LoadPoint(query, FaultCountedPoint(attr), tables, columns) != 0) {
             FAULT_LOG(FAULT_HERE, FAULT_ERROR, "get lumodata from database failed.");
             return 1;
         }
@@ -148,7 +151,7 @@ NodeResult FaultCausalityErrCodeGraph::GetNodeResult(const NodeBase& node,
     } else {
         result.acceptnum = sumOf("acceptnum");
     }
-    result.isFollow = Has(attr.attr, FOLLOW);
+    result.isFollow = FaultFollowsParent(attr.attr);
     result.errorSums = {sumOf("errCode0"), sumOf("errCode1"), sumOf("errCode2")};
     result.fixAdvice = GetFixAdvice(node.ioPointid);
     return result;
@@ -161,7 +164,7 @@ NodeBase FaultCausalityErrCodeGraph::SelectNodeByErrCountWeight(const std::vecto
         best.attr = WHOLE;
         Weigh(best, 0);
         for (const NodeBase& candidate : candidates) {
-            if (Has(candidate.attr, FOLLOW) != follows) {
+            if (FaultFollowsParent(candidate.attr) != follows) {
                 continue;
             }
             const int64_t count = GetErrCodeAvgNum(candidate, erridx);

@@ -25,6 +25,12 @@ struct ErrCodeAttr {
     int32_t erridx = -1;
 };
 
+// The point under whose name the errors of one with these attributes are stored.
+const std::string& FaultCountedPoint(const ErrCodeAttr& attr);
+
+// Whether attribute words say that a point follows its parent.
+bool FaultFollowsParent(const std::string& attr);
+
 // Built and used as the delay graph is, which see; the operations below take the place of its own. A node
 // whose description contains "MODULE" groups others: it has neither attributes nor statistics.
 class FAULT_EXPORT FaultCausalityErrCodeGraph : public FaultCausalityGraph {

@@ -35,6 +35,9 @@ ARROWS = {
     "host/services": {"host/process", "text"},
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
+    "host/basis": {"host/services", "host/process", "text"},
+    "host/console": {"host/basis", "host/services", "host/process", "cli", "text"},
+    "host/terminal": {"host/console", "host/capture", "host/services", "host/process", "text"},
     "simulator/graphs": set(),
     "simulator/plan": {"simulator/graphs", "cli", "text"},
     "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
@@ -48,6 +51,9 @@ ARROWS["explain/analysis"] = {"explain/finding", "fault_common", "fault_correlat
 ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object",
                             "fault_causality_graph", "fault_causality_errcode_graph"}
 ARROWS["explain/text"] = ARROWS["explain/page"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text"}
+ARROWS["explain/overview"] = ARROWS["explain/text"] | {"explain/text"}
+ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview"}
+ARROWS["explain/series"] = ARROWS["explain/text"] | {"explain/text", "fault_common", "fault_database", "cli"}
 ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
 ARROWS["explain/watch"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text", "host/process"}

@@ -1,4 +1,4 @@
-#include "host/console/completion.h"
+#include "host/terminal/completion.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "host/console/coverage.h"
+#include "host/basis/coverage.h"
 
 #include <algorithm>
 

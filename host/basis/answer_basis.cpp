@@ -1,10 +1,10 @@
-#include "host/console/answer_basis.h"
+#include "host/basis/answer_basis.h"
 
 #include <charconv>
 #include <utility>
 
-#include "host/console/route_file.h"
-#include "host/console/statistics_file.h"
+#include "host/basis/route_file.h"
+#include "host/basis/statistics_file.h"
 #include "host/services/told_failures.h"
 
 namespace zorv {

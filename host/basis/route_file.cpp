@@ -1,4 +1,4 @@
-#include "host/console/route_file.h"
+#include "host/basis/route_file.h"
 
 #include <json/reader.h>
 #include <sys/stat.h>

@@ -1,4 +1,4 @@
-#include "host/console/statistics_file.h"
+#include "host/basis/statistics_file.h"
 
 #include <algorithm>
 

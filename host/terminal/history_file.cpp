@@ -1,4 +1,4 @@
-#include "host/console/history_file.h"
+#include "host/terminal/history_file.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

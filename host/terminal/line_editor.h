@@ -10,8 +10,8 @@
 #include <string>
 
 #include "host/console/command_line.h"
-#include "host/console/history_file.h"
-#include "host/console/key_wait.h"
+#include "host/terminal/history_file.h"
+#include "host/terminal/key_wait.h"
 
 namespace zorv {
 // Belongs to one thread. Sets the terminal up for each line and back after it. Lines that other threads print

@@ -1,4 +1,4 @@
-#include "host/console/line_editor.h"
+#include "host/terminal/line_editor.h"
 
 #include <unistd.h>
 
@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "host/console/columns.h"
-#include "host/leak_check.h"
 #include "host/process/colour.h"
+#include "host/process/leak_check.h"
 #include "host/services/log.h"
 #include "text/printable.h"
 

@@ -1,4 +1,4 @@
-#include "host/console/session.h"
+#include "host/terminal/session.h"
 
 #include <unistd.h>
 
@@ -9,12 +9,12 @@
 #include <string>
 
 #include "host/capture/inputs.h"
-#include "host/console/completion.h"
-#include "host/console/history_file.h"
-#include "host/console/line_editor.h"
 #include "host/process/interrupt.h"
 #include "host/process/settings.h"
 #include "host/services/console.h"
+#include "host/terminal/completion.h"
+#include "host/terminal/history_file.h"
+#include "host/terminal/line_editor.h"
 #include "text/printable.h"
 
 namespace zorv {

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/console/coverage.h"
+#include "host/basis/coverage.h"
 #include "host/process/statements.h"
 #include "host/services/console.h"
 

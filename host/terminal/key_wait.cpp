@@ -1,4 +1,4 @@
-#include "host/console/key_wait.h"
+#include "host/terminal/key_wait.h"
 
 #include <fcntl.h>
 #include <poll.h>

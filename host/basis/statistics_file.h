@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/console/coverage.h"
+#include "host/basis/coverage.h"
 #include "host/process/guarded_database.h"
 
 namespace zorv {

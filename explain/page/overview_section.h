@@ -1,0 +1,13 @@
+// What the page begins with: the whole picture.
+#pragma once
+
+#include "explain/page/markup.h"
+#include "explain/report.h"
+
+namespace explain {
+
+// What was looked at and what is going on; a row with a drawing for each point and error type; what was
+// healed; and the events, each with a way to its analysis on the page.
+Markup OverviewSection(const Report& report);
+
+}  // namespace explain

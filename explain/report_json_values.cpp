@@ -1,0 +1,43 @@
+#include "explain/report_json_values.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "text/local_time.h"
+#include "text/utf8.h"
+
+namespace explain {
+
+Json::Value JsonText(const std::string& text) {
+    return ValidUtf8(text);
+}
+
+Json::Value JsonCount(size_t count) {
+    return static_cast<Json::UInt64>(count);
+}
+
+Json::Value JsonNumber(double value) {
+    return std::isfinite(value) ? Json::Value(value) : Json::Value();
+}
+
+Json::Value JsonNumber(const std::optional<double>& value) {
+    return value ? JsonNumber(*value) : Json::Value();
+}
+
+Json::Value JsonTime(int64_t time, int64_t zoneOffset) {
+    Json::Value value;
+    std::string local = LocalTime(time, zoneOffset) + ZoneText(zoneOffset);
+    std::replace(local.begin(), local.end(), ' ', 'T');
+    value["epoch"] = static_cast<Json::Int64>(time);
+    value["local"] = local;
+    return value;
+}
+
+Json::Value JsonWindow(const Window& window, int64_t zoneOffset) {
+    Json::Value value;
+    value["start"] = JsonTime(window.start, zoneOffset);
+    value["end"] = JsonTime(window.end, zoneOffset);
+    return value;
+}
+
+}  // namespace explain

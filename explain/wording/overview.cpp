@@ -1,0 +1,142 @@
+#include <algorithm>
+
+#include "explain/report.h"
+#include "explain/wording.h"
+
+namespace explain {
+namespace {
+
+constexpr int64_t FRESH_STEPS = 3;  // a row comes with its interval's end, and often a little later
+constexpr size_t DAY_LETTERS = 10;  // of "2023-01-05 12:59:00"
+constexpr size_t YEAR_LETTERS = 5;
+
+std::string Minutes(const std::string& localTime) {
+    return localTime.substr(0, localTime.rfind(':'));
+}
+
+// Whether the rows reach until now.
+bool IsFresh(const Report& report) {
+    const Coverage& coverage = report.coverage;
+    return coverage.newest && report.madeAt - *coverage.newest <= FRESH_STEPS * coverage.step;
+}
+
+std::string CauseIn(const Analysis& analysis, const Figures& figures) {
+    switch (analysis.verdict) {
+        case Verdict::LOAD:
+            return "load: the requests rose, and the delay with them";
+        case Verdict::CANNOT_TELL:
+            return "cannot tell: " + SentenceOf(*analysis.reason);
+        case Verdict::POINT:
+        case Verdict::NOTHING:
+            break;
+    }
+    if (analysis.verdict == Verdict::POINT && IsTie(analysis.candidates)) {
+        const Candidate& second = analysis.candidates[1];
+        return BriefOf(analysis, figures) + ", or " + second.point + " " + figures.share(second.share);
+    }
+    return BriefOf(analysis, figures);
+}
+
+}  // namespace
+
+std::string ShortTime(int64_t time, const Report& report) {
+    const Window& range = report.question.range;
+    const auto dayOf = [&](int64_t when) {
+        return LocalTime(when, report.zoneOffset).substr(0, DAY_LETTERS);
+    };
+    const bool isOneDay = dayOf(range.start) == dayOf(range.end) && dayOf(time) == dayOf(range.end);
+    return Minutes(isOneDay ? TimeOfDay(time, report.zoneOffset)
+                            : LocalTime(time, report.zoneOffset).substr(YEAR_LETTERS));
+}
+
+std::string RangeOf(const Report& report) {
+    const Window& range = report.question.range;
+    const std::string start = Minutes(LocalTime(range.start, report.zoneOffset));
+    const std::string end = Minutes(LocalTime(range.end, report.zoneOffset));
+    const bool isOneDay = start.compare(0, DAY_LETTERS, end, 0, DAY_LETTERS) == 0;
+    return (report.node ? *report.node + ", " : "") + start + " to " +
+           (isOneDay ? end.substr(DAY_LETTERS + 1) : end);
+}
+
+std::string ShortSpan(const Window& event, bool isOngoing, const Report& report) {
+    const std::string start = ShortTime(event.start, report);
+    const std::string end = ShortTime(event.end, report);
+    return isOngoing      ? start + (IsFresh(report) ? " to now" : " on")
+           : start == end ? start
+                          : start + " to " + end;
+}
+
+std::string WhetherOver(const Window& event, bool isOngoing, const Report& report) {
+    const std::string end = ShortTime(event.end, report);
+    return !isOngoing ? "until " + end : IsFresh(report) ? "now" : "still at " + end;
+}
+
+std::string TimesOf(double ratio) {
+    return Fixed(ratio, 1) + " times";
+}
+
+std::string CourseOf(const Course& course, const Report& report) {
+    const std::string amount = course.amount.empty() ? "" : ", " + course.amount;
+    const std::string adjective = course.adjective;
+    if (course.isOngoing) {
+        const std::string since = adjective + " since " + ShortTime(course.last.start, report);
+        return (IsFresh(report) ? "has been " + since
+                                : "was still " + adjective + " at " + ShortTime(course.last.end, report) +
+                                      ", since " + ShortTime(course.last.start, report)) +
+               amount;
+    }
+    const std::string span = ShortSpan(course.last, false, report);
+    return "was " + adjective +
+           (course.times > 1 ? " in " + Counted(course.times, "event") + ", the last " : " ") + span + amount;
+}
+
+std::string NoneSlow(const Report& report) {
+    return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
+}
+
+std::string QuietStateOf(const Look& look) {
+    return look.samples == 0 ? "no rows" : look.finding.deviations.empty() ? "too few rows" : "usual";
+}
+
+bool NamesACause(const Analysis& analysis) {
+    return analysis.HasAnswer() && !analysis.isWeak &&
+           (analysis.candidates.empty() || analysis.candidates.front().point != analysis.point);
+}
+
+std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
+    std::string causes;
+    const auto named = std::count_if(analyses.begin(), analyses.end(),
+                                     [](const Analysis* analysis) { return NamesACause(*analysis); });
+    for (const Analysis* analysis : analyses) {
+        if (NamesACause(*analysis)) {
+            causes += (causes.empty() ? "" : "; ") + CauseIn(*analysis, figures) +
+                      (named > 1 ? " in " + analysis->graph : "");
+        }
+    }
+    return named > 0 || analyses.empty() ? causes : CauseIn(*analyses.front(), figures);
+}
+
+std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures) {
+    const ErrorShare& first = errors.points.front();
+    return first.point + " " + figures.share(first.share) + ", " + WordOf(errors.certainty);
+}
+
+std::string EarlierEvents(size_t count) {
+    return "and " + Counted(count, "earlier event");
+}
+
+std::string NameOf(const ErrorType& type) {
+    return type.name.empty() ? type.column : type.name;
+}
+
+std::string ErrorsOf(const ErrorEvent& event) {
+    return Counted(static_cast<size_t>(event.count), "error");
+}
+
+std::string BriefOf(const Healing& healing, const Report& report) {
+    return ShortTime(healing.time, report) + " " + healing.module + " for " + healing.kind +
+           (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
+           (healing.isHere ? "" : " on node " + std::to_string(healing.node));
+}
+
+}  // namespace explain
