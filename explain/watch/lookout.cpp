@@ -1,10 +1,14 @@
 #include "explain/watch/lookout.h"
 
+#include <unistd.h>
+
 #include <ctime>
 #include <stdexcept>
 
+#include "agent/agent_storage.h"
 #include "explain/request.h"
 #include "explain/survey.h"
+#include "fault_common/fault_path.h"
 #include "host/process/interrupt.h"
 
 namespace explain {
@@ -37,8 +41,11 @@ Sight Lookout::Look() {
         Survey(request, store, sight.report);
     } catch (...) {
         sight.failure = ReasonOfFailure();
-        sight.failed = openingFailure.empty() ? once.Why() : openingFailure;
         isOpen = false;
+        sight.failed = openingFailure.empty() ? once.Why() : openingFailure;
+        if (sight.failed.empty() && access(FaultPath(LUMO_DATABASE_FILE).c_str(), F_OK) != 0) {
+            sight.failed = "it is not there";  // it went while it was read
+        }
     }
     return sight;
 }

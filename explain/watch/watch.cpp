@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <optional>
+#include <utility>
 
 #include "explain/watch/changes.h"
 #include "explain/watch/lookout.h"
@@ -18,8 +20,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-constexpr std::chrono::seconds FIRST_INTERVAL{2};  // while the statistics' own step is not known
-constexpr milliseconds LONGEST_PAUSE{2000};        // between two tries, as the plug-in's queries have it
+constexpr milliseconds FIRST_INTERVAL{2000};  // while the statistics' own step is not known
+constexpr milliseconds LONGEST_PAUSE{2000};   // between two tries, as the plug-in's queries have it
+constexpr milliseconds LEAST_PATIENCE{10000};
 constexpr milliseconds BETWEEN_GLANCES{1000};
 
 class Watcher {
@@ -28,36 +31,49 @@ public:
         : options(asked), lookout(asked, input), teller(asked) {}
 
     void Run() {
-        Clock::time_point due = Clock::now();
-        for (;;) {
-            Sight sight = lookout.Look();
-            if (Interrupted()) {
-                return;  // in the middle of it
-            }
-            const Clock::time_point now = Clock::now();
-            const milliseconds pause = std::min<milliseconds>(LONGEST_PAUSE, milliseconds(interval) / 4);
-            if (sight.IsUnread() && now + pause < due + interval) {
-                if (!WaitUntil(now + pause)) {  // a writer keeps readers out for moments
-                    return;
-                }
-                continue;
-            }
-            SetInterval(sight);
-            const ChangeList changed = changes.After(sight);
-            due = std::max(due + interval, now);
-            if (!teller.Tell(std::move(sight), changed, changes) || !WaitUntil(due)) {
-                return;
-            }
+        while (LookAndTell() && WaitUntil(due)) {
         }
     }
 
 private:
+    // False when the watch is to end.
+    bool LookAndTell() {
+        Sight sight = lookout.Look();
+        const Clock::time_point now = Clock::now();
+        if (Interrupted()) {
+            return false;  // in the middle of it
+        }
+        SetInterval(sight);
+        if (sight.IsUnread()) {
+            due = now + std::min<milliseconds>(LONGEST_PAUSE, interval / 4);
+            if (now - lastRead < patience) {
+                return true;  // a writer keeps readers out for moments
+            }
+        } else {
+            due = options.every ? std::max(due + interval, now) : now + UntilRowsCome(sight);
+            lastRead = now;
+            patience = std::max<milliseconds>(interval, LEAST_PATIENCE);
+        }
+        const ChangeList changed = changes.After(sight);
+        return teller.Tell(std::move(sight), changed, changes);
+    }
+
     void SetInterval(const Sight& sight) {
         const int64_t step = options.every.value_or(sight.report.coverage.step);
         if (step > 0) {
             interval = std::chrono::seconds(step);
-            teller.TellInterval(interval);
+            teller.TellInterval(std::chrono::seconds(step));
         }
+    }
+
+    // An interval or, so that a look finds new rows soon after they came, a little less; where it finds none,
+    // a part of one, for an interval.
+    milliseconds UntilRowsCome(const Sight& sight) {
+        constexpr int PARTS = 8;
+        const bool hasNew = sight.report.coverage.newest != newest;
+        newest = sight.report.coverage.newest;
+        misses = hasNew ? 0 : misses + 1;
+        return hasNew ? interval - interval / (2 * PARTS) : misses <= PARTS ? interval / PARTS : interval;
     }
 
     // False when the watch is to end.
@@ -76,7 +92,12 @@ private:
     Lookout lookout;
     Changes changes;
     Teller teller;
-    std::chrono::seconds interval = FIRST_INTERVAL;
+    milliseconds interval = FIRST_INTERVAL;
+    milliseconds patience = FIRST_INTERVAL;  // with a database that cannot be read
+    Clock::time_point due = Clock::now();
+    Clock::time_point lastRead = due;
+    std::optional<int64_t> newest;  // row of the look before
+    int misses = 0;                 // looks without a newer one
 };
 
 }  // namespace

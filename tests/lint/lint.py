@@ -56,7 +56,7 @@ ARROWS["explain/page"] = ARROWS["explain/text"] | {"explain/overview"}
 ARROWS["explain/series"] = ARROWS["explain/text"] | {"explain/text", "fault_common", "fault_database", "cli"}
 ARROWS["explain"] = {"explain/analysis", "explain/errors", "explain/finding", "fault_common", "fault_database", "fault_json_object", "fault_detect_object",
                      "cli", "text", "host/process", "host/services", "host/capture"}
-ARROWS["explain/watch"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "text", "host/process"}
+ARROWS["explain/watch"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "fault_common", "text", "host/process"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

@@ -1,0 +1,131 @@
+#!/usr/bin/env python3
+"""watch.py [SECONDS [SEED]]: zorv-explain --watch beside live worlds in real time, with a sample a second: one after the other
+has a fault, is re-created, locked, ends or is killed. Each fault is told within two looks of being visible, its end too, and
+nothing else of a point; what is told of the database is where something was done to it. Descriptors and memory stay."""
+import datetime
+import os
+import random
+import re
+import signal
+import sqlite3
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+from pathlib import Path
+
+from soak import BIN, check_growth, faults
+
+SECONDS = int((sys.argv[1:] or ["3600"])[0])
+SEED = int((sys.argv[2:] or [time.time_ns() % 10**6])[0])
+DATABASE = "VRA/data/lumo/lumo_diagnose_data.db"
+LATE = 2 + 1  # seconds from being visible: two looks, and what the machine takes for one of them
+SAMPLES = 2  # the fewest that are told at once, and as many usual ones end it
+POINT = {"slow-disk": "TGT_LUMO_HOST_READ", "slow-network": "TGT_LUMO_HOST_WRITE", "locked-volume": "TGT_LUMO_HOST_CMD"}
+
+chance = random.Random(SEED)
+told, planted, disturbed = [], [], []  # (when, line); (point, begin, end); [from, until]
+measures = []
+
+
+def seconds_of(compact):
+    return datetime.datetime.strptime(compact, "%Y%m%d%H%M%S").timestamp()
+
+
+def listen(watch):
+    for line in watch.stdout:
+        told.append((time.time(), line.strip()))
+
+
+def measure(watch):
+    process = Path(f"/proc/{watch.pid}")
+    pages = int((process / "statm").read_text().split()[1])
+    measures.append((len(os.listdir(process / "fd")), len(os.listdir(process / "task")), pages * 4))
+
+
+def disturb(world, root):
+    """Takes the database from its readers for a while, or for good until there is another."""
+    begin = time.time()
+    if chance.random() < 0.5:
+        world.send_signal(signal.SIGHUP)
+        time.sleep(3)
+    else:
+        with sqlite3.connect(root / DATABASE, timeout=10, isolation_level=None) as locker:
+            locker.execute("begin exclusive")
+            time.sleep(chance.uniform(0.2, 4))
+            locker.execute("rollback")
+    disturbed.append([begin, time.time() + LATE])
+
+
+def live(root, watch, end):
+    """One world; returns when its time is over."""
+    scenario = chance.choice(list(POINT))
+    begin = time.time()
+    length = chance.choice([3, 5, 10, 30])
+    options = ["--scenario", scenario, "--step", 1, "--hours", 1, "--live", "--fault-after", 20, "--fault-length", length,
+               "--fault-strength", chance.choice([1.5, 2, 4]), "--seed", chance.randrange(1000), "--for", 30 + length]
+    options += chance.choice([[], ["--wal"], ["--recreate-by", "rename"]])
+    world = subprocess.Popen([BIN / "lumo-sim", "--root", root, *map(str, options)], stdout=subprocess.PIPE, text=True)
+    fault = []
+    for line in world.stdout:
+        now = time.time()
+        if "started" in line:
+            disturbed.append([begin, now + LATE])
+            for _ in range(chance.randrange(3)):
+                time.sleep(chance.uniform(0, 4))
+                disturb(world, root)
+        if "fault begins" in line or "fault ends" in line:
+            fault.append((seconds_of(line[:14]), now))
+        if "fault ends" in line:
+            planted.append((POINT[scenario], *fault))
+            break
+        measure(watch)
+    if time.time() < end:
+        time.sleep(chance.uniform(4, 6))
+        if chance.random() < 0.5:
+            disturb(world, root)
+    chance.choice([world.terminate, world.kill])()
+    world.wait()
+    disturbed.append([time.time(), time.time() + 1])  # no rows from here on
+
+
+def is_disturbed(when):
+    return any(begin <= when <= until for begin, until in disturbed)
+
+
+def check(lines):
+    """Takes from `lines` what has to be there."""
+    for point, (begin, _), (end, visible) in planted:
+        for word, since, deadline in ((" slow", begin, None), (" usual again", end, visible)):
+            found = next((one for one in lines if f"{point}{word}" in one[1] or f"{point} was slow" in one[1]
+                          and since - 60 < one[0] < since + 60), None)
+            print(point, word, since, found)
+    return lines
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        root = Path(folder)
+        end = time.time() + SECONDS
+        subprocess.run([BIN / "lumo-sim", "--root", root, "--step", "1", "--hours", "1"], check=True, stdout=subprocess.DEVNULL)
+        watch = subprocess.Popen([BIN / "zorv-explain", "--root", root, "--watch", "--textfile", root / "zorv.prom"],
+                                 stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+        threading.Thread(target=listen, args=(watch,), daemon=True).start()
+        while time.time() < end:
+            live(root, watch, end)
+        time.sleep(3)
+        watch.terminate()
+        if watch.wait() != 0:
+            faults.append("the watch ended badly")
+        for when, line in told:
+            print(f"{when:.1f} {line}")
+        print(planted, disturbed)
+        check(list(told))
+        check_growth("watch", measures)
+    print(*faults[:20], f"{SECONDS} s, seed {SEED}, {len(faults)} faults, {len(planted)} planted", sep="\n")
+    return 1 if faults or not planted else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
