@@ -138,9 +138,15 @@ std::string ShortTime(int64_t time, const Report& report);
 std::string RangeOf(const Report& report);
 
 // Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
-// is not of now was last seen there: "13:26 on" and "still at 14:29".
-std::string ShortSpan(const Window& event, bool isOngoing, const Report& report);
-std::string WhetherOver(const Window& event, bool isOngoing, const Report& report);
+// is not of now was last seen there: "13:26 on" and "still at 14:29". One that begins with the first row is
+// "before 10:31 to 11:23".
+struct Span {
+    Window window;
+    bool isOngoing = false;
+    bool isCut = false;  // at its begin: there are no rows before it
+};
+std::string ShortSpan(const Span& span, const Report& report);
+std::string WhetherOver(const Span& span, const Report& report);
 
 // "2.4 times".
 std::string TimesOf(double ratio);
@@ -154,8 +160,7 @@ std::string MissingOf(const Report& report);
 struct Course {
     const char* adjective;  // "slow", "failing"
     size_t times = 1;
-    Window last;
-    bool isOngoing = false;
+    Span last;
     std::string amount;
 };
 std::string CourseOf(const Course& course, const Report& report);
@@ -163,7 +168,8 @@ std::string CourseOf(const Course& course, const Report& report);
 // That no point was slow, and in how much of the range.
 std::string NoneSlow(const Report& report);
 
-// What a point was in the range that has no event.
+// What a type of errors was in the range that has no event; and what a point was.
+constexpr const char* AS_USUAL = "as usual";
 std::string QuietStateOf(const Look& look);
 
 // Above the rows of points, those of types, what was healed, and the events; and below those that are shown.

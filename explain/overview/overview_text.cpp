@@ -53,9 +53,19 @@ private:
 
     std::string Title(const std::string& title) const { return "\n" + Painted(title, COLOUR_BOLD) + "\n"; }
 
-    // Each of the lines in the colour, where there is one.
-    std::string Lines(const std::string& lead, const std::string& text, const char* colour) const {
-        std::string lines = Paragraph(lead, text, style.width);
+    // What happened and why: where the line has no room for both, the cause has its own.
+    std::string Told(const std::string& lead, const std::string& what, const std::string& cause) const {
+        const std::string first = Printable(what) + (cause.empty() ? "" : ":");
+        const std::string whole = first + " " + Printable(cause);
+        if (cause.empty() || CellsOf(lead) + CellsOf(whole) <= style.width) {
+            return Paragraph(lead, cause.empty() ? first : whole, style.width);
+        }
+        return Paragraph(lead, first, style.width) +
+               Paragraph(std::string(CellsOf(lead), ' ') + GAP, Printable(cause), style.width);
+    }
+
+    // Each of the lines in the colour.
+    std::string Lines(std::string lines, const char* colour) const {
         std::string painted;
         while (!lines.empty()) {
             const size_t end = lines.find('\n');
@@ -75,12 +85,13 @@ private:
                                ? covered + std::string(style.width - used + 2, ' ') + range + "\n"
                                : Paragraph("", covered, style.width) + Paragraph("", range, style.width);
         if (const std::string missing = MissingOf(report); !missing.empty()) {
-            text += Lines("", missing, COLOUR_YELLOW);
+            text += Lines(Paragraph("", missing, style.width), COLOUR_YELLOW);
         }
-        const std::vector<PictureLine>& headlines = picture.headlines;
-        text += picture.hasSlowPoint ? "" : Lines("", NoneSlow(report), "");
+        const std::vector<Headline>& headlines = picture.headlines;
+        text += picture.hasSlowPoint ? "" : NoneSlow(report) + "\n";
         for (size_t i = 0; i < std::min(headlines.size(), MOST_HEADLINES); ++i) {
-            text += Lines("", Printable(headlines[i].text), ColourOf(headlines[i].mood));
+            const PictureLine& what = headlines[i].what;
+            text += Lines(Told("", what.text, headlines[i].cause), ColourOf(what.mood));
         }
         return text;
     }
@@ -169,8 +180,7 @@ private:
         for (size_t i = 0; i < shown; ++i) {
             const PictureEvent& event = events[i];
             const std::string when = PadRight(event.when.text, cells);
-            const std::string what = event.subject + (event.cause.empty() ? "" : ": " + event.cause);
-            std::string lines = Paragraph(GAP + when + GAP, Printable(what), style.width);
+            std::string lines = Told(GAP + when + GAP, event.subject, event.cause);
             lines.replace(std::string_view(GAP).size(), when.size(),
                           Painted(when, ColourOf(event.when.mood)));
             text += lines + Command(event.command);

@@ -11,7 +11,13 @@ namespace {
 
 // Up to where a bar is drawn at least: a point that is as usual has a flat line.
 constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
-constexpr int64_t LEAST_ERRORS = 8;
+constexpr double LEAST_ERRORS = 8.0;
+constexpr double CALM = 3.0;  // so much more room above the bars of a type that is as usual
+
+template <typename AnyEvent>
+Span SpanOf(const AnyEvent& event) {
+    return {event, event.isOngoing, event.first == 0};
+}
 
 Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
@@ -72,8 +78,8 @@ public:
             AddErrors(look);
         }
         std::stable_sort(picture.headlines.begin(), picture.headlines.end(),
-                         [](const PictureLine& a, const PictureLine& b) {
-                             return a.mood == Mood::NOW && b.mood != Mood::NOW;
+                         [](const Headline& a, const Headline& b) {
+                             return a.what.mood == Mood::NOW && b.what.mood != Mood::NOW;
                          });
         std::stable_sort(picture.events.begin(), picture.events.end(),
                          [](const PictureEvent& a, const PictureEvent& b) {
@@ -137,8 +143,8 @@ private:
             return;
         }
         picture.hasSlowPoint = true;
-        row.state = {WhetherOver(*last, last->isOngoing, report), MoodOf(last->isOngoing)};
-        AddHeadline(look.point, {"slow", events.size(), *last, last->isOngoing, row.amount},
+        row.state = {WhetherOver(SpanOf(*last), report), MoodOf(last->isOngoing)};
+        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount},
                     CausesOf(analyses, figures));
         for (const Event& event : events) {
             AddEvent(look, event);
@@ -150,7 +156,7 @@ private:
         const std::string amount = AmountOf(look, &event, analyses);
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
-        shown.when = {ShortSpan(event, event.isOngoing, report), MoodOf(event.isOngoing)};
+        shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
         shown.subject = look.point + (amount.empty() ? "" : " " + amount);
         shown.cause = CausesOf(analyses, figures);
         shown.command = CommandOf(look, event);
@@ -158,9 +164,8 @@ private:
     }
 
     void AddHeadline(const std::string& subject, const Course& course, const std::string& cause) {
-        const std::string text =
-            subject + " " + CourseOf(course, report) + (cause.empty() ? "" : ": " + cause);
-        picture.headlines.push_back({text, MoodOf(course.isOngoing)});
+        picture.headlines.push_back(
+            {{subject + " " + CourseOf(course, report), MoodOf(course.last.isOngoing)}, cause});
     }
 
     // Intervals without errors count none, where there are rows at all.
@@ -185,12 +190,11 @@ private:
         PictureRow& row = picture.errors.emplace_back();
         row.name = NameOf(look.type);
         row.values = CountsOf(look);
-        row.top = static_cast<double>(LEAST_ERRORS);
+        row.top = LEAST_ERRORS;
         for (const TimedValue& value : row.values) {
             row.top = std::max(row.top, value.value);
         }
-        row.amount = std::to_string(look.points.empty() ? look.count : look.points.front().count);
-        row.state = {"as usual", Mood::CALM};
+        row.state = {AS_USUAL, Mood::CALM};
         std::vector<const ErrorAnalysis*> analyses;
         for (const ErrorAnalysis& errors : report.errors) {
             if (errors.type.index == look.type.index) {
@@ -198,10 +202,14 @@ private:
                 AddEvent(errors);
             }
         }
-        if (!analyses.empty()) {
+        if (analyses.empty()) {
+            row.amount = std::to_string(look.points.empty() ? look.count : look.points.front().count);
+            row.top *= CALM;
+        } else {
             const ErrorEvent& last = analyses.front()->event;
-            row.state = {WhetherOver(last, last.isOngoing, report), MoodOf(last.isOngoing)};
-            AddHeadline(row.name, {"frequent", analyses.size(), last, last.isOngoing, ErrorsOf(last)},
+            row.amount = std::to_string(last.count);
+            row.state = {WhetherOver(SpanOf(last), report), MoodOf(last.isOngoing)};
+            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last)},
                         CauseOf(*analyses.front(), figures));
         }
     }
@@ -210,7 +218,7 @@ private:
         const ErrorEvent& event = errors.event;
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
-        shown.when = {ShortSpan(event, event.isOngoing, report), MoodOf(event.isOngoing)};
+        shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
         shown.subject = NameOf(errors.type) + ", " + ErrorsOf(event);
         shown.cause = CauseOf(errors, figures);
         shown.command = CommandOf(report.again);

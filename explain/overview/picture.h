@@ -23,6 +23,12 @@ struct PictureLine {
     Mood mood = Mood::CALM;
 };
 
+// What happened, and why.
+struct Headline {
+    PictureLine what;
+    std::string cause;  // empty when it is not known
+};
+
 // One point, or one type of errors, over the range.
 struct PictureRow {
     std::string name;
@@ -43,7 +49,7 @@ struct PictureEvent {
 
 struct Picture {
     bool hasSlowPoint = false;
-    std::vector<PictureLine> headlines;  // what is going on, since when, and why
+    std::vector<Headline> headlines;  // what is going on, since when, and why
     std::vector<PictureRow> points;
     std::vector<PictureRow> errors;
     std::vector<PictureEvent> events;  // what still goes on, then the latest first

@@ -71,8 +71,10 @@ Markup EventsTable(const std::vector<PictureEvent>& events) {
 
 Markup Headlines(const Picture& picture, const Report& report) {
     Markup lines;
-    for (const PictureLine& line : picture.headlines) {
-        lines += Element("p", {{"class", std::string("headline ") + StyleOf(line.mood)}}, Text(line.text));
+    for (const Headline& line : picture.headlines) {
+        const std::string cause = line.cause.empty() ? "" : ": " + line.cause;
+        lines += Element("p", {{"class", std::string("headline ") + StyleOf(line.what.mood)}},
+                         Text(line.what.text + cause));
     }
     return picture.hasSlowPoint ? lines
                                 : Element("p", {{"class", "headline calm"}}, Text(NoneSlow(report))) + lines;

@@ -1,4 +1,4 @@
-#include "explain/series/point_series.h"
+#include "explain/point_series.h"
 
 #include <json/writer.h>
 

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "explain/series/point_series.h"
+#include "explain/point_series.h"
 #include "explain/text/layout.h"
 #include "explain/wording.h"
 #include "text/colours.h"

@@ -20,6 +20,13 @@ bool IsFresh(const Report& report) {
     return coverage.newest && report.madeAt - *coverage.newest <= FRESH_STEPS * coverage.step;
 }
 
+// One that is cut is told by the first time after its begin that has another name.
+std::string StartOf(const Span& span, const Report& report) {
+    constexpr int64_t MINUTE = 60;
+    return span.isCut ? "before " + ShortTime(span.window.start + MINUTE, report)
+                      : ShortTime(span.window.start, report);
+}
+
 std::string CauseIn(const Analysis& analysis, const Figures& figures) {
     switch (analysis.verdict) {
         case Verdict::LOAD:
@@ -58,17 +65,17 @@ std::string RangeOf(const Report& report) {
            (isOneDay ? end.substr(DAY_LETTERS + 1) : end);
 }
 
-std::string ShortSpan(const Window& event, bool isOngoing, const Report& report) {
-    const std::string start = ShortTime(event.start, report);
-    const std::string end = ShortTime(event.end, report);
-    return isOngoing      ? start + (IsFresh(report) ? " to now" : " on")
+std::string ShortSpan(const Span& span, const Report& report) {
+    const std::string start = StartOf(span, report);
+    const std::string end = ShortTime(span.window.end, report);
+    return span.isOngoing ? start + (IsFresh(report) ? " to now" : " on")
            : start == end ? start
                           : start + " to " + end;
 }
 
-std::string WhetherOver(const Window& event, bool isOngoing, const Report& report) {
-    const std::string end = ShortTime(event.end, report);
-    return !isOngoing ? "until " + end : IsFresh(report) ? "now" : "still at " + end;
+std::string WhetherOver(const Span& span, const Report& report) {
+    const std::string end = ShortTime(span.window.end, report);
+    return !span.isOngoing ? "until " + end : IsFresh(report) ? "now" : "still at " + end;
 }
 
 std::string TimesOf(double ratio) {
@@ -76,18 +83,18 @@ std::string TimesOf(double ratio) {
 }
 
 std::string CourseOf(const Course& course, const Report& report) {
-    const std::string amount = course.amount.empty() ? "" : ", " + course.amount;
+    const Span& last = course.last;
     const std::string adjective = course.adjective;
-    if (course.isOngoing) {
-        const std::string since = adjective + " since " + ShortTime(course.last.start, report);
-        return (IsFresh(report) ? "has been " + since
-                                : "was still " + adjective + " at " + ShortTime(course.last.end, report) +
-                                      ", since " + ShortTime(course.last.start, report)) +
-               amount;
+    const std::string amount = course.amount.empty() ? "" : ", " + course.amount;
+    const std::string since = "since " + StartOf(last, report);
+    if (last.isOngoing && IsFresh(report)) {
+        return "has been " + adjective + " " + since + amount;
     }
-    const std::string span = ShortSpan(course.last, false, report);
-    return "was " + adjective +
-           (course.times > 1 ? " in " + Counted(course.times, "event") + ", the last " : " ") + span + amount;
+    if (last.isOngoing) {
+        return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
+    }
+    const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
+    return "was " + adjective + " " + times + ShortSpan(last, report) + amount;
 }
 
 std::string NoneSlow(const Report& report) {
@@ -95,7 +102,10 @@ std::string NoneSlow(const Report& report) {
 }
 
 std::string QuietStateOf(const Look& look) {
-    return look.samples == 0 ? "no rows" : look.finding.deviations.empty() ? "too few rows" : "usual";
+    return look.samples == 0                 ? "no rows"
+           : look.finding.deviations.empty() ? "too few rows"
+           : look.finding.isCurved           ? "usual: a slow curve"
+                                             : "usual";
 }
 
 bool NamesACause(const Analysis& analysis) {

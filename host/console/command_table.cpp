@@ -24,7 +24,7 @@ Words NoWords(const Words& /*before*/) {
     return {};
 }
 
-constexpr std::array<Row, 6> ROWS = {
+constexpr std::array<Row, 8> ROWS = {
     {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
      {"status", "", "what this host works on: files, configuration, switch, alarms, start-up.", NoWords, 0,
       false, RunStatus},
@@ -34,6 +34,11 @@ constexpr std::array<Row, 6> ROWS = {
      {"explain", "[OPTIONS] START END | MINUTES",
       "where the extra delay of slow points goes; --help tells more.", WordsAfterExplain, 0, true,
       RunExplain},
+     {"overview", "[START END | MINUTES]",
+      "the last four hours, or a range, on one screen: points, errors, healings, events.", WordsAfterOverview,
+      0, true, RunOverview},
+     {"series", "POINT [--columns NAMES] START END | MINUTES",
+      "the rows that the statistics have of a point.", WordsAfterSeries, 0, true, RunSeries},
      {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
 
 Command CommandOf(const Row& row) {

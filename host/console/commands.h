@@ -35,5 +35,11 @@ std::string SwitchAndItsOrigin();
 ExitStatus RunExplain(const Words& words, ConsoleState& state);
 Words WordsAfterExplain(const Words& before);
 
+// Runs the same program for its overview, and for the rows of a point.
+ExitStatus RunOverview(const Words& words, ConsoleState& state);
+Words WordsAfterOverview(const Words& before);
+ExitStatus RunSeries(const Words& words, ConsoleState& state);
+Words WordsAfterSeries(const Words& before);
+
 ExitStatus RunQuit(const Words& words, ConsoleState& state);
 }  // namespace zorv

@@ -33,7 +33,7 @@ Words WordsAfterExplain(const Words& before) {
     if (std::find(takeAnything.begin(), takeAnything.end(), last) != takeAnything.end()) {
         return {};
     }
-    return {"--point", "--graph", "--at",   "--during", "--baseline",
-            "--node",  "--zone",  "--json", "--html",   "--help"};
+    return {"--point", "--graph",    "--at",   "--during", "--baseline", "--node",
+            "--zone",  "--overview", "--json", "--html",   "--help"};
 }
 }  // namespace zorv

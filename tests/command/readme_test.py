@@ -3,6 +3,7 @@ fresh folder, in the order of the page; "(...)" stands for lines that are left o
 import os
 import re
 import subprocess
+import sys
 import unittest
 from pathlib import Path
 
@@ -27,7 +28,7 @@ class Readme(ConsoleTest):
         screens = [screen for block in blocks for screen in re.split(r"^\$ ", block, flags=re.M)[1:]]
         self.assertGreater(len(screens), 4)
         self.start_first_node()
-        environment = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}"}
+        environment = {**os.environ, "PATH": f"{BIN}:{os.environ['PATH']}", "LC_ALL": "C.UTF-8"}
         for command, _, shown in (screen.partition("\n") for screen in screens):
             with self.subTest(command=command):
                 printed = subprocess.run(command, shell=True, cwd=self.root, env=environment, stdout=subprocess.PIPE,
@@ -35,6 +36,11 @@ class Readme(ConsoleTest):
                 parts = (shown.strip("\n") + "\n").split("(...)\n")
                 pattern = r"(?:.*\n)*?".join(map(re.escape, parts))
                 self.assertTrue(re.fullmatch(pattern, printed.strip("\n") + "\n"), f"{command}\n{printed}")
+
+    def test_picture(self):
+        docs = README.parent / "docs"
+        subprocess.run([sys.executable, docs / "page_picture.py", BIN, self.root / "page.svg"], check=True)
+        self.assertEqual((self.root / "page.svg").read_text(), (docs / "page.svg").read_text(), "docs/page_picture.py renews it")
 
 
 if __name__ == "__main__":

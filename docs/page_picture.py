@@ -1,0 +1,57 @@
+#!/usr/bin/env python3
+"""Renews docs/page.svg, the picture in README.md, from a world of lumo-sim and the page that zorv-explain writes of it:
+docs/page_picture.py [BIN_DIR [FILE]]. The same programs give the same bytes."""
+import re
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree as ElementTree
+from pathlib import Path
+
+HERE = Path(__file__).parent
+RANGE = ["20230105103000", "20230105143000"]
+WIDTH, MARGIN = 1000.0, 16.0
+SVG = "{http://www.w3.org/2000/svg}"
+# Of the page's style what drawings need: colours and classes, not the rule for how a drawing fits the page.
+LEFT_OUT = r"^(svg|body|main|h[123]|p|a|section|figure|table|th|td|tr|dd|dt|summary|\*|caption|thead|tbody)\b.*?\}\s*$"
+
+
+def page_of(bin_dir):
+    with tempfile.TemporaryDirectory() as world:
+        page = Path(world) / "page.html"
+        subprocess.run([bin_dir / "lumo-sim", "--root", world, "--scenario", "slow-disk", "--end", RANGE[1]], check=True,
+                       stdout=subprocess.DEVNULL)
+        subprocess.run([bin_dir / "zorv-explain", "--root", world, "--zone", "+0800", "--html", page, *RANGE], check=True,
+                       stdout=subprocess.DEVNULL)
+        return page.read_text()
+
+
+def picture_of(page):
+    style = re.search(r"<style>(.*?)</style>", page, re.S)[1]
+    colours = re.match(r"\s*(:root .*?\n)(@media \(prefers-color-scheme.*?\} \}\n)", style, re.S)
+    rules = [rule for rule in re.findall(r"^[^@\n].*?\}$", style[colours.end():], re.M)
+             if not re.match(LEFT_OUT, rule) or rule.startswith("svg ") and not rule.startswith("svg {")]
+    root = ElementTree.fromstring(page.removeprefix("<!DOCTYPE html>"))
+    drawings = [drawing for drawing in root.iter(SVG + "svg") if drawing.get("class") == "graph"][:1]
+    named = [figure for figure in root.iter("figure") if figure.find("figcaption/strong") is not None][:1]
+    captions = {figure.find(f".//{SVG}svg"): figure.find("figcaption/strong").text for figure in named}
+    drawings[:0] = captions
+    ElementTree.register_namespace("", SVG[1:-1])
+    height, body = MARGIN, ""
+    for drawing in drawings:
+        _, _, width, tall = map(float, drawing.get("viewBox").split())
+        shown = tall * (WIDTH - 2 * MARGIN) / width
+        point = captions.get(drawing, "")
+        height += 14 if point else 0
+        body += f'<text x="{MARGIN:.0f}" y="{height:.1f}" class="name">{point}</text>\n' if point else ""
+        drawing.set("x", f"{MARGIN:.0f}"), drawing.set("y", f"{height:.1f}")
+        drawing.set("width", f"{WIDTH - 2 * MARGIN:.0f}"), drawing.set("height", f"{shown:.1f}")
+        height += shown + MARGIN
+        body += ElementTree.tostring(drawing, encoding="unicode") + "\n"
+    return (f'<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 {WIDTH:.0f} {height:.1f}" width="{WIDTH:.0f}" height="{height:.1f}" '
+            f'font-family="ui-monospace, monospace" font-size="11">\n<style>\n{colours[1]}{colours[2]}{chr(10).join(rules)}\n</style>\n'
+            f'<rect width="100%" height="100%" style="fill: var(--card)"/>\n{body}</svg>\n')
+
+
+bin_dir = Path(sys.argv[1]) if len(sys.argv) > 1 else HERE.parent / "build/dev/bin"
+(Path(sys.argv[2]) if len(sys.argv) > 2 else HERE / "page.svg").write_text(picture_of(page_of(bin_dir)))
