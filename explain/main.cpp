@@ -43,8 +43,8 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
     try {
-        SampleStore store(StretchesOf(request.question));
-        Survey(request, store, report);
+        Stores stores{SampleStore(StretchesOf(request.question)), {}};
+        Survey(request, stores, report);
     } catch (...) {
         throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
     }

@@ -58,8 +58,12 @@ std::optional<Reason> WhyZone(const Request& request) {
 // Answers one report's questions, point by point.
 class Surveyor {
 public:
-    Surveyor(const Request& toAnswer, SampleStore& toAsk, Report& toFill)
-        : request(toAnswer), question(toAnswer.question), store(toAsk), report(toFill) {}
+    Surveyor(const Request& toAnswer, Stores& stores, Report& toFill)
+        : request(toAnswer),
+          question(toAnswer.question),
+          store(stores.samples),
+          errorStore(stores.errors),
+          report(toFill) {}
 
     void Look() {
         for (const PointRequest& point : request.points) {
@@ -80,7 +84,7 @@ public:
     // What keeps errors from being told leaves the delays their answers.
     void LookAtErrors() {
         try {
-            Errors errors = SurveyErrors(question, store);
+            Errors errors = SurveyErrors(question, store, errorStore);
             report.errorLooks = std::move(errors.looks);
             report.errors = std::move(errors.analyses);
         } catch (...) {
@@ -213,6 +217,7 @@ private:
     const Request& request;
     const Question& question;
     SampleStore& store;
+    ErrorStore& errorStore;
     Report& report;
     std::map<std::string, Reason> unreadable;  // points with a bad value
     size_t subjects = 0;
@@ -251,8 +256,8 @@ Reason ReasonOfFailure(const std::string& graph) {
     }
 }
 
-void Survey(const Request& request, SampleStore& store, Report& report) {
-    Surveyor surveyor(request, store, report);
+void Survey(const Request& request, Stores& stores, Report& report) {
+    Surveyor surveyor(request, stores, report);
     surveyor.Look();
     if (request.wantsErrors) {
         surveyor.LookAtErrors();

@@ -51,10 +51,13 @@ public:
     // The stretches with their tables.
     const std::vector<Part>& Parts() const { return parts; }
 
+    // The end of the only stretch, from a time on, with its tables; valid until the next move. Throws as the
+    // constructor does.
+    const Part& PartSince(int64_t time);
+
 private:
     PointData Load(const std::string& point);
     Samples Rows(const std::string& point, const Part& part) const;
-    const Part& PartSince(int64_t time);
 
     std::vector<Part> parts;
     std::map<int64_t, Part> partsSince;  // ends of the only part, by their first time

@@ -37,8 +37,8 @@ Sight Lookout::Look() {
     const zorv::SingleTry once;
     try {
         Open();
-        store.MoveTo(StretchesOf(request.question).front());
-        Survey(request, store, sight.report);
+        stores.samples.MoveTo(StretchesOf(request.question).front());
+        Survey(request, stores, sight.report);
     } catch (...) {
         sight.failure = ReasonOfFailure();
         isOpen = false;

@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "explain/finding/sample_store.h"
 #include "explain/input.h"
 #include "explain/options.h"
+#include "explain/survey.h"
 #include "explain/watch/changes.h"
 
 namespace explain {
@@ -26,7 +26,7 @@ private:
 
     Options options;
     const Input& input;
-    SampleStore store;
+    Stores stores;
     bool isOpen = false;
     std::string openingFailure;  // of the last look
 };
