@@ -48,6 +48,8 @@ if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANIT
     file(CREATE_LINK zorv-local ${PROJECT_BINARY_DIR}/links/${program} SYMBOLIC)
     install(FILES ${PROJECT_BINARY_DIR}/links/${program} DESTINATION ${completions})
   endforeach()
+  # Disabled until somebody enables it.
+  install(FILES cmake/package/zorv-explain-watch.service DESTINATION lib/systemd/system COMPONENT tools)
   install_texts(plugin libsmartdiagnose)
   install_texts(tools zorv-tools)
   install_texts(headers libsmartdiagnose-dev)

@@ -19,7 +19,10 @@ enum class ChangeKind {
     UNREADABLE,  // the database
     READABLE,    // again
     SILENT,      // no rows come
-    ROWS         // they come again
+    ROWS,        // they come again
+    ERRORS,      // there are more of a type than usual
+    ERRORS_OVER,
+    HEALED  // the agent did
 };
 
 // Who is to blame.
@@ -38,7 +41,9 @@ struct Change {
     std::optional<Cause> cause = {};
     int64_t seconds = 0;                 // how long it was slow, or without rows, or could not be read
     std::optional<int64_t> newest = {};  // of SILENT: the last row, UTC
-    std::string reason = {};             // of UNREADABLE
+    std::string reason = {};             // of UNREADABLE; of HEALED, what was
+    std::string type = {};               // of errors
+    int64_t count = 0;                   // of these
 };
 using ChangeList = std::vector<Change>;
 

@@ -185,6 +185,7 @@ std::string ErrorsOf(const ErrorEvent& event);
 
 // A healing in a line: "13:02 BDM for IOHANG (disk timeout)".
 std::string BriefOf(const Healing& healing, const Report& report);
+std::string HealedOf(const Healing& healing);  // without the time
 // ---- a watch
 
 // What has changed: "TGT_LUMO_HOST_READ slow, 2030 us (2.4 times), BDM_DISK_READ 99 %"; and the same behind

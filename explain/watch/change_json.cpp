@@ -31,6 +31,9 @@ std::string JsonChange(const Change& change, int64_t now, int64_t zoneOffset) {
     value["cause"] = change.cause ? CauseValue(*change.cause) : Json::Value();
     value["seconds"] = change.seconds > 0 ? static_cast<Json::Int64>(change.seconds) : Json::Value();
     value["newest"] = change.newest ? JsonTime(*change.newest, zoneOffset) : Json::Value();
+    value["type"] = change.type.empty() ? Json::Value() : JsonText(change.type);
+    value["errors"] =
+        change.type.empty() ? Json::Value() : Json::Value(static_cast<Json::Int64>(change.count));
     value["sentence"] = JsonText(SentenceOf(change, zoneOffset));
     Json::StreamWriterBuilder builder;
     builder["indentation"] = "";

@@ -124,6 +124,7 @@ ChangeList Changes::After(const Sight& sight) {
     for (const Look& look : sight.report.looks) {
         TellOfPoint(sight.report, look, changes);
     }
+    errors.After(sight.report, changes);
     std::stable_sort(changes.begin(), changes.end(),
                      [](const Change& a, const Change& b) { return a.time < b.time; });
     return changes;

@@ -9,6 +9,7 @@
 
 #include "explain/change.h"
 #include "explain/report.h"
+#include "explain/watch/error_changes.h"
 
 namespace explain {
 
@@ -71,6 +72,7 @@ private:
     static void TellOfCause(const Report& report, const Look& look, State& state, ChangeList& changes);
 
     std::map<std::string, State> points;
+    ErrorChanges errors;
     Trouble unreadable;
     Trouble silent;
     std::optional<int64_t> newest;

@@ -60,8 +60,7 @@ std::string PointsText(const Report& report, const Changes& changes) {
 std::string ErrorsText(const Report& report) {
     Gauge errors("zorv_errors", "Errors of the last hour by type, all points together.");
     for (const ErrorLook& look : report.errorLooks) {
-        errors.Add(Label("type", look.type.name.empty() ? look.type.column : look.type.name),
-                   static_cast<double>(look.count));
+        errors.Add(Label("type", NameOf(look.type)), static_cast<double>(look.count));
     }
     return errors.Text();
 }

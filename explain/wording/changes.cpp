@@ -15,7 +15,7 @@ std::string SlownessOf(const Change& change) {
 // "BDM_DISK_READ 99 %".
 std::string BlameOf(const Cause& cause) {
     if (cause.point.empty()) {
-        return "as many more requests have it";
+        return "because of more requests";
     }
     return (cause.certainty == Certainty::UNSURE ? "perhaps " : "") + cause.point + " " +
            Fixed(cause.share * 100.0, 0) + " %";
@@ -46,6 +46,14 @@ std::string SentenceOf(const Change& change, int64_t zoneOffset) {
             return "the statistics database can be read again after " + lasted;
         case ChangeKind::SILENT:
             return change.newest ? "no rows since " + LocalTime(*change.newest, zoneOffset) : "no rows yet";
+        case ChangeKind::ERRORS:
+            return change.type + ": " + Counted(static_cast<size_t>(change.count), "error") +
+                   ", more than usual, " + BlameOf(*change.cause);
+        case ChangeKind::ERRORS_OVER:
+            return change.type + ": no more than usual again after " + lasted + ", " +
+                   Counted(static_cast<size_t>(change.count), "error");
+        case ChangeKind::HEALED:
+            return "healed " + change.reason;
         case ChangeKind::ROWS:
             break;
     }
@@ -87,6 +95,12 @@ const char* WordOf(ChangeKind kind) {
             return "readable";
         case ChangeKind::SILENT:
             return "no rows";
+        case ChangeKind::ERRORS:
+            return "errors";
+        case ChangeKind::ERRORS_OVER:
+            return "errors over";
+        case ChangeKind::HEALED:
+            return "healed";
         case ChangeKind::ROWS:
             break;
     }

@@ -144,7 +144,11 @@ std::string ErrorsOf(const ErrorEvent& event) {
 }
 
 std::string BriefOf(const Healing& healing, const Report& report) {
-    return ShortTime(healing.time, report) + " " + healing.module + " for " + healing.kind +
+    return ShortTime(healing.time, report) + " " + HealedOf(healing);
+}
+
+std::string HealedOf(const Healing& healing) {
+    return healing.module + " for " + healing.kind +
            (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
            (healing.isHere ? "" : " on node " + std::to_string(healing.node));
 }
