@@ -25,8 +25,8 @@ class Watch(ConsoleTest):
     def watch(self, *options):
         process = subprocess.Popen([BIN / "zorv-explain", "--root", self.root, "--watch", "--every", "1", *options],
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
-        self.addCleanup(process.communicate)
-        self.addCleanup(process.kill)
+        for clean in (process.stdout.close, process.stderr.close, process.wait, process.kill):
+            self.addCleanup(clean)
         return process
 
     def next(self, process):
@@ -60,7 +60,7 @@ class Watch(ConsoleTest):
         gauges = self.gauges()
         self.assertGreater(gauges["zorv_point_delay_ratio", POINT], 1.5)
         self.assertEqual([gauges["zorv_point_slow", POINT], gauges["zorv_point_slow", "NAS_TRANS_ALL"],
-                          gauges["zorv_database_readable"]], [1, 0, 1])
+                          gauges["zorv_database_readable",]], [1, 0, 1])
         self.assertEqual((self.root / "zorv.prom").stat().st_mode & 0o777, 0o644)
 
         self.usual_until(int(time.time()), truth["start_epoch"])
@@ -92,7 +92,6 @@ class Watch(ConsoleTest):
             self.assertRegex(watch.stdout.readline(), rf"\d\d {POINT} slow, \d+ us \(\d\.\d times\), BDM_DISK_READ \d+ %\n")
             watch.stdout.close() if end is None else watch.send_signal(end)
             self.assertEqual(watch.wait(), 0, end)
-            watch.stdout = None
         for options in (["60"], ["--at", "-5m"], ["--every", "0"], ["--html", "page"]):
             self.assertEqual(self.run_explain("--watch", *options)[0], 2, options)
         self.assertEqual(self.run_explain("--textfile", "x", "60")[0], 2)

@@ -20,8 +20,8 @@ Sight SightOf(const std::string& letters) {
         const char letter = letters[i];
         const int64_t time = static_cast<int64_t>(i) * STEP;
         if (letter != '_' && letter != '!') {
-            const double jitter = static_cast<double>(i % 3) - 1.0;
-            samples.push_back({time, (letter == 'H' ? 300 : letter == 'm' ? 107 : 100) + jitter, 10});
+            const double jitter = 3.0 * static_cast<double>(i % 3) - 3.0;
+            samples.push_back({time, (letter == 'H' ? 300 : letter == 'm' ? 115 : 100) + jitter, 10});
         }
         sight.report.madeAt = time;
     }
@@ -60,7 +60,7 @@ TEST(Watch, TellsEachChangeOnceAndWhatIsStableAlone) {
         {"..H....", "5 was slow 1"},                             // a single sample, in one line
         {"..H.H...", "5 slow, 7 usual 3"},
         {"mmmmmmmmmm....", "4 slow, 12 usual 10"},
-        {"HHHH___________....", "2 slow, 8 no rows, 16 rows 12, 17 usual 12"},
+        {"HHHH___________....", "2 slow, 8 no rows, 16 rows 12, 17 usual 4"},
         {"..!!!!..", "3 unreadable, 7 readable 4"},
         {"HHH!!!!HH..", "2 slow, 4 unreadable, 8 readable 4, 11 usual 9"},
     };
