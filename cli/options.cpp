@@ -1,22 +1,15 @@
 #include "cli/options.h"
 
 #include <CLI/CLI.hpp>
+#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <utility>
 
+#include "text/zone.h"
+
 namespace cli {
 namespace {
-
-// What is wrong with a zone such as +0800; empty: nothing. The system would take one that is out of range for
-// UTC.
-std::string FaultOfZone(const std::string& zone) {
-    const bool complete = zone.size() == 5 && (zone[0] == '+' || zone[0] == '-') &&
-                          zone.find_first_not_of("0123456789", 1) == std::string::npos;
-    return complete && zone.substr(1, 2) <= "14" && zone[3] <= '5'
-               ? std::string()
-               : "a zone has a sign and four digits, such as +0800";
-}
 
 class UsageFormatter : public CLI::Formatter {
 public:
@@ -42,10 +35,17 @@ void DeclareInputOptions(CLI::App& app, InputOptions& options) {
                                ->excludes(root);
     app.add_flag("--empty-heal", options.emptyHeal, "Do without the heal database that a capture lacks")
         ->needs(capture);
-    app.add_option("--zone", options.zone, "Zone of all local times, such as +0800; default: this machine's")
+    app.add_option("--zone", options.zone,
+                   "Zone of all local times: +0800, +08:00, +8, Asia/Shanghai; default: this machine's")
         ->type_name("Z")
         ->check(FaultOfZone)
         ->take_last();
+}
+
+void TakeZone(const char* program, const std::optional<std::string>& zone) {
+    if (const std::string note = KeepZone(zone); !note.empty()) {
+        std::fprintf(stderr, "%s: %s\n", program, note.c_str());
+    }
 }
 
 int PrintAnswer(CLI::App& app, const CLI::Success& answer) {

@@ -17,11 +17,15 @@ struct InputOptions {
     std::optional<std::string>
         capture;                      // the same, in which nothing may change; there is at most one of both
     bool emptyHeal = false;           // with a capture: do without its heal database
-    std::optional<std::string> zone;  // a sign and four digits; without it the machine's
+    std::optional<std::string> zone;  // as an operator writes it; without it the machine's
 };
 
 // Adds the options to `app`, which sets `options` when it parses. The last --zone counts.
 void DeclareInputOptions(CLI::App& app, InputOptions& options);
+
+// KeepZone(); what there is to say of the zone is told on stderr, behind the program's name. Not thread-safe:
+// call it before anything asks for local time.
+void TakeZone(const char* program, const std::optional<std::string>& zone = std::nullopt);
 
 // Prints the help or the version, which was asked for. Returns the exit status: 1 when it cannot be printed.
 int PrintAnswer(CLI::App& app, const CLI::Success& answer);

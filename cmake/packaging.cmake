@@ -15,6 +15,9 @@ configure_file(cmake/zorv-agent.pc.in ${PROJECT_BINARY_DIR}/zorv-agent.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/ZorvAgentConfigVersion.cmake DESTINATION ${config_dir} COMPONENT headers)
 install(FILES ${PROJECT_BINARY_DIR}/zorv-agent.pc DESTINATION ${CMAKE_INSTALL_DATADIR}/pkgconfig COMPONENT headers)
 
+# Disabled until somebody enables it.
+install(FILES cmake/package/zorv-explain-watch.service DESTINATION lib/systemd/system COMPONENT tools)
+
 set(CPACK_PACKAGE_CONTACT "The developers of libsmartdiagnose <developers@libsmartdiagnose.invalid>" CACHE STRING
   "Who answers for the packages, with an address")
 
@@ -48,8 +51,6 @@ if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANIT
     file(CREATE_LINK zorv-local ${PROJECT_BINARY_DIR}/links/${program} SYMBOLIC)
     install(FILES ${PROJECT_BINARY_DIR}/links/${program} DESTINATION ${completions})
   endforeach()
-  # Disabled until somebody enables it.
-  install(FILES cmake/package/zorv-explain-watch.service DESTINATION lib/systemd/system COMPONENT tools)
   install_texts(plugin libsmartdiagnose)
   install_texts(tools zorv-tools)
   install_texts(headers libsmartdiagnose-dev)
@@ -69,6 +70,7 @@ set(CPACK_DEBIAN_PLUGIN_PACKAGE_SECTION libs)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME zorv-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libsmartdiagnose (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS tzdata) # names of zones
 set(CPACK_DEBIAN_HEADERS_PACKAGE_NAME libsmartdiagnose-dev)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_ARCHITECTURE all)

@@ -44,6 +44,9 @@ Input::Input(const Options& options) : directory(DirectoryOf(options)) {
     HostSettings settings;
     settings.root = capture ? capture->Root() : directory;
     SetHostSettings(settings);
+    if (const std::string advice = AdviceWithoutFiles(); !advice.empty()) {
+        throw std::runtime_error(advice);
+    }
     ConfigureLog(options.log, VPLOG_LEVEL_WARNING);
     WatchStatements();
 }

@@ -24,7 +24,6 @@
 #include "host/process/process.h"
 #include "host/process/screen.h"
 #include "host/process/statements.h"
-#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace explain {
@@ -129,16 +128,14 @@ int ExplainOnce(const Options& options, const std::vector<std::string>& argument
 }
 
 int Run(const Options& options, const std::vector<std::string>& arguments) {
-    if (options.zone) {
-        SetZone(*options.zone);
-    } else if (options.watch) {
-        KeepZone();
-    }
+    cli::TakeZone("zorv-explain", options.zone);
     RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
     try {
         return options.watch ? Watch(options, Input(options)) : ExplainOnce(options, arguments);
     } catch (const OutputError& error) {
-        std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        if (error.what()[0] != '\0') {
+            std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());
+        }
         return STATUS_NOT_WRITTEN;
     }
 }

@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "text/printable.h"
+#include "text/time_words.h"
 
 namespace explain {
 namespace {
@@ -16,9 +17,10 @@ constexpr const char* OVERVIEW_MINUTES = "240";
 
 constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
-yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00. MINUTES is a length of time up to now. Without --point,
-every event of the points at which hosts enter is explained. --watch takes no times: it looks at the last
-hour until Ctrl-C or SIGTERM, which is status 0.
+yesterday, 2023/1/5 14:3:0, 2023-01-05 14:03:00 or 2023-01-05T14:03:00 (also with a zone, Z or +08:00).
+MINUTES is a length of time up to now; so are 90s, 4h and 1d. Without --point, every event of the points at
+which hosts enter is explained. --watch takes no times: it looks at the last hour
+until Ctrl-C or SIGTERM, which is status 0.
 
 Exit status: 0 answered, 1 nothing anomalous or within the usual, 2 wrong usage, 3 no data or no
 configuration, 4 cannot tell, or nothing in a range of which a part has no rows, 5 the answer or the page
@@ -99,21 +101,16 @@ void Declare(CLI::App& app, Options& options) {
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
 
-bool IsMinutes(const std::string& word) {
-    return word.size() <= 4 && word.find_first_not_of("0123456789") == std::string::npos;
-}
-
 // The words behind those of --baseline are the range's where that would lack them.
 void SplitBaseline(Options& options) {
     std::vector<std::string>& words = options.baseline;
     std::vector<std::string>& times = options.times;
-    const bool lacksTimes =
-        times.empty() ? options.during.empty() : times.size() == 1 && !IsMinutes(times[0]);
+    const bool lacksTimes = times.empty() ? options.during.empty() : times.size() == 1 && !IsLength(times[0]);
     if (words.size() < 2 || !lacksTimes) {
         return;
     }
-    const bool hasMinutes = times.empty() && IsMinutes(words.back());
-    const auto range = hasMinutes || !times.empty() || words.size() == 2 ? 1 : 2;
+    const bool hasLength = times.empty() && IsLength(words.back());
+    const auto range = hasLength || !times.empty() || words.size() == 2 ? 1 : 2;
     times.insert(times.begin(), words.end() - range, words.end());
     words.erase(words.end() - range, words.end());
     if (words.size() > 2) {

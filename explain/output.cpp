@@ -12,7 +12,9 @@ namespace explain {
 
 void PrintAnswer(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw OutputError(std::string("the answer cannot be printed: ") + std::strerror(errno));
+        // Who closed a pipe has read enough: nothing is to be told of that.
+        throw OutputError(
+            errno == EPIPE ? "" : std::string("the answer cannot be printed: ") + std::strerror(errno));
     }
 }
 

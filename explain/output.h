@@ -6,7 +6,8 @@
 
 namespace explain {
 
-// An answer or a file cannot be written; what() tells the operator why.
+// An answer or a file cannot be written; what() tells the operator why, or is empty where nobody reads it
+// any more.
 class OutputError : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };

@@ -1,6 +1,5 @@
 #include "explain/report_json_values.h"
 
-#include <algorithm>
 #include <cmath>
 
 #include "text/local_time.h"
@@ -26,10 +25,8 @@ Json::Value JsonNumber(const std::optional<double>& value) {
 
 Json::Value JsonTime(int64_t time, int64_t zoneOffset) {
     Json::Value value;
-    std::string local = LocalTime(time, zoneOffset) + ZoneText(zoneOffset);
-    std::replace(local.begin(), local.end(), ' ', 'T');
     value["epoch"] = static_cast<Json::Int64>(time);
-    value["local"] = local;
+    value["local"] = IsoTime(time, zoneOffset);
     return value;
 }
 

@@ -1,7 +1,6 @@
 #include "explain/request.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 #include <iterator>
 
@@ -13,27 +12,15 @@
 namespace explain {
 namespace {
 
-constexpr int64_t LONGEST_MINUTES = 2880;  // as the plug-in's commands take
-constexpr int64_t MINUTE = 60;             // seconds
-constexpr int64_t DAY = 86400;
+constexpr int64_t DAY = 86400;        // seconds
+constexpr int64_t LONGEST = 2 * DAY;  // as the plug-in's commands take
 constexpr const char* HOST_POINTS = "hosts";
 
 Window WindowBetween(int64_t start, int64_t end) {
-    if (start >= end || end - start > LONGEST_MINUTES * MINUTE) {
+    if (start >= end || end - start > LONGEST) {
         throw cli::UsageError("the end has to be after the start, at most two days");
     }
     return {start, end};
-}
-
-int64_t MinutesOf(const std::string& word) {
-    int64_t minutes = 0;
-    const char* const end = word.data() + word.size();
-    const auto [rest, error] = std::from_chars(word.data(), end, minutes);
-    if (error != std::errc() || rest != end || minutes < 1 || minutes > LONGEST_MINUTES) {
-        throw cli::UsageError("'" + word + "' is no length of time in minutes, from 1 to " +
-                              std::to_string(LONGEST_MINUTES));
-    }
-    return minutes;
 }
 
 // Of words as an operator writes them.
@@ -45,7 +32,7 @@ Window RangeOf(std::vector<std::string> words, const LocalClock& clock) {
     if (!understood.empty()) {
         std::fprintf(stderr, "%s\n", understood.c_str());
     }
-    return words.size() == 1 ? Window{clock.time - MinutesOf(words.front()) * MINUTE, clock.time}
+    return words.size() == 1 ? WindowBetween(clock.time - LengthOf(words.front()), clock.time)
                              : WindowBetween(TimeOf(words.front(), clock), TimeOf(words.back(), clock));
 }
 

@@ -9,6 +9,7 @@
 
 #include "explain/analysis/own_delay.h"
 #include "explain/errors/error_analysis.h"
+#include "explain/finding/healing.h"
 #include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
@@ -83,12 +84,22 @@ public:
 
     // What keeps errors from being told leaves the delays their answers.
     void LookAtErrors() {
+        report.areErrorsLookedAt = true;
         try {
             Errors errors = SurveyErrors(question, store, errorStore);
             report.errorLooks = std::move(errors.looks);
             report.errors = std::move(errors.analyses);
         } catch (...) {
             report.errorsReason = ReasonOfFailure();
+        }
+    }
+
+    void LookAtHealings() {
+        const Window& range = question.range;
+        try {
+            report.healings = HealingsIn({range.start - HEALING_LOOK_BACK, range.end});
+        } catch (...) {
+            report.healingsReason = ReasonOfFailure();
         }
     }
 
@@ -262,6 +273,7 @@ void Survey(const Request& request, Stores& stores, Report& report) {
     if (request.wantsErrors) {
         surveyor.LookAtErrors();
     }
+    surveyor.LookAtHealings();
     surveyor.Analyse();
 }
 

@@ -22,15 +22,13 @@ enum class Verdict;
 struct Analysis;
 struct Candidate;
 struct Change;
-struct ErrorAnalysis;
 struct ErrorEvent;
-struct ErrorType;
 struct Event;
-struct Healing;
 struct Look;
 struct Reason;
 struct Report;
 struct Trial;
+struct Window;
 
 // How a form of the report writes what it measures.
 struct Figures {
@@ -53,6 +51,9 @@ std::string TimeOfDay(int64_t time, int64_t zoneOffset);
 // "2023-01-05 12:59:00 to 13:00:00", with the second day where it is another, without the second time where
 // it is the same.
 std::string LocalTimes(int64_t start, int64_t end, int64_t zoneOffset);
+
+// "over since 13:00:00" or "still going on at 13:00:00", with the day where it is not that of the begin.
+std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset);
 
 // With so many digits after the point.
 std::string Fixed(double value, int decimals);
@@ -120,7 +121,6 @@ std::string FirstOf(const Trial& trial);
 // The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
 // without an analysis.
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
-std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures);
 
 // Whether an analysis has an answer that is a cause: neither the slow point itself nor within the usual.
 bool NamesACause(const Analysis& analysis);
@@ -148,12 +148,14 @@ struct Span {
 std::string ShortSpan(const Span& span, const Report& report);
 std::string WhetherOver(const Span& span, const Report& report);
 
-// "2.4 times".
+// "2.4 times"; "over 9999 times".
 std::string TimesOf(double ratio);
 
-// "480 of 480 intervals, newest row 20 s old"; and what of the range has no rows, empty when it is covered.
+// "480 of 480 intervals, newest row 20 s old"; what of the range has no rows, empty when it is covered; and a
+// line for each thing that the picture lacks: these rows, a point's delays, the errors, the healings.
 std::string NewestOf(const Report& report);
 std::string MissingOf(const Report& report);
+std::vector<std::string> LacksOf(const Report& report);
 
 // What there is behind the name of a point or type: "has been slow since 13:26, 2.4 times", "was slow 12:58
 // to 13:00", "was slow in 8 events, the last 13:24 to 13:27"; `amount` may be empty.
@@ -162,6 +164,7 @@ struct Course {
     size_t times = 1;
     Span last;
     std::string amount;
+    bool isHealed = false;  // by the agent
 };
 std::string CourseOf(const Course& course, const Report& report);
 
@@ -170,7 +173,7 @@ std::string NoneSlow(const Report& report);
 
 // What a type of errors was in the range that has no event; and what a point was.
 constexpr const char* AS_USUAL = "as usual";
-std::string QuietStateOf(const Look& look);
+std::string QuietStateOf(const Look& look, const Report& report);
 
 // Above the rows of points, those of types, what was healed, and the events; and below those that are shown.
 constexpr const char* DELAYS_TITLE = "Delay, times the usual";
@@ -179,13 +182,12 @@ constexpr const char* HEALED_TITLE = "Healed";
 constexpr const char* EVENTS_TITLE = "Events, the newest first";
 std::string EarlierEvents(size_t count);
 
-// How the errors of a type are called, and how many an event has: "IOERROR", "582 errors".
-std::string NameOf(const ErrorType& type);
+// How many errors an event has: "582 errors".
 std::string ErrorsOf(const ErrorEvent& event);
 
-// A healing in a line: "13:02 BDM for IOHANG (disk timeout)".
-std::string BriefOf(const Healing& healing, const Report& report);
-std::string HealedOf(const Healing& healing);  // without the time
+// The healings: "13:02 BDM for IOHANG (DISK_SLOW); 13:03 POOL for IOERR on node 2". Empty without one.
+std::string BriefHealingsOf(const Report& report);
+
 // ---- a watch
 
 // What has changed: "TGT_LUMO_HOST_READ slow, 2030 us (2.4 times), BDM_DISK_READ 99 %"; and the same behind

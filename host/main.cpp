@@ -1,6 +1,7 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
@@ -21,10 +22,10 @@
 #include "host/process/process.h"
 #include "host/process/settings.h"
 #include "host/process/statements.h"
+#include "host/services/console.h"
 #include "host/services/log.h"
 #include "host/services/timer.h"
 #include "host/terminal/session.h"
-#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace zorv {
@@ -60,7 +61,7 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
 }
 
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
-    options.zone.has_value() ? SetZone(*options.zone) : KeepZone();
+    cli::TakeZone("zorv-local", options.zone);
     HostSettings settings;
     if (options.capture.has_value()) {
         OpenCapture(options, capture, settings);
@@ -70,7 +71,10 @@ void SetUpServices(const Options& options, std::optional<Capture>& capture) {
     settings.node = options.node;
     settings.master = options.master;
     SetHostSettings(settings);
-    ConfigureLog(options.logFile, options.logLevel);
+    ConfigureLog(options.logFile, options.logLevel.value_or(VPLOG_LEVEL_WARNING));
+    if (!options.command.empty() && !options.logLevel && isatty(STDERR_FILENO) == 1) {
+        HoldLog();
+    }
 }
 
 // What a program that this one runs has to be told.
@@ -93,10 +97,27 @@ Words SharedOptions(const Options& options, const std::optional<Capture>& captur
     return shared;
 }
 
+// One command, the program's only one. Where it went wrong, the log that was held for that is shown, but not
+// to whoever wanted no more than the first lines.
+ExitStatus RunCommand(const Options& options, Console& console) {
+    const ExitStatus status = console.Run(options.command, "");
+    if (status == STATUS_OK || OutputError() == EPIPE) {
+        return status;
+    }
+    ShowHeldLog();
+    if (!options.misplaced.empty() && !console.IsProgram(options.command.front())) {
+        std::fprintf(stderr,
+                     "zorv-local: '%s' is behind the command, which took it for a word of its own: options "
+                     "of zorv-local stand before the command\n",
+                     Printable(options.misplaced).c_str());
+    }
+    return status;
+}
+
 ExitStatus RunCommands(const Options& options, const std::optional<Capture>& capture) {
     Console console(SharedOptions(options, capture), options.hints || isatty(STDOUT_FILENO) == 1);
     if (!options.command.empty()) {
-        return console.Run(options.command, "");
+        return RunCommand(options, console);
     }
     return isatty(STDIN_FILENO) == 1 ? RunTerminal(console) : RunLinesOfInput(console);
 }
@@ -108,6 +129,9 @@ void Start(const Options& options, std::optional<Capture>& capture) {
         nodes = ReadClusterFile(options.cluster, {options.node, options.master});
     }
     SetUpServices(options, capture);
+    if (const std::string advice = AdviceWithoutFiles(); !advice.empty()) {
+        std::fprintf(stderr, "zorv-local: %s\n", advice.c_str());
+    }
     WatchStatements();
     StartPlugin(options.plugin);
     if (!nodes.empty()) {  // now that there are handlers
@@ -120,6 +144,9 @@ int RunHost(const Options& options, std::optional<Capture>& capture) {
         Start(options, capture);
         return STATUS_OK;
     });
+    if (started != STATUS_OK) {
+        ShowHeldLog();
+    }
     return started != STATUS_OK
                ? started
                : cli::RunProgram("zorv-local", STATUS_FAILED, [&] { return RunCommands(options, capture); });

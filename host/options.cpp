@@ -1,6 +1,7 @@
 #include "host/options.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <map>
 
@@ -16,13 +17,14 @@ constexpr const char* DESCRIPTION =
 constexpr const char* EXAMPLES = R"(
 COMMAND is run with its ARGS, which may begin with '-'. Without a command there is a console on a terminal;
 otherwise command lines are read from standard input. Where a command takes START and END these are local
-times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0 or 2023-01-05 14:03:00.
+times: 20230105103000, now, -30m (also s, h, d), today, yesterday, 2023/1/5 14:3:0, 2023-01-05 14:03:00 or
+2023-01-05T14:03:00 (also with a zone, Z or +08:00); or, for both, a length of time up to now: 90s, 4h, 1d.
 
 Exit status: 0 all went well, 1 a command reported an error or its answer rests on too little (on no rows, a
 part of the range, failed statements or no configuration, told on standard error), 2 unknown command or wrong
 usage, 3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or
 the capture cannot be used, 130 (in a shell) ended with Ctrl-C.
-"explain" as COMMAND hands the exit status of zorv-explain on.
+"explain" as COMMAND hands the exit status of zorv-explain on. "status", "alarms" and "switch" take --json.
 
 On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.
 Environment: ZORV_LOCAL_HISTFILE names the file of the history (empty: none; default: zorv-local/history in
@@ -71,11 +73,21 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option_function<std::string>(
            "--log-level", [&options](const std::string& word) { options.logLevel = LevelOf(word); },
-           "error, warning, info or debug (or 3, 4, 5, 7); default: warning")
+           "error, warning, info or debug (or 3, 4, 5, 7); default: warning, and on a terminal nothing where "
+           "all "
+           "went well")
         ->type_name("L");
     app.add_flag("--hints", options.hints,
                  "Tell of events that delaydetect cannot flag, as on a terminal: takes as long as explain");
     app.prefix_command();
+}
+
+// The command gets it all the same: its words may be any.
+std::string MisplacedOption(const CLI::App& app, const std::vector<std::string>& words) {
+    const auto option = std::find_if(words.begin(), words.end(), [&](const std::string& word) {
+        return word.rfind("--", 0) == 0 && app.get_option_no_throw(word.substr(0, word.find('='))) != nullptr;
+    });
+    return option == words.end() ? "" : *option;
 }
 
 // A cluster whose every node took itself for the master would have several switches.
@@ -105,6 +117,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
         } else if (!options.command.empty() && options.command.front().substr(0, 1) == "-") {
             throw CLI::ExtrasError({options.command.front()});
         }
+        options.misplaced = MisplacedOption(app, options.command);
     } catch (const CLI::Success& answer) {
         return cli::PrintAnswer(app, answer);
     } catch (const CLI::Error& error) {

@@ -16,9 +16,11 @@ struct Options : cli::InputOptions {
     uint32_t master = 1;  // the own node, or one of the cluster's
     std::string cluster;  // the file with its nodes; empty: there are no other nodes
     std::string logFile;  // empty: stderr
-    uint32_t logLevel = VPLOG_LEVEL_WARNING;
-    bool hints = false;                // also where no terminal is
+    std::optional<uint32_t>
+        logLevel;        // VPLOG_LEVEL_*; none was named: warnings, unless a good end needs no log
+    bool hints = false;  // also where no terminal is
     std::vector<std::string> command;  // the command and its arguments; empty: a console
+    std::string misplaced;             // the first of these arguments that is an option of this program
 };
 
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing

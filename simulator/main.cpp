@@ -3,6 +3,7 @@
 #include <optional>
 #include <stdexcept>
 
+#include "cli/options.h"
 #include "cli/program.h"
 #include "simulator/files/world.h"
 #include "simulator/live/live_world.h"
@@ -43,6 +44,7 @@ void Run(int argc, char** argv) {
         std::fputs(request.text->c_str(), stdout);
         return;
     }
+    cli::TakeZone("lumo-sim");
     if (request.live) {
         PlayWithEvents(request);
         return;

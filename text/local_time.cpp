@@ -7,31 +7,11 @@
 #include <cstdlib>
 #include <ctime>
 
-namespace {
-constexpr long HOUR = 3600;
-
-long ExactOffsetAt(int64_t time) {
+int64_t ZoneOffsetAt(int64_t time) {
+    constexpr long HOUR = 3600;
     const time_t seconds = time;
     tm local{};
-    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff;
-}
-}  // namespace
-
-int64_t ZoneOffsetAt(int64_t time) {
-    return ExactOffsetAt(time) / HOUR * HOUR;
-}
-
-void SetZone(const std::string& zone) {
-    // Zones count east, TZ counts west.
-    const std::string west = (zone[0] == '+' ? "-" : "+") + zone.substr(1, 2) + ":" + zone.substr(3, 2);
-    setenv("TZ", ("<" + zone + ">" + west).c_str(), 1);
-    tzset();
-}
-
-void KeepZone() {
-    std::string zone = ZoneText(ExactOffsetAt(std::time(nullptr)));
-    zone.erase(zone.find(':'), 1);
-    SetZone(zone);
+    return localtime_r(&seconds, &local) == nullptr ? 0 : local.tm_gmtoff / HOUR * HOUR;
 }
 
 std::string LocalTime(int64_t time, int64_t zoneOffset) {
@@ -55,6 +35,12 @@ std::string CompactTime(int64_t time, int64_t zoneOffset) {
         std::remove_if(text.begin(), text.end(), [](char letter) { return letter < '0' || letter > '9'; }),
         text.end());
     return text;
+}
+
+std::string IsoTime(int64_t time, int64_t zoneOffset) {
+    std::string text = LocalTime(time, zoneOffset);
+    std::replace(text.begin(), text.end(), ' ', 'T');
+    return text.front() == '@' ? "" : text + ZoneText(zoneOffset);
 }
 
 std::string ZoneText(int64_t zoneOffset) {

@@ -4,6 +4,8 @@
 #include <numeric>
 #include <string_view>
 
+#include "text/printable.h"
+
 namespace {
 // Number of letters to insert, delete or replace between two texts.
 size_t EditDistance(std::string_view left, std::string_view right) {
@@ -46,4 +48,9 @@ std::string NearestName(const std::string& word, const std::vector<std::string>&
         return longer == names.end() ? std::string() : *longer;
     }
     return nearest;
+}
+
+std::string DidYouMean(const std::string& word, const std::vector<std::string>& names) {
+    const std::string nearest = NearestName(word, names);
+    return nearest.empty() ? "" : "; did you mean '" + Printable(nearest, 64) + "'?";
 }

@@ -9,6 +9,7 @@
 
 #include "text/local_time.h"
 #include "text/printable.h"
+#include "text/zone.h"
 
 namespace {
 constexpr int64_t DAY = 86400;
@@ -16,7 +17,8 @@ constexpr int64_t LAST_SECOND = 253402300799;  // of the year 9999: years have f
 constexpr size_t COMPACT_LENGTH = 14;
 constexpr std::string_view DIGITS = "0123456789";
 constexpr const char* FORMS =
-    "; a time is now, -30m (or s, h, d), today, yesterday, 2023/1/5 14:3:0 or 20230105140300";
+    "; a time is now, -30m (or s, h, d), today, yesterday, 2023/1/5 14:3:0, 2023-01-05T14:03:00+08:00 or "
+    "20230105140300";
 
 [[noreturn]] void Throw(const std::string& text, const char* reason) {
     throw TimeError("'" + Printable(text, 40) + "' is no time" + reason + FORMS);
@@ -63,16 +65,25 @@ std::optional<int64_t> SecondsOf(int year, int month, int day, int hour, int min
     return isKept ? std::optional<int64_t>(seconds) : std::nullopt;
 }
 
+// Seconds of a length with its unit, such as "30m".
+std::optional<int64_t> SecondsOfLength(std::string_view text) {
+    constexpr std::pair<std::string_view, int64_t> UNITS[] = {{"s", 1}, {"m", 60}, {"h", 3600}, {"d", DAY}};
+    const std::optional<int> count = TakeNumber(text, 1, 9);
+    const auto* const unit =
+        std::find_if(std::begin(UNITS), std::end(UNITS), [&](const auto& row) { return row.first == text; });
+    return count && unit != std::end(UNITS) ? std::optional<int64_t>(*count * unit->second) : std::nullopt;
+}
+
 // What one time is made of.
 struct Parts {
     std::string day;    // or the whole time
-    std::string clock;  // may be empty
+    std::string clock;  // may be empty; with its zone, if it has one
 };
 
 class Reader {
 public:
     Reader(Parts toRead, const LocalClock& clock)
-        : parts(std::move(toRead)), now(clock.time + clock.zoneOffset) {}
+        : parts(std::move(toRead)), now(clock.time + clock.zoneOffset), zoneOffset(clock.zoneOffset) {}
 
     // Local seconds. Throws TimeError.
     int64_t Read() const {
@@ -100,7 +111,11 @@ private:
         std::string_view rest = parts.day;
         if (!rest.empty() && rest.front() == '-') {
             rest.remove_prefix(1);
-            return now - Length(rest);
+            const std::optional<int64_t> length = SecondsOfLength(rest);
+            if (!length) {
+                Fail("");
+            }
+            return now - *length;
         }
         if (rest.size() != COMPACT_LENGTH || rest.find_first_not_of(DIGITS) != std::string_view::npos) {
             Fail("");
@@ -108,19 +123,6 @@ private:
         const auto number = [&](size_t at, size_t count) { return std::stoi(parts.day.substr(at, count)); };
         return Checked(
             SecondsOf(number(0, 4), number(4, 2), number(6, 2), number(8, 2), number(10, 2), number(12, 2)));
-    }
-
-    // Seconds of a length such as "30m".
-    int64_t Length(std::string_view rest) const {
-        constexpr std::pair<std::string_view, int64_t> UNITS[] = {
-            {"s", 1}, {"m", 60}, {"h", 3600}, {"d", DAY}};
-        const std::optional<int> count = TakeNumber(rest, 1, 9);
-        const auto* const unit = std::find_if(std::begin(UNITS), std::end(UNITS),
-                                              [&](const auto& row) { return row.first == rest; });
-        if (!count || unit == std::end(UNITS)) {
-            Fail("");
-        }
-        return *count * unit->second;
     }
 
     int64_t Day() const {
@@ -142,14 +144,17 @@ private:
         if (parts.clock.empty()) {
             return 0;
         }
-        std::string_view rest = parts.clock;
+        const size_t zoneAt = std::min(parts.clock.find_first_of("+-Z"), parts.clock.size());
+        std::string_view rest(parts.clock.data(), zoneAt);
         const std::optional<int> hour = TakeNumber(rest, 1, 2);
         const std::optional<int> minute = TakeNumberAfter(':', rest);
         const std::optional<int> second = rest.empty() ? 0 : TakeNumberAfter(':', rest);
-        if (!hour || !minute || !second || !rest.empty()) {
+        const std::optional<int64_t> zone =
+            zoneAt == parts.clock.size() ? zoneOffset : OffsetOf(parts.clock.substr(zoneAt));
+        if (!hour || !minute || !second || !zone || !rest.empty()) {
             Fail("");
         }
-        return Checked(SecondsOf(1970, 1, 1, *hour, *minute, *second));
+        return Checked(SecondsOf(1970, 1, 1, *hour, *minute, *second)) - *zone + zoneOffset;
     }
 
     int64_t Checked(const std::optional<int64_t>& seconds) const {
@@ -160,7 +165,8 @@ private:
     }
 
     const Parts parts;
-    const int64_t now;  // local seconds
+    const int64_t now;         // local seconds
+    const int64_t zoneOffset;  // of whoever is asked, seconds east of UTC
 };
 
 // Whether a word is the beginning of a time in another form than compact. Numbers are left to whoever takes
@@ -177,13 +183,32 @@ bool IsTimeWord(const std::string& text) {
 // The time that begins at `index`, which is moved behind it.
 Parts TakeParts(const std::vector<std::string>& words, size_t& index) {
     const std::string& word = words[index++];
+    const size_t separator = !word.empty() && IsDigit(word[0]) ? word.find('T') : word.npos;
+    if (separator != word.npos && separator + 1 < word.size()) {
+        return {word.substr(0, separator), word.substr(separator + 1)};
+    }
     const size_t blank = word.find(' ');
-    if (blank != std::string::npos) {
+    if (blank != word.npos) {
         const size_t clock = std::min(word.find_first_not_of(' ', blank), word.size());
         return {word.substr(0, blank), word.substr(clock)};
     }
     const bool isFollowed = index < words.size() && words[index].find(':') < 3;
     return {word, isFollowed ? words[index++] : ""};
+}
+
+// The local seconds of the start and the end of the range that begins at `index`, which is moved behind it.
+std::pair<int64_t, int64_t> TakeRange(const std::vector<std::string>& words, size_t& index,
+                                      const LocalClock& clock) {
+    const std::string& first = words[index];
+    if (SecondsOfLength(first)) {
+        ++index;
+        return {Reader({'-' + first, ""}, clock).Read(), clock.time + clock.zoneOffset};
+    }
+    const int64_t start = Reader(TakeParts(words, index), clock).Read();
+    if (index == words.size()) {
+        throw TimeError("'" + Printable(first, 40) + "' begins a range without an end; such as: -30m now");
+    }
+    return {start, Reader(TakeParts(words, index), clock).Read()};
 }
 }  // namespace
 
@@ -191,18 +216,31 @@ LocalClock ClockAt(int64_t time) {
     return {time, ZoneOffsetAt(time)};
 }
 
+bool IsLength(const std::string& word) {
+    constexpr size_t MOST_DIGITS = 9;
+    const bool isNumber =
+        !word.empty() && word.size() <= MOST_DIGITS && word.find_first_not_of(DIGITS) == word.npos;
+    return isNumber || SecondsOfLength(word);
+}
+
+int64_t LengthOf(const std::string& word) {
+    const int64_t seconds =
+        IsLength(word) ? SecondsOfLength(word).value_or(SecondsOfLength(word + 'm').value_or(0)) : 0;
+    if (seconds == 0) {
+        throw TimeError("'" + Printable(word, 40) +
+                        "' is no length of time, such as 60 or 60m (minutes), 90s, 4h or 1d");
+    }
+    return seconds;
+}
+
 std::string TurnRange(std::vector<std::string>& words, size_t first, const LocalClock& clock) {
     const auto isTurned = [&](size_t index) { return index < words.size() && IsTimeWord(words[index]); };
-    if (!isTurned(first) && !isTurned(first + 1)) {
+    const bool isLength = first < words.size() && SecondsOfLength(words[first]);
+    if (!isLength && !isTurned(first) && !isTurned(first + 1)) {
         return {};
     }
     size_t index = first;
-    const int64_t start = Reader(TakeParts(words, index), clock).Read();
-    if (index == words.size()) {
-        throw TimeError("'" + Printable(words[first], 40) +
-                        "' begins a range without an end; such as: -30m now");
-    }
-    const int64_t end = Reader(TakeParts(words, index), clock).Read();
+    const auto [start, end] = TakeRange(words, index, clock);
     const auto at = [&](size_t position) { return words.begin() + static_cast<std::ptrdiff_t>(position); };
     words.erase(at(first), at(index));
     words.insert(at(first), {CompactTime(start, 0), CompactTime(end, 0)});

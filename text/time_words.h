@@ -1,7 +1,11 @@
 // Times as an operator writes them. Besides compact local time (20230105140300) these are
 //   now, -30m                       the moment, and so many seconds (s), minutes (m), hours (h), days (d)
-//   before 2023/1/5 14:3:0                 local time; also 2023-01-05 14:03:00; without the seconds, or at
-//   midnight today 14:3:0, yesterday 14:3:0  the same on a day counted from now
+//                                  before
+//   2023/1/5 14:3:0                local time; also 2023-01-05 14:03:00; without the seconds, or at midnight
+//   2023-01-05T14:03:00            the same in one word; with a zone behind the time of day (Z, +08:00,
+//   +0800)
+//                                  it is that zone's
+//   today 14:3:0, yesterday 14:3:0 the same on a day counted from now
 // The parts of a time stand in one word with a blank, or in two words. Local time is UTC plus the zone's
 // offset at the moment, for all times: so does the plug-in count.
 #pragma once
@@ -27,9 +31,16 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+// Whether `word` is a length of time: a number of minutes, or one with its unit, such as 90s, 5m, 4h, 1d.
+bool IsLength(const std::string& word);
+
+// Seconds of such a length. Throws TimeError for what is none, and for 0.
+int64_t LengthOf(const std::string& word);
+
 // Turns the start and the end of a range, which stand in `words` from index `first` on, into compact local
 // times: `words` then has one word for each. Returns the range as text, for the operator to see what was
-// understood. Where neither begins in another form than compact local time, or there are no such words,
+// understood. A length with its unit in the place of both is the range of that length up to now. Where
+// nothing is in another form than compact local time or a number of minutes, or there are no such words,
 // nothing changes and the result is empty: whoever takes the words has to check them. Throws TimeError when
 // one of the two is no time or the end is missing; `words` is then unchanged.
 std::string TurnRange(std::vector<std::string>& words, size_t first, const LocalClock& clock);

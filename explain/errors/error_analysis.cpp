@@ -190,6 +190,11 @@ private:
         share.since = intervals.TimeOf(point.first);
         share.below = point.below;
         const IntervalCounts& counts = findings.at(node.counted)[point.column].counts;
+        for (const IntervalCount& one : counts) {
+            if (one.interval >= first && one.interval < end) {
+                share.counts.push_back({intervals.TimeOf(one.interval), one.count});
+            }
+        }
         share.isOngoing = IsOngoing(counts, {point.first, point.last, point.count});
         if (point.column != column) {
             share.type = TypeOf(point.column);

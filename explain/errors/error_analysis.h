@@ -40,6 +40,7 @@ struct ErrorShare {
     int64_t since = 0;   // its own first interval with too many, UTC
     bool isOngoing = false;
     std::optional<ErrorType> type;  // under which the point itself counts them, where that is another one
+    ErrorCounts counts;             // in the range, of that type
     std::vector<size_t> below;      // positions of those of its points that are next below it
 };
 

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "explain/finding/series.h"
+
 namespace explain {
 
 // A healing action of the agent.
@@ -20,5 +22,10 @@ struct Healing {
 
 // How long before a range healings are told, seconds.
 constexpr int64_t HEALING_LOOK_BACK = 3600;
+
+// All healings of a stretch of time, of all nodes and kinds, in the order of time. Blocks on the heal
+// database, which may be without the table: then there are none. Throws NoData when it cannot be read, and
+// std::invalid_argument for a node that is no number.
+std::vector<Healing> HealingsIn(const Window& window);
 
 }  // namespace explain

@@ -41,14 +41,6 @@ uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vec
     return 0;
 }
 
-std::string CompactTime(int64_t time) {
-    std::string text;
-    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
-        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
-    }
-    return text;
-}
-
 std::vector<std::string> TablesOf(const Window& stretch) {
     std::vector<std::string> tables;
     const std::string start = CompactTime(stretch.start);
@@ -106,6 +98,14 @@ FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
 }
 
 }  // namespace
+
+std::string CompactTime(int64_t time) {
+    std::string text;
+    if (TransUtcTimeToLocalTime(std::to_string(time), text) != 0) {
+        throw std::runtime_error("this machine's zone is not known: the command date cannot be run");
+    }
+    return text;
+}
 
 SampleStore::SampleStore(const std::vector<Window>& stretches) {
     for (const Window& stretch : stretches) {

@@ -12,6 +12,10 @@
 
 namespace explain {
 
+// A UTC time as the compact local one of tables and healings. Throws std::runtime_error when this machine's
+// zone cannot be asked for.
+std::string CompactTime(int64_t time);
+
 // What the database holds of one point.
 struct PointData {
     Samples samples;

@@ -11,9 +11,8 @@ namespace explain {
 namespace {
 
 constexpr size_t MOST_EVENTS_SHOWN = 4;
-constexpr size_t MOST_HEADLINES = 4;
 constexpr size_t MOST_NAME = 30;  // cells
-constexpr size_t LEAST_BARS = 16;
+constexpr size_t LEAST_BARS = 8;
 constexpr const char* GAP = "  ";
 constexpr const char* COMMAND_INDENT = "    ";
 constexpr const char* GO_ON = " \\";
@@ -84,14 +83,12 @@ private:
         std::string text = used <= style.width
                                ? covered + std::string(style.width - used + 2, ' ') + range + "\n"
                                : Paragraph("", covered, style.width) + Paragraph("", range, style.width);
-        if (const std::string missing = MissingOf(report); !missing.empty()) {
-            text += Lines(Paragraph("", missing, style.width), COLOUR_YELLOW);
+        for (const std::string& lack : LacksOf(report)) {
+            text += Lines(Paragraph("", Printable(lack), style.width), COLOUR_YELLOW);
         }
-        const std::vector<Headline>& headlines = picture.headlines;
         text += picture.hasSlowPoint ? "" : NoneSlow(report) + "\n";
-        for (size_t i = 0; i < std::min(headlines.size(), MOST_HEADLINES); ++i) {
-            const PictureLine& what = headlines[i].what;
-            text += Lines(Told("", what.text, headlines[i].cause), ColourOf(what.mood));
+        for (const Headline& headline : picture.headlines) {
+            text += Lines(Told("", headline.what.text, headline.cause), ColourOf(headline.what.mood));
         }
         return text;
     }
@@ -162,11 +159,8 @@ private:
     // ---- healings and events
 
     std::string Healings() const {
-        std::string all;
-        for (const Healing& healing : report.healings) {
-            all += (all.empty() ? "" : "; ") + BriefOf(healing, report);
-        }
-        return all.empty() ? "" : Title(HEALED_TITLE) + Paragraph(GAP, Printable(all), style.width);
+        const std::string all = Printable(BriefHealingsOf(report));
+        return all.empty() ? "" : Title(HEALED_TITLE) + Paragraph(GAP, all, style.width);
     }
 
     std::string Events() const {

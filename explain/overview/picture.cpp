@@ -5,6 +5,7 @@
 #include <map>
 
 #include "explain/report.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 // Up to where a bar is drawn at least: a point that is as usual has a flat line.
 constexpr double LEAST_TOP = 2.0;  // times that the usual is doubled
 constexpr double LEAST_ERRORS = 8.0;
-constexpr double CALM = 3.0;  // so much more room above the bars of a type that is as usual
+constexpr double CALM = 3.0;  // so much more room above bars that are not to alarm
 
 template <typename AnyEvent>
 Span SpanOf(const AnyEvent& event) {
@@ -23,16 +24,18 @@ Mood MoodOf(bool isOngoing) {
     return isOngoing ? Mood::NOW : Mood::OVER;
 }
 
-// How often the usual delay is doubled, so that one spike does not flatten all else; the delay as it is where
-// nothing is known of the usual.
+// How often the usual delay is doubled, so that one spike does not flatten all else; the delay as it is, in
+// low bars, where nothing is known of the usual.
 void AddDelays(const Look& look, PictureRow& row) {
-    const double usual = look.finding.deviations.empty() ? 0.0 : look.finding.usual.median;
-    row.top = usual > 0.0 ? LEAST_TOP : 1.0;
+    const double usual = look.finding.usual.median;
+    const bool isKnown = !look.finding.deviations.empty() && usual > 0.0;
+    row.top = isKnown ? LEAST_TOP : 1.0;
     for (const Sample& sample : look.rows) {
-        const double doubled = std::log2(std::max(sample.delay / usual, 1.0));
-        row.values.push_back({sample.time, usual > 0.0 ? doubled : sample.delay});
-        row.top = std::max(row.top, row.values.back().value);
+        const double height = isKnown ? std::log2(std::max(sample.delay / usual, 1.0)) : sample.delay;
+        row.values.push_back({sample.time, height});
+        row.top = std::max(row.top, height);
     }
+    row.top *= isKnown ? 1.0 : CALM;
 }
 
 double MeanOf(const Samples& samples, size_t first, size_t end) {
@@ -101,6 +104,10 @@ private:
         return analyses;
     }
 
+    bool IsHealed(const std::vector<const Analysis*>& analyses) const {
+        return !analyses.empty() && explain::IsHealed(*analyses.front(), report);
+    }
+
     // Of the analysis that tells most of the event.
     std::string AnchorOf(const std::vector<const Analysis*>& analyses) const {
         for (const bool isCause : {true, false}) {
@@ -138,13 +145,12 @@ private:
         row.amount = AmountOf(look, last, analyses);
         AddDelays(look, row);
         if (last == nullptr) {
-            const bool isKnown = !look.finding.deviations.empty() && look.samples > 0;
-            row.state = {QuietStateOf(look), isKnown ? Mood::CALM : Mood::UNKNOWN};
+            row.state = {QuietStateOf(look, report), Mood::CALM};
             return;
         }
         picture.hasSlowPoint = true;
         row.state = {WhetherOver(SpanOf(*last), report), MoodOf(last->isOngoing)};
-        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount},
+        AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount, IsHealed(analyses)},
                     CausesOf(analyses, figures));
         for (const Event& event : events) {
             AddEvent(look, event);
@@ -157,7 +163,8 @@ private:
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
         shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
-        shown.subject = look.point + (amount.empty() ? "" : " " + amount);
+        shown.subject =
+            look.point + (amount.empty() ? "" : " " + amount) + (IsHealed(analyses) ? ", then healed" : "");
         shown.cause = CausesOf(analyses, figures);
         shown.command = CommandOf(look, event);
         shown.anchor = AnchorOf(analyses);
@@ -188,7 +195,7 @@ private:
 
     void AddErrors(const ErrorLook& look) {
         PictureRow& row = picture.errors.emplace_back();
-        row.name = NameOf(look.type);
+        row.name = WordOf(look.type);
         row.values = CountsOf(look);
         row.top = LEAST_ERRORS;
         for (const TimedValue& value : row.values) {
@@ -209,8 +216,8 @@ private:
             const ErrorEvent& last = analyses.front()->event;
             row.amount = std::to_string(last.count);
             row.state = {WhetherOver(SpanOf(last), report), MoodOf(last.isOngoing)};
-            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last)},
-                        CauseOf(*analyses.front(), figures));
+            AddHeadline(row.name, {"frequent", analyses.size(), SpanOf(last), ErrorsOf(last), false},
+                        BriefOf(*analyses.front(), figures));
         }
     }
 
@@ -219,12 +226,13 @@ private:
         PictureEvent& shown = picture.events.emplace_back();
         shown.start = event.start;
         shown.when = {ShortSpan(SpanOf(event), report), MoodOf(event.isOngoing)};
-        shown.subject = NameOf(errors.type) + ", " + ErrorsOf(event);
-        shown.cause = CauseOf(errors, figures);
+        shown.subject = WordOf(errors.type) + ", " + ErrorsOf(event);
+        shown.cause = BriefOf(errors, figures);
+        shown.anchor = "errors" + std::to_string(&errors - report.errors.data() + 1);
         shown.command = CommandOf(report.again);
     }
 
-    std::string Compact(int64_t time) const { return CompactTime(time, report.zoneOffset); }
+    std::string Compact(int64_t time) const { return ::CompactTime(time, report.zoneOffset); }
 
     // No longer than it takes to explain this event alone.
     std::vector<std::string> CommandOf(const Look& look, const Event& event) const {

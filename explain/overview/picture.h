@@ -14,8 +14,7 @@ namespace explain {
 enum class Mood {
     CALM,
     OVER,  // it was unusual in the range
-    NOW,   // it still is
-    UNKNOWN
+    NOW    // it still is
 };
 
 struct PictureLine {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "explain/page/drawings.h"
+#include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
 #include "explain/page/tables.h"
@@ -74,18 +75,6 @@ Markup Graph(const Analysis& analysis, size_t number) {
                                  FlowList(analysis) + note);
 }
 
-// Once for wide screens and once for narrow ones.
-Markup SeriesFigure(const Analysis& analysis, const std::string& point, const std::optional<double>& usual,
-                    const SeriesFrame& frame, const std::string& id) {
-    const Samples& samples = analysis.world->points.at(point).samples;
-    Markup figure = Element("figcaption", Element("strong", point));
-    for (const bool isNarrow : {false, true}) {
-        figure += Element("div", {{"class", isNarrow ? "narrow" : "wide"}},
-                          SeriesDrawing(point, samples, usual, frame, id + (isNarrow ? "n" : ""), isNarrow));
-    }
-    return Element("figure", figure);
-}
-
 // Of a long way, its upper end and the answer.
 std::vector<size_t> DrawnWay(const Analysis& analysis) {
     if (!analysis.HasAnswer()) {
@@ -101,7 +90,9 @@ std::vector<size_t> DrawnWay(const Analysis& analysis) {
 // The range, and an event before it, with something of what was before.
 SeriesFrame FrameOf(const Analysis& analysis, const Report& report) {
     const Window& range = report.question.range;
-    SeriesFrame frame{range.start, range.end, range.start, report.zoneOffset, analysis.event, {}, {}};
+    SeriesFrame frame{range.start, range.end, range.start, report.zoneOffset, analysis.event, {},
+                      {},          {},        false};
+    frame.healings = HealingTimes(report);
     frame.others = OthersOf(analysis);
     frame.baseline = analysis.baseline;
     if (analysis.event) {
@@ -118,12 +109,14 @@ Markup Series(const Analysis& analysis, const Report& report, size_t number) {
         Element("p", {{"class", "quiet"}},
                 Text("Mean delay per interval over local time (UTC" + ZoneText(report.zoneOffset) +
                      "). The dashed line is the median of the baseline. Shaded are the baseline, the event, "
-                     "other events without a border, and what lies before the range."));
+                     "other events without a border, and what lies before the range. ") +
+                    HealingsLegend(report, {frame.start, frame.end}));
     size_t count = 0;
     for (const size_t node : DrawnWay(analysis)) {
         const std::optional<double> usual =
             analysis.findings.empty() ? std::nullopt : analysis.findings[node].evidence.baselineDelay;
-        figures += SeriesFigure(analysis, analysis.world->nodes[node].point, usual, frame,
+        const std::string& point = analysis.world->nodes[node].point;
+        figures += SeriesFigure(point, analysis.world->points.at(point).samples, usual, frame,
                                 "series" + std::to_string(number) + "-" + std::to_string(++count));
     }
     return figures;

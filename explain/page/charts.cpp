@@ -23,6 +23,7 @@ constexpr double TICK = 5.0;
 constexpr double TICK_TEXT = 17.0;  // below the axis
 constexpr double HALF_LETTER = 4.0;
 constexpr double NARROWEST_EVENT = 3.0;   // still seen
+constexpr double DIAMOND = 12.0;          // height of the mark of a healing
 constexpr double NAMED_BASELINE = 120.0;  // narrower ones have no room for the name
 
 constexpr size_t BUCKETS = 300;  // each draws its lowest and its highest sample
@@ -89,7 +90,9 @@ public:
 
     Markup Draw() const {
         return Shades() + DelayAxis() + TimeAxis() + UsualLine() +
-               Element("path", {{"class", "series"}, {"d", Outline()}});
+               Element("path", {{"class", frame.isCounts ? "series counts" : "series"},
+                                {"d", frame.isCounts ? Sticks() : Outline()}}) +
+               Healings();
     }
 
 private:
@@ -160,9 +163,13 @@ private:
                              {"x", Figure(LEFT - TICK, 1)},
                              {"y", Figure(y + HALF_LETTER, 1)},
                              {"text-anchor", "end"}},
-                            Text(DelayFigure(delay, most)));
+                            Text(ValueFigure(delay)));
         }
         return axis;
+    }
+
+    std::string ValueFigure(double value) const {
+        return frame.isCounts ? Figure(value, 0) : DelayFigure(value, most);
     }
 
     // Hours and minutes; the day as well where it begins, and at the first one.
@@ -199,6 +206,29 @@ private:
         return usual ? Element("path", {{"class", "usual"},
                                         {"d", "M" + PlaceFigure(LEFT, Y(*usual)) + " H" + Figure(right, 1)}})
                      : Markup();
+    }
+
+    // A line over all of the picture, with a diamond above it.
+    Markup Healings() const {
+        Markup marks;
+        for (const int64_t time : frame.healings) {
+            if (time >= frame.start && time <= frame.end) {
+                const std::string place = PlaceFigure(X(time), TOP - DIAMOND);
+                marks += Element("path", {{"class", "healing"},
+                                          {"d", "M" + place + " l4,6 l-4,6 l-4,-6 z M" +
+                                                    PlaceFigure(X(time), TOP) + " V" + Figure(BOTTOM, 1)}});
+            }
+        }
+        return marks;
+    }
+
+    // A line up to each count: what is not there is none.
+    std::string Sticks() const {
+        std::string sticks;
+        for (const Sample& sample : samples) {
+            sticks += "M" + PlaceFigure(X(sample.time), BOTTOM) + "V" + Figure(Y(sample.delay), 1);
+        }
+        return sticks;
     }
 
     // A line through the samples that breaks where some are missing; a lone sample is a dot.
@@ -239,11 +269,12 @@ private:
 
 std::string Description(const Samples& samples, const SeriesFrame& frame) {
     if (samples.empty()) {
-        return "There are no samples.";
+        return frame.isCounts ? "There are none." : "There are no samples.";
     }
     const auto highest = std::max_element(samples.begin(), samples.end(),
                                           [](const Sample& a, const Sample& b) { return a.delay < b.delay; });
-    return Counted(samples.size(), "sample") + ", the highest " + DelayFigure(highest->delay) + " at " +
+    return Counted(samples.size(), frame.isCounts ? "interval" : "sample") + ", the highest " +
+           (frame.isCounts ? Figure(highest->delay, 0) : DelayFigure(highest->delay)) + " at " +
            LocalTime(highest->time, frame.zoneOffset) + ".";
 }
 
@@ -253,8 +284,18 @@ Markup SeriesDrawing(const std::string& name, const Samples& samples, const std:
                      const SeriesFrame& frame, const std::string& id, bool isNarrow) {
     const Samples shown = SamplesIn(samples, {{frame.start, frame.end}});
     return Drawing("chart", id, "0 0 " + Figure(isNarrow ? NARROW : WIDE, 0) + " " + Figure(HEIGHT, 0),
-                   Text("Delay of ") + Text(name) + Text(" over local time"), Description(shown, frame),
-                   Chart(shown, usual, frame, isNarrow).Draw());
+                   Text(frame.isCounts ? "Errors of " : "Delay of ") + Text(name) + Text(" over local time"),
+                   Description(shown, frame), Chart(shown, usual, frame, isNarrow).Draw());
+}
+
+Markup SeriesFigure(const std::string& point, const Samples& samples, const std::optional<double>& usual,
+                    const SeriesFrame& frame, const std::string& id) {
+    Markup figure = Element("figcaption", Element("strong", point));
+    for (const bool isNarrow : {false, true}) {
+        figure += Element("div", {{"class", isNarrow ? "narrow" : "wide"}},
+                          SeriesDrawing(point, samples, usual, frame, id + (isNarrow ? "n" : ""), isNarrow));
+    }
+    return Element("figure", figure);
 }
 
 }  // namespace explain

@@ -20,13 +20,19 @@ struct SeriesFrame {
     std::optional<Event> event;
     std::optional<Window> baseline;
     std::vector<Event> others;
+    std::vector<int64_t> healings;
+    bool isCounts = false;  // of errors, which stand for themselves; else a line of delays
 };
 
-// An SVG of the delays of the point `name`, `id` telling it from others on the page; a line at `usual`, the
-// median of its baseline. Of long series about 600 samples are drawn, every peak among them. A narrow one has
-// the width of a telephone.
+// An SVG of the delays, or counts, of the point `name`, `id` telling it from others on the page; a line at
+// `usual`, the median of its baseline. Of long series about 600 samples are drawn, every peak among them. A
+// narrow one has the width of a telephone.
 Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
                      const SeriesFrame& frame, const std::string& id, bool isNarrow);
+
+// The same with its name, once for wide screens and once for narrow ones.
+Markup SeriesFigure(const std::string& point, const Samples& samples, const std::optional<double>& usual,
+                    const SeriesFrame& frame, const std::string& id);
 
 // An SVG of the graph below the point, where the extra delay flows; `number` tells it from others on the
 // page. The width of a line is the share that flows along it. `analysis` must have an answer.

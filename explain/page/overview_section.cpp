@@ -81,20 +81,18 @@ Markup Headlines(const Picture& picture, const Report& report) {
 }
 
 Markup Healings(const Report& report) {
-    Markup list;
-    for (const Healing& healing : report.healings) {
-        list += Element("li", BriefOf(healing, report));
-    }
-    return list.IsEmpty() ? list : Element("h3", HEALED_TITLE) + Element("ul", list);
+    const std::string all = BriefHealingsOf(report);
+    return all.empty() ? Markup() : Element("p", Element("strong", HEALED_TITLE) + Text(" " + all));
 }
 
 }  // namespace
 
 Markup OverviewSection(const Report& report) {
     const Picture picture = PictureOf(report, PAGE_FIGURES);
-    const std::string missing = MissingOf(report);
-    const Markup basis = Element("p", {{"class", "quiet"}}, Text(NewestOf(report))) +
-                         (missing.empty() ? Markup() : Element("p", {{"class", "over"}}, Text(missing)));
+    Markup basis = Element("p", {{"class", "quiet"}}, Text(NewestOf(report)));
+    for (const std::string& lack : LacksOf(report)) {
+        basis += Element("p", {{"class", "over"}}, Text(lack));
+    }
     const Markup rows = RowTable(DELAYS_TITLE, "Point", "Delay", picture.points, report) +
                         RowTable(ERRORS_TITLE, "Type", "Errors", picture.errors, report);
     return Element(

@@ -2,12 +2,13 @@
 #include <set>
 
 #include "explain/page/analysis_section.h"
+#include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
 #include "explain/page/markup.h"
 #include "explain/page/overview_section.h"
 #include "explain/page/style.h"
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -21,6 +22,10 @@ std::string TitleOf(const Report& report) {
         points.insert(analysis.point);
         isAnswered = isAnswered || isSlow;
         isOngoing = isOngoing || (isSlow && analysis.event->isOngoing);
+    }
+    if (points.empty() && !report.errors.empty()) {
+        return report.errors.size() == 1 ? SubjectOf(report.errors.front())
+                                         : Counted(report.errors.size(), "event") + " of errors";
     }
     if (points.empty()) {
         return report.coverage.IsPart() ? "No point was slow in what was looked at" : "No point was slow";
@@ -67,6 +72,12 @@ Markup Summary(const Report& report) {
                    Text(analysis.point), Text(analysis.graph),
                    Text(BriefOf(analysis, PAGE_FIGURES) + (more.empty() ? "" : "; " + more))});
     }
+    for (size_t i = 0; i < report.errors.size(); ++i) {
+        const ErrorAnalysis& one = report.errors[i];
+        table.Add(
+            {Element("a", {{"href", "#errors" + std::to_string(i + 1)}}, Text(BriefTimeOf(one, report))),
+             Text(SubjectOf(one)), Text(one.Entry().graph), Text(BriefOf(one, PAGE_FIGURES))});
+    }
     return Element("section", Element("h2", "Answers") + table.Done());
 }
 
@@ -80,6 +91,14 @@ Markup AllClear(const Report& report) {
         "section", {{"class", report.coverage.IsPart() ? "weak" : "clear"}},
         Element("div", {{"class", "answer"}}, Element("p", {{"class", "verdict"}}, Text(NothingOf(report)))) +
             table.Done());
+}
+
+Markup ErrorSections(const Report& report) {
+    Markup sections;
+    for (size_t i = 0; i < report.errors.size(); ++i) {
+        sections += ErrorSection(report.errors[i], report, i + 1);
+    }
+    return sections;
 }
 
 Markup Proof(const Report& report) {
@@ -105,13 +124,19 @@ Markup Proof(const Report& report) {
 
 std::string HtmlReport(const Report& report) {
     Markup body = OverviewSection(report);
-    body += report.analyses.empty() ? AllClear(report) : Summary(report);
+    if (report.analyses.empty()) {
+        body += ErrorSections(report) + AllClear(report);
+    } else {
+        body += Summary(report);
+    }
     if (report.analyses.size() != 1) {  // a single answer has it behind its verdict
         body += Element("section", Element("h2", "Looked at") + FactList(BasisOf(report)));
     }
     for (size_t i = 0; i < report.analyses.size(); ++i) {
         body += AnalysisSection(report.analyses[i], report, i + 1);
     }
+    body += report.analyses.empty() ? Markup() : ErrorSections(report);
+    body += HealingsSection(report);
     const Window& range = report.question.range;
     const std::string when = LocalTimes(range.start, range.end, report.zoneOffset);
     const Markup header = Element(

@@ -18,13 +18,6 @@ Markup LeftOut(size_t count, const std::string& what) {
                       : Element("p", {{"class", "quiet"}}, Text("and " + Counted(count, "more " + what)));
 }
 
-// The share as a figure and as a length.
-Markup ShareCell(double share) {
-    const Markup bar =
-        Element("span", {{"class", "bar"}, {"style", "width:" + Figure(share * 100.0, 1) + "%"}});
-    return Text(PercentFigure(share)) + Element("span", {{"class", "track"}, {"aria-hidden", "true"}}, bar);
-}
-
 Markup ReasonList(const std::vector<Reason>& reasons) {
     Markup items;
     for (const Reason& reason : reasons) {
@@ -79,6 +72,12 @@ Markup EvidenceTable(const Analysis& analysis, const std::vector<const NodeFindi
 }
 
 }  // namespace
+
+Markup ShareCell(double share) {
+    const Markup bar =
+        Element("span", {{"class", "bar"}, {"style", "width:" + Figure(share * 100.0, 1) + "%"}});
+    return Text(PercentFigure(share)) + Element("span", {{"class", "track"}, {"aria-hidden", "true"}}, bar);
+}
 
 Markup EventTable(const Analysis& analysis, const Report& report) {
     const std::vector<Event> others = OnlyListedOf(analysis, report);

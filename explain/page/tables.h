@@ -12,6 +12,9 @@ namespace explain {
 // The other events of the point that are only listed, the latest ones of many; empty where there is none.
 Markup EventTable(const Analysis& analysis, const Report& report);
 
+// The share as a figure and as a length.
+Markup ShareCell(double share);
+
 // For an answer.
 Markup RankingTable(const Analysis& analysis);
 Markup TrialTable(const Analysis& analysis);

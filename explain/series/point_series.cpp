@@ -23,11 +23,11 @@ const std::vector<std::string> COLUMNS = {"avgdelay",   "maxdelay",  "mindelay",
                                           "errCode1",   "errCode2",  "errCode3", "errCode4"};
 constexpr size_t MOST_ROWS = 1'000'000;
 
+// With the one that was probably meant or, where none is near, what else helps.
 [[noreturn]] void ThrowUnknown(const std::string& thing, const std::string& name,
                                const std::vector<std::string>& names, const std::string& otherwise) {
-    const std::string nearest = NearestName(name, names);
-    throw cli::UsageError("unknown " + thing + " '" + name + "'" +
-                          (nearest.empty() ? otherwise : "; did you mean '" + nearest + "'?"));
+    const std::string meant = DidYouMean(name, names);
+    throw cli::UsageError("unknown " + thing + " '" + name + "'" + (meant.empty() ? otherwise : meant));
 }
 
 std::vector<std::string> ColumnsOf(const std::string& list) {

@@ -3,7 +3,7 @@
 #include "explain/report.h"
 #include "explain/text/layout.h"
 #include "explain/text/sections.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 #include "text/printable.h"
 
 namespace explain {
@@ -27,14 +27,6 @@ std::string Microseconds(double delay) {
 }
 
 constexpr Figures FIGURES = {Percent, Microseconds};
-
-std::string FactsText(const char* title, const Facts& facts) {
-    std::string text = facts.empty() ? "" : Title(title);
-    for (const Fact& fact : facts) {
-        text += Field(fact.name, Printable(fact.sentence));
-    }
-    return text;
-}
 
 // Events that are only listed, the latest ones of many.
 std::string OthersText(const std::vector<Event>& others, int64_t zoneOffset) {
@@ -84,24 +76,39 @@ std::string Headline(const Analysis& analysis, const Report& report) {
 // The answers in short, where there are several.
 std::string Overview(const Report& report) {
     std::string text = "Answers\n";
+    const auto add = [&text](const std::string& when, const std::string& answer) {
+        text += Paragraph("    " + PadRight(when, 31) + "  ", Printable(answer));
+    };
     const std::vector<Analysis>& all = report.analyses;
     for (size_t i = 0; i < all.size(); ++i) {
         const std::string subject = Subject(all[i]);
         if (i == 0 || Subject(all[i - 1]) != subject) {
             text += Paragraph("  ", subject);
         }
-        text += Paragraph("    " + PadRight(BriefTimeOf(all[i], report), 31) + "  ",
-                          Printable(BriefOf(all[i], FIGURES)));
+        add(BriefTimeOf(all[i], report), BriefOf(all[i], FIGURES));
         const std::string more = AlsoListed(report, i);
         text += more.empty() ? "" : Paragraph("    ", more);
+    }
+    for (const ErrorAnalysis& one : report.errors) {
+        text += Paragraph("  ", Printable(SubjectOf(one)));
+        add(BriefTimeOf(one, report), BriefOf(one, FIGURES));
     }
     return text;
 }
 
+size_t AnswersOf(const Report& report) {
+    return report.analyses.size() + report.errors.size();
+}
+
 std::string Verdicts(const Report& report) {
-    return report.analyses.empty()       ? Paragraph("", NothingOf(report)) + LargestText(report)
-           : report.analyses.size() == 1 ? Headline(report.analyses.front(), report)
-                                         : Overview(report);
+    const std::string slow =
+        report.analyses.empty() ? Paragraph("", NothingOf(report)) + LargestText(report) : "";
+    const std::string answers = AnswersOf(report) > 1 ? Overview(report)
+                                : !report.errors.empty()
+                                    ? ErrorHeadline(report.errors.front(), report, FIGURES)
+                                : slow.empty() ? Headline(report.analyses.front(), report)
+                                               : "";
+    return answers + (answers.empty() || slow.empty() ? "" : "\n") + slow;
 }
 
 // ---- the event
@@ -177,11 +184,23 @@ std::string DetailsText(const Analysis& analysis, const Report& report) {
 
 }  // namespace
 
+std::string FactsText(const char* title, const Facts& facts) {
+    std::string text = facts.empty() ? "" : Title(title);
+    for (const Fact& fact : facts) {
+        text += Field(fact.name, Printable(fact.sentence));
+    }
+    return text;
+}
+
 std::string TextReport(const Report& report) {
-    std::string text = Verdicts(report) + FactsText("Looked at", BasisOf(report));
+    std::string text = Verdicts(report) + FactsText("Looked at", BasisOf(report)) + HealingsText(report);
+    const bool areSeveral = AnswersOf(report) > 1;
     for (const Analysis& analysis : report.analyses) {
-        text += report.analyses.size() > 1 ? "\n" + Headline(analysis, report) : "";
-        text += DetailsText(analysis, report);
+        text += (areSeveral ? "\n" + Headline(analysis, report) : "") + DetailsText(analysis, report);
+    }
+    for (const ErrorAnalysis& analysis : report.errors) {
+        text += (areSeveral ? "\n" + ErrorHeadline(analysis, report, FIGURES) : "") +
+                ErrorDetails(analysis, report);
     }
     return text;
 }

@@ -4,6 +4,8 @@
 #include <string>
 
 #include "explain/analysis/analysis.h"
+#include "explain/report.h"
+#include "explain/wording.h"
 
 namespace explain {
 
@@ -15,5 +17,15 @@ std::string TreeText(const Analysis& analysis);
 // What could not be told of the points: each kind of reason once, with the smallest and the largest count and
 // the names of its points. Empty when there is none.
 std::string ReasonsText(const Analysis& analysis);
+
+// A title, and each fact behind its name; empty without any.
+std::string FactsText(const char* title, const Facts& facts);
+
+// Of an event of errors: subject and answer; what is known of it, and whose errors they are.
+std::string ErrorHeadline(const ErrorAnalysis& analysis, const Report& report, const Figures& figures);
+std::string ErrorDetails(const ErrorAnalysis& analysis, const Report& report);
+
+// What was healed; empty when nothing was.
+std::string HealingsText(const Report& report);
 
 }  // namespace explain

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -51,7 +51,7 @@ void ErrorChanges::TellOfErrors(const Report& report, const ErrorAnalysis& newes
         const ErrorShare& first = newest.points.front();
         state.isOn = true;
         state.begin = std::max(event.start, state.end == NEVER ? NEVER : state.end + step);
-        state.type = NameOf(newest.type);
+        state.type = WordOf(newest.type);
         changes.push_back({ChangeKind::ERRORS, state.begin});
         changes.back().type = state.type;
         changes.back().count = event.count;
@@ -77,7 +77,7 @@ void ErrorChanges::TellOfHealings(const Report& report, ChangeList& changes) {
     for (const Healing& healing : report.healings) {
         if (healing.time > told) {
             changes.push_back({ChangeKind::HEALED, healing.time});
-            changes.back().reason = HealedOf(healing);
+            changes.back().reason = SentenceOf(healing, report);
             healed = std::max(healed, std::optional(healing.time));
         }
     }

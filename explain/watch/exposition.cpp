@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "explain/wording.h"
+#include "explain/wording_errors.h"
 #include "text/utf8.h"
 
 namespace explain {
@@ -60,7 +61,7 @@ std::string PointsText(const Report& report, const Changes& changes) {
 std::string ErrorsText(const Report& report) {
     Gauge errors("zorv_errors", "Errors of the last hour by type, all points together.");
     for (const ErrorLook& look : report.errorLooks) {
-        errors.Add(Label("type", NameOf(look.type)), static_cast<double>(look.count));
+        errors.Add(Label("type", WordOf(look.type)), static_cast<double>(look.count));
     }
     return errors.Text();
 }

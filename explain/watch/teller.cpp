@@ -91,8 +91,8 @@ bool Teller::Glance() {
 bool Teller::Print(const std::string& text) const {
     try {
         PrintAnswer(text);
-    } catch (const OutputError&) {
-        if (errno != EPIPE) {
+    } catch (const OutputError& error) {
+        if (error.what()[0] != '\0') {
             throw;
         }
         return false;

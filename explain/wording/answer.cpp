@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -59,16 +59,15 @@ bool IsWindow(const Analysis& analysis, const Report& report) {
     return analysis.isWeak || report.question.during;
 }
 
-std::string StateOf(const Analysis& analysis, int64_t zoneOffset) {
-    const Event& event = *analysis.event;
-    const std::string last = LocalTime(event.end, zoneOffset);
-    const bool isSameDay =
-        last.compare(0, last.find(' '), LocalTime(event.start, zoneOffset), 0, last.find(' ')) == 0;
-    const std::string when = isSameDay ? TimeOfDay(event.end, zoneOffset) : last;
-    return event.isOngoing ? "still going on at " + when : "over since " + when;
-}
-
 }  // namespace
+
+std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset) {
+    const std::string last = LocalTime(window.end, zoneOffset);
+    const bool isSameDay =
+        last.compare(0, last.find(' '), LocalTime(window.start, zoneOffset), 0, last.find(' ')) == 0;
+    const std::string when = isSameDay ? TimeOfDay(window.end, zoneOffset) : last;
+    return isOngoing ? "still going on at " + when : "over since " + when;
+}
 
 bool IsTie(const std::vector<Candidate>& candidates) {
     return candidates.size() > 1 && candidates[0].share - candidates[1].share <= CLOSE;
@@ -110,7 +109,10 @@ std::string SinceOf(const Analysis& analysis, const Report& report) {
                (event.isOngoing ? " at the end of what was looked at." : ".");
     }
     return "Slow since " + start + (event.first == 0 ? " or before, where the rows begin, " : ", ") +
-           StateOf(analysis, report.zoneOffset) + ".";
+           (IsHealed(analysis, report)
+                ? "healed: slow until " + TimeOfDay(event.end, report.zoneOffset) + ", usual since"
+                : StateOf(event, event.isOngoing, report.zoneOffset)) +
+           ".";
 }
 
 std::string AdviceOf(const Analysis& analysis) {

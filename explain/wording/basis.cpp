@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -70,13 +70,17 @@ Facts BasisOf(const Report& report) {
     if (report.flags.samples > 0) {
         facts.push_back({"flags", FlagsOf(report.flags)});
     }
+    const Facts errors = ErrorFactsOf(report);
+    facts.insert(facts.end(), errors.begin(), errors.end());
     return facts;
 }
 
 std::string NothingOf(const Report& report) {
     return report.coverage.IsPart()
                ? "Nothing anomalous in what was looked at, which is only a part of the range."
-               : "Nothing anomalous: no point was slow, and the detector flags none.";
+           : report.errors.empty()
+               ? "Nothing anomalous: no point was slow, and the detector flags none."
+               : "Beside the errors nothing is anomalous: no point was slow, and the detector flags none.";
 }
 
 std::string LargestOf(const Look& look, const Report& report, const Figures& figures) {

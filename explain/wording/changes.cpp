@@ -53,7 +53,7 @@ std::string SentenceOf(const Change& change, int64_t zoneOffset) {
             return change.type + ": no more than usual again after " + lasted + ", " +
                    Counted(static_cast<size_t>(change.count), "error");
         case ChangeKind::HEALED:
-            return "healed " + change.reason;
+            return change.reason;
         case ChangeKind::ROWS:
             break;
     }

@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "explain/report.h"
-#include "explain/wording.h"
+#include "explain/wording_errors.h"
 
 namespace explain {
 namespace {
@@ -12,6 +12,13 @@ constexpr size_t YEAR_LETTERS = 5;
 
 std::string Minutes(const std::string& localTime) {
     return localTime.substr(0, localTime.rfind(':'));
+}
+
+// In a line: "13:02 BDM for IOHANG (DISK_SLOW)".
+std::string BriefOf(const Healing& healing, const Report& report) {
+    return ShortTime(healing.time, report) + " " + healing.module + " for " + healing.kind +
+           (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
+           (healing.isHere ? "" : " on node " + std::to_string(healing.node));
 }
 
 // Whether the rows reach until now.
@@ -42,6 +49,11 @@ std::string CauseIn(const Analysis& analysis, const Figures& figures) {
         return BriefOf(analysis, figures) + ", or " + second.point + " " + figures.share(second.share);
     }
     return BriefOf(analysis, figures);
+}
+
+// Whether not even an event can be told.
+bool IsUntold(const Analysis& analysis) {
+    return analysis.verdict == Verdict::CANNOT_TELL && !analysis.event;
 }
 
 }  // namespace
@@ -79,7 +91,8 @@ std::string WhetherOver(const Span& span, const Report& report) {
 }
 
 std::string TimesOf(double ratio) {
-    return Fixed(ratio, 1) + " times";
+    constexpr double MOST = 9999.0;
+    return ratio > MOST ? "over " + Fixed(MOST, 0) + " times" : Fixed(ratio, 1) + " times";
 }
 
 std::string CourseOf(const Course& course, const Report& report) {
@@ -94,23 +107,45 @@ std::string CourseOf(const Course& course, const Report& report) {
         return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
     }
     const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
-    return "was " + adjective + " " + times + ShortSpan(last, report) + amount;
+    return "was " + adjective + " " + times + ShortSpan(last, report) + amount +
+           (course.isHealed ? ", then healed" : "");
+}
+
+std::vector<std::string> LacksOf(const Report& report) {
+    std::vector<std::string> lacks;
+    if (const std::string missing = MissingOf(report); !missing.empty()) {
+        lacks.push_back(missing);
+    }
+    for (const Analysis& analysis : report.analyses) {
+        const std::string lack =
+            !IsUntold(analysis) ? "" : analysis.point + " cannot be told: " + SentenceOf(*analysis.reason);
+        if (!lack.empty() && (lacks.empty() || lacks.back() != lack)) {
+            lacks.push_back(lack);
+        }
+    }
+    if (report.errorsReason) {
+        lacks.push_back("errors cannot be told: " + SentenceOf(*report.errorsReason));
+    }
+    if (report.healingsReason) {
+        lacks.push_back("healings cannot be told: " + SentenceOf(*report.healingsReason));
+    }
+    return lacks;
 }
 
 std::string NoneSlow(const Report& report) {
     return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
 }
 
-std::string QuietStateOf(const Look& look) {
-    return look.samples == 0                 ? "no rows"
+std::string QuietStateOf(const Look& look, const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    const bool isUntold = std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+        return analysis.point == look.point && IsUntold(analysis);
+    });
+    return isUntold                          ? WordOf(Verdict::CANNOT_TELL)
+           : look.samples == 0               ? "no rows"
            : look.finding.deviations.empty() ? "too few rows"
            : look.finding.isCurved           ? "usual: a slow curve"
                                              : "usual";
-}
-
-bool NamesACause(const Analysis& analysis) {
-    return analysis.HasAnswer() && !analysis.isWeak &&
-           (analysis.candidates.empty() || analysis.candidates.front().point != analysis.point);
 }
 
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
@@ -126,31 +161,21 @@ std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures
     return named > 0 || analyses.empty() ? causes : CauseIn(*analyses.front(), figures);
 }
 
-std::string CauseOf(const ErrorAnalysis& errors, const Figures& figures) {
-    const ErrorShare& first = errors.points.front();
-    return first.point + " " + figures.share(first.share) + ", " + WordOf(errors.certainty);
-}
-
 std::string EarlierEvents(size_t count) {
     return "and " + Counted(count, "earlier event");
-}
-
-std::string NameOf(const ErrorType& type) {
-    return type.name.empty() ? type.column : type.name;
 }
 
 std::string ErrorsOf(const ErrorEvent& event) {
     return Counted(static_cast<size_t>(event.count), "error");
 }
 
-std::string BriefOf(const Healing& healing, const Report& report) {
-    return ShortTime(healing.time, report) + " " + HealedOf(healing);
-}
-
-std::string HealedOf(const Healing& healing) {
-    return healing.module + " for " + healing.kind +
-           (healing.cause.empty() ? "" : " (" + healing.cause + ")") +
-           (healing.isHere ? "" : " on node " + std::to_string(healing.node));
+std::string BriefHealingsOf(const Report& report) {
+    std::string all;
+    for (const Healing& healing : HealingsToTell(report)) {
+        all += (all.empty() ? "" : "; ") + BriefOf(healing, report);
+    }
+    const std::string earlier = EarlierHealings(report);
+    return all + (earlier.empty() ? "" : "; " + earlier);
 }
 
 }  // namespace explain

@@ -6,6 +6,7 @@
 #include "host/basis/route_file.h"
 #include "host/basis/statistics_file.h"
 #include "host/services/told_failures.h"
+#include "text/nearest_name.h"
 
 namespace zorv {
 namespace {
@@ -39,6 +40,14 @@ std::optional<int64_t> NumberBehind(std::string_view sql, std::string_view word)
     const auto result = std::from_chars(start, sql.data() + sql.size(), number);
     const bool isTime = result.ec == std::errc() && number > -FARTHEST && number < FARTHEST;
     return isTime ? std::optional<int64_t>(number) : std::nullopt;
+}
+
+// The name between the quotes of "= 'NAME')"; one that is not found is empty.
+std::string_view PointOf(std::string_view sql) {
+    constexpr std::string_view NAME = "= '", NAME_END = "')";
+    const size_t start = sql.find(NAME);
+    const size_t end = sql.find(NAME_END);
+    return start < end && end != sql.npos ? sql.substr(start + NAME.size(), end - start - NAME.size()) : "";
 }
 
 void Append(std::string& all, const std::string& one) {
@@ -101,7 +110,9 @@ void AnswerBasis::OnStatement(std::string_view sql) {
 void AnswerBasis::AskForRows(std::string_view sql) {
     hasAsked = true;
     askedForGraph |= BeginsWith(sql, ALL_COLUMNS);
-    if (!point.empty() && sql.find("= '" + point + "')") == std::string_view::npos) {
+    const std::string asked(PointOf(sql));
+    points.insert(asked);
+    if (!point.empty() && asked != point) {
         return;
     }
     const std::optional<int64_t> start = NumberBehind(sql, BEGIN);
@@ -165,7 +176,8 @@ std::string AnswerBasis::WhyNoRows() const {
         return "no database is open; 'status' tells of both";
     }
     const bool isNeverAsked = !point.empty() && hasAsked && !range;
-    return isNeverAsked ? "this command never asks for them" : AboutStatistics();
+    return isNeverAsked ? "this command never asks for them" + DidYouMean(point, Points())
+                        : AboutStatistics();
 }
 
 bool AnswerBasis::HasRows() const {

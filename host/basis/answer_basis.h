@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/basis/coverage.h"
 #include "host/process/statements.h"
@@ -32,6 +34,9 @@ public:
 
     bool HasRows() const;
 
+    // The points whose rows were asked for, each once.
+    std::vector<std::string> Points() const { return {points.begin(), points.end()}; }
+
 private:
     enum class Kind { OTHER, ROWS, HEAL_EVENTS };
 
@@ -47,6 +52,7 @@ private:
     bool hasAsked = false;       // for rows of whatever point
     bool askedForGraph = false;  // for all columns, as graphs do
     bool wasHealed = false;      // healing events were found, which are then the answer
+    std::set<std::string> points;
     std::optional<TimeRange> range;
     std::optional<CoverageCount> count;
 };

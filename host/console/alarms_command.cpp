@@ -14,6 +14,7 @@
 
 #include "agent/agent_console.h"
 #include "host/console/commands.h"
+#include "host/console/document.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
 #include "host/services/alarm.h"
@@ -35,7 +36,7 @@ size_t CountIn(const Words& words) {
         count = error == std::errc() && stop == end ? count : 0;
     }
     if (words.size() > 2 || count == 0 || count > LARGEST_COUNT) {
-        throw UsageError("usage: alarms [N], N from 1 to " + std::to_string(LARGEST_COUNT));
+        throw UsageError("usage: alarms [N] [--json], N from 1 to " + std::to_string(LARGEST_COUNT));
     }
     return count;
 }
@@ -93,30 +94,63 @@ std::optional<Json::Value> Parse(const std::string& line) {
     return std::nullopt;
 }
 
+std::string IdOf(const Json::Value& alarm) {
+    char id[24];
+    std::snprintf(id, sizeof id, "0x%" PRIX64, alarm["alarmId"].asUInt64());
+    return id;
+}
+
 void PrintAlarm(const std::string& line) {
     const std::optional<Json::Value> alarm = Parse(line);
     if (!alarm.has_value()) {
         DBG_Print("%s\n", ("no alarm: " + Printable(line, LONGEST_TEXT)).c_str());
         return;
     }
-    char id[24];
-    std::snprintf(id, sizeof id, "0x%" PRIX64, (*alarm)["alarmId"].asUInt64());
     const int64_t time = (*alarm)["time"].asInt64();
     DBG_Print("%-19s  %-6u  %-6u  %-4u  %-18s  %s\n", LocalTime(time, ZoneOffsetAt(time)).c_str(),
-              (*alarm)["node"].asUInt(), (*alarm)["module"].asUInt(), (*alarm)["type"].asUInt(), id,
-              Printable((*alarm)["text"].asString(), LONGEST_TEXT).c_str());
+              (*alarm)["node"].asUInt(), (*alarm)["module"].asUInt(), (*alarm)["type"].asUInt(),
+              IdOf(*alarm).c_str(), Printable((*alarm)["text"].asString(), LONGEST_TEXT).c_str());
 }
-}  // namespace
 
-ExitStatus RunAlarms(const Words& words, ConsoleState& /*state*/) {
-    const std::deque<std::string> lines = LastLines(EndOfFile(RootedPath(ALARM_FILE)), CountIn(words));
+void PrintAlarms(const std::deque<std::string>& lines) {
     if (lines.empty()) {
         DBG_Print("There are no alarms.\n");
-        return STATUS_OK;
+        return;
     }
     DBG_Print("%-19s  %-6s  %-6s  %-4s  %-18s  %s\n", "time", "node", "module", "type", "alarm", "text");
     for (const std::string& line : lines) {
         PrintAlarm(line);
+    }
+}
+
+Json::Value ValueOf(const std::deque<std::string>& lines) {
+    Json::Value answer;
+    answer["alarms"] = answer["no_alarms"] = Json::Value(Json::arrayValue);
+    for (const std::string& line : lines) {
+        std::optional<Json::Value> alarm = Parse(line);
+        if (!alarm) {
+            answer["no_alarms"].append(TextValue(line));
+            continue;
+        }
+        Json::Value value;
+        value["time"] = TimeValue((*alarm)["time"].asInt64());
+        value["alarm"] = IdOf(*alarm);
+        value["text"] = TextValue((*alarm)["text"].asString());
+        for (const char* const name : {"node", "module", "type"}) {
+            value[name] = (*alarm)[name];
+        }
+        answer["alarms"].append(value);
+    }
+    return answer;
+}
+}  // namespace
+
+ExitStatus RunAlarms(const Words& words, ConsoleState& state) {
+    const std::deque<std::string> lines = LastLines(EndOfFile(RootedPath(ALARM_FILE)), CountIn(words));
+    if (state.wantsJson) {
+        PrintDocument(words.front(), ValueOf(lines));
+    } else {
+        PrintAlarms(lines);
     }
     return STATUS_OK;
 }

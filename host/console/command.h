@@ -13,6 +13,7 @@ namespace zorv {
 struct ConsoleState {
     const Words sharedOptions;  // of this program: those that it runs take them over
     const bool wantsHints;      // at what an answer does not tell, although that takes longer
+    bool wantsJson = false;     // of the command that runs: a document instead of its text
     bool leaving = false;       // the operator has asked to leave, or can no longer be told anything
 };
 

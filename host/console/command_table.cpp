@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 #include "host/console/commands.h"
+#include "host/console/document.h"
 #include "host/console/registered_commands.h"
 #include "text/nearest_name.h"
 #include "text/printable.h"
@@ -20,16 +22,51 @@ struct Row {
     ExitStatus (*run)(const Words& words, ConsoleState& state);
 };
 
+// Rows whose commands answer with a document when --json is among their words.
+constexpr const char* JSON = "--json";
+constexpr std::array<const char*, 3> WITH_JSON = {"status", "alarms", "switch"};
+
+bool HasJson(const Row& row) {
+    return std::any_of(WITH_JSON.begin(), WITH_JSON.end(),
+                       [&](const char* name) { return std::strcmp(name, row.name) == 0; });
+}
+
+// A document says too that there is no answer.
+ExitStatus RunWithJson(const Row& row, Words words, ConsoleState& state) {
+    const auto others = std::remove(words.begin(), words.end(), JSON);
+    state.wantsJson = others != words.end();
+    words.erase(others, words.end());
+    try {
+        return row.run(words, state);
+    } catch (const UsageError&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (state.wantsJson) {
+            PrintDocument(row.name, {}, error.what());
+        }
+        throw;
+    }
+}
+
+Words WordsWithJson(const Row& row, const Words& before) {
+    Words words = row.wordsAfter(before);
+    if (std::find(before.begin(), before.end(), JSON) == before.end()) {
+        words.emplace_back(JSON);
+    }
+    return words;
+}
+
 Words NoWords(const Words& /*before*/) {
     return {};
 }
 
 constexpr std::array<Row, 8> ROWS = {
     {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
-     {"status", "", "what this host works on: files, configuration, switch, alarms, start-up.", NoWords, 0,
-      false, RunStatus},
-     {"alarms", "[N]", "the last N alarms, 20 if not told, the newest last.", NoWords, 0, false, RunAlarms},
-     {"switch", "get | set on|on-silent|off", "show or set the cluster's fault diagnosis switch.",
+     {"status", "[--json]", "what this host works on: files, configuration, switch, alarms, start-up.",
+      NoWords, 0, false, RunStatus},
+     {"alarms", "[N] [--json]", "the last N alarms, 20 if not told, the newest last.", NoWords, 0, false,
+      RunAlarms},
+     {"switch", "get | set on|on-silent|off [--json]", "show or set the cluster's fault diagnosis switch.",
       WordsAfterSwitch, 0, false, RunSwitch},
      {"explain", "[OPTIONS] START END | MINUTES",
       "where the extra delay of slow points goes; --help tells more.", WordsAfterExplain, 0, true,
@@ -44,7 +81,14 @@ constexpr std::array<Row, 8> ROWS = {
 Command CommandOf(const Row& row) {
     const std::string arguments = row.arguments;
     const std::string help = row.name + (arguments.empty() ? "" : " " + arguments) + ": " + row.help + '\n';
-    return {"console", row.name, help, row.wordsAfter, row.start, row.isProgram, row.run};
+    Command command = {"console", row.name, help, row.wordsAfter, row.start, row.isProgram, row.run};
+    if (HasJson(row)) {
+        command.wordsAfter = [row](const Words& before) { return WordsWithJson(row, before); };
+        command.run = [row](const Words& words, ConsoleState& state) {
+            return RunWithJson(row, words, state);
+        };
+    }
+    return command;
 }
 
 std::vector<Command> OwnCommands() {
@@ -85,8 +129,8 @@ Command CommandNamed(const std::string& name) {
     if (const std::optional<Command> command = FindCommand(name)) {
         return *command;
     }
-    const std::string nearest = NearestName(name, CommandNames());
-    throw UsageError("unknown command '" + Printable(name, 40) + "'; " +
-                     (nearest.empty() ? "'help' lists the commands" : "did you mean '" + nearest + "'?"));
+    const std::string other = DidYouMean(name, CommandNames());
+    throw UsageError("unknown command '" + Printable(name, 40) + "'" +
+                     (other.empty() ? "; 'help' lists the commands" : other));
 }
 }  // namespace zorv

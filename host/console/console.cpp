@@ -1,5 +1,6 @@
 #include "host/console/console.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
@@ -38,16 +39,16 @@ Words WithCompactTimes(Words words, size_t place) {
     return words;
 }
 
-bool IsProgram(const std::string& name) {
-    const std::optional<Command> command = FindCommand(name);
-    return command && command->isProgram;
-}
-
 ExitStatus Dispatch(const Words& words, ConsoleState& state) {
     const Command command = CommandNamed(words.front());
     return command.run(command.start == 0 ? words : WithCompactTimes(words, command.start), state);
 }
 }  // namespace
+
+bool Console::IsProgram(const std::string& name) {
+    const std::optional<Command> command = FindCommand(name);
+    return command && command->isProgram;
+}
 
 ExitStatus Console::RunLine(std::string_view line, const std::string& place) {
     try {
@@ -78,7 +79,9 @@ ExitStatus Console::Run(const Words& words, const std::string& place) {
         status = STATUS_FAILED;
     }
     if (OutputError() != 0) {
-        Report(place, std::string("cannot print the results: ") + std::strerror(OutputError()));
+        if (OutputError() != EPIPE) {  // of a pipe's end whoever closed it knows
+            Report(place, std::string("cannot print the results: ") + std::strerror(OutputError()));
+        }
         state.leaving = true;
         status = STATUS_FAILED;
     }

@@ -26,6 +26,9 @@ public:
     // Whether the operator has asked to leave, or can no longer be told anything.
     bool IsLeaving() const { return state.leaving; }
 
+    // Whether the command of that name runs a program, which takes options of its own.
+    static bool IsProgram(const std::string& name);
+
 private:
     ConsoleState state;
 };

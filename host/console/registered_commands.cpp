@@ -1,31 +1,17 @@
 #include "host/console/registered_commands.h"
 
-#include <map>
 #include <stdexcept>
 
 #include "host/basis/answer_basis.h"
 #include "host/basis/route_file.h"
-#include "host/console/help_words.h"
 #include "host/console/hint.h"
+#include "host/console/known_commands.h"
+#include "host/process/error_lines.h"
 #include "host/services/console.h"
+#include "text/nearest_name.h"
 
 namespace zorv {
 namespace {
-// What an answer rests on.
-enum class Basis { UNTOLD, ROWS, ROWS_OF_POINT, GRAPHS };
-
-// What their help texts do not tell, or not in one form.
-struct Known {
-    size_t start;  // where START stands
-    Basis basis;
-};
-const std::map<std::string, Known> KNOWN = {
-    {"simudetect", {1, Basis::UNTOLD}},      {"delaydetect", {1, Basis::ROWS}},
-    {"delayanal", {1, Basis::GRAPHS}},       {"showallerr", {1, Basis::GRAPHS}},
-    {"errcodeshowall", {1, Basis::GRAPHS}},  {"datashow", {2, Basis::ROWS_OF_POINT}},
-    {"showfaultfactor", {2, Basis::GRAPHS}}, {"errcodeshow", {3, Basis::GRAPHS}},
-    {"showgraph", {3, Basis::UNTOLD}}};
-
 // A help text that says which command it is about, and ends with a line break.
 std::string CompleteHelp(const std::string& name, std::string text) {
     if (text.compare(0, name.size(), name) != 0) {
@@ -35,8 +21,8 @@ std::string CompleteHelp(const std::string& name, std::string text) {
     return text + '\n';
 }
 
-Words WordsByHelp(const std::string& help, const Words& before) {
-    const std::vector<WordPlace> places = PlacesOfHelp(help);
+Words WordsByHelp(const std::string& name, const std::string& help, const Words& before) {
+    const std::vector<WordPlace> places = PlacesOf(name, help);
     const size_t place = before.size() - 1;
     if (place >= places.size()) {
         return {};
@@ -61,11 +47,16 @@ bool IsHeader(const std::string& last) {
     return last.rfind("lumoLocName", 0) == 0;
 }
 
+// showgraph, for a point that its graph does not have.
+bool IsOfUnknownPoint(const std::string& answer) {
+    return answer.find(" not exist !") != std::string::npos;
+}
+
 // A command that is given a range answers something, and says nothing of what that rests on.
-ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const Words& words,
-                    const ConsoleState& state) {
-    const bool hasPoint = known.basis == Basis::ROWS_OF_POINT && words.size() > 1;
-    AnswerBasis basis(hasPoint ? words[1] : "", known.basis == Basis::GRAPHS);
+ExitStatus RunKnown(const RegisteredCommand& command, const Words& words, const ConsoleState& state) {
+    const KnownCommand& known = KnownCommandOf(command.row->name);
+    const std::string point = known.point != 0 && words.size() > known.point ? words[known.point] : "";
+    AnswerBasis basis(known.basis == Basis::ROWS_OF_POINT ? point : "", known.basis == Basis::GRAPHS);
     RunHandler(command, words);
     const Printed printed = GetPrinted();
     if (printed.last.empty()) {
@@ -75,33 +66,41 @@ ExitStatus RunKnown(const RegisteredCommand& command, const Known& known, const 
     if (known.basis == Basis::ROWS && state.wantsHints && basis.HasRows() && IsHeader(printed.last)) {
         HintAtEvent(words, state);
     }
+    if (const std::string other = IsOfUnknownPoint(printed.last) ? DidYouMean(point, basis.Points()) : "";
+        !other.empty()) {
+        PrintErrorLines("zorv-local: no such point" + other + '\n');
+    }
     if (!problem.empty()) {
         throw std::runtime_error(problem);
     }
     return STATUS_OK;
 }
 
-ExitStatus RunRegistered(const RegisteredCommand& command, const Words& words, const ConsoleState& state) {
-    const auto known = KNOWN.find(command.row->name);
-    if (known != KNOWN.end()) {
-        return RunKnown(command, known->second, words, state);
+ExitStatus RunRegistered(const RegisteredCommand& command, const std::string& help, const Words& words,
+                         const ConsoleState& state) {
+    ExitStatus status = STATUS_OK;
+    if (KnownCommandOf(command.row->name).start != 0) {
+        status = RunKnown(command, words, state);
+    } else {
+        RunHandler(command, words);
     }
-    RunHandler(command, words);
-    return STATUS_OK;
+    PrintErrorLines(UsageFor(GetPrinted().last, command.row->name, help));
+    return status;
 }
 
 Command CommandOf(const RegisteredCommand& registered) {
     const std::string name = registered.row->name;
     const std::string help = registered.row->help == nullptr ? "" : registered.row->help;
-    const auto known = KNOWN.find(name);
+    const KnownCommand& known = KnownCommandOf(name);
+    const std::string whole = CompleteHelp(name, help);
     return {registered.group,
             name,
-            CompleteHelp(name, help),
-            [help](const Words& before) { return WordsByHelp(help, before); },
-            known == KNOWN.end() ? 0 : known->second.start,
+            whole + known.help + (known.help[0] == '\0' ? "" : "\n"),
+            [name, help](const Words& before) { return WordsByHelp(name, help, before); },
+            known.start,
             false,
-            [registered](const Words& words, ConsoleState& state) {
-                return RunRegistered(registered, words, state);
+            [registered, whole](const Words& words, ConsoleState& state) {
+                return RunRegistered(registered, whole, words, state);
             }};
 }
 }  // namespace

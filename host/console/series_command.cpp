@@ -4,6 +4,9 @@
 
 namespace zorv {
 ExitStatus RunSeries(const Words& words, ConsoleState& state) {
+    if (words.size() < 3) {
+        throw UsageError("series takes a point, and START END or MINUTES");
+    }
     Words arguments = {"--series"};
     arguments.insert(arguments.end(), words.begin() + 1, words.end());
     return RunExplainProgram(state.sharedOptions, arguments);

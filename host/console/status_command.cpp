@@ -1,24 +1,10 @@
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <algorithm>
-#include <cerrno>
-#include <cinttypes>
-#include <cstring>
-#include <ctime>
-#include <optional>
 #include <sstream>
 
 #include "agent/agent_console.h"
-#include "agent/agent_message.h"
-#include "agent/agent_storage.h"
-#include "host/basis/route_file.h"
-#include "host/basis/statistics_file.h"
 #include "host/console/columns.h"
 #include "host/console/commands.h"
-#include "host/process/settings.h"
-#include "host/services/alarm_counts.h"
-#include "host/services/startup.h"
+#include "host/console/document.h"
+#include "host/console/host_status.h"
 #include "text/counted.h"
 #include "text/local_time.h"
 #include "text/printable.h"
@@ -26,7 +12,6 @@
 namespace zorv {
 namespace {
 constexpr size_t GRAPHS_WIDTH = 64;  // what is left of 80 columns
-constexpr int64_t HOUR = 3600;
 
 void PrintRow(const char* name, const std::string& text) {
     DBG_Print("%-14s %s\n", name, text.c_str());
@@ -61,79 +46,48 @@ std::string Size(int64_t bytes) {
     return text;
 }
 
-// Only stat(): to open and close a database file would drop SQLite's locks on it.
-// Returns whether it can be opened.
-bool PrintFile(const char* name, const char* fixedPath) {
-    const std::string path = GivenPath(fixedPath);
-    PrintRow(name, Printable(path));
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
-        PrintRow("", std::strerror(errno));
-        return false;
-    }
-    const time_t changed = status.st_mtim.tv_sec;
-    PrintRow("", Size(status.st_size) + ", changed " + LocalTime(changed, ZoneOffsetAt(changed)) + ", " +
-                     Age(std::time(nullptr) - changed));
-    if (access(path.c_str(), R_OK) != 0) {
-        PrintRow("", std::strerror(errno));
-        return false;
-    }
-    return true;
+std::string Local(int64_t time) {
+    return LocalTime(time, ZoneOffsetAt(time));
 }
 
-// The time in the oldest table's name, behind its prefix, or why it is not known.
-std::string EarliestTime(const StatisticsFile& file) {
-    constexpr size_t PREFIX = 10;
-    if (file.Tables().empty()) {
-        return "unknown: there is no table";
+void PrintFile(const char* name, const FileStatus& file, int64_t now) {
+    PrintRow(name, Printable(file.path));
+    if (file.changed) {
+        PrintRow("",
+                 Size(*file.bytes) + ", changed " + Local(*file.changed) + ", " + Age(now - *file.changed));
     }
-    const std::string& table = file.Tables().front();
-    return table.size() > PREFIX ? table.substr(PREFIX) : "unknown: a table's name is '" + table + "'";
+    if (!file.problem.empty()) {
+        PrintRow("", file.problem);
+    }
 }
 
-// Returns whether there are rows.
-bool PrintRows(StatisticsFile& file, int64_t now) {
-    const std::optional<TimeRange> rows = file.Rows();
-    if (!rows) {
+void PrintStatistics(const StatisticsStatus& statistics, int64_t now) {
+    PrintFile("statistics", statistics.file, now);
+    const std::string& unknown = statistics.earliestProblem;
+    PrintRow("earliest time", Printable(unknown.empty() ? statistics.earliest : "unknown: " + unknown));
+    if (statistics.rows) {
+        PrintRow("rows", Local(statistics.rows->start) + " to " + Local(statistics.rows->end) +
+                             ", the newest " + Age(now - statistics.rows->end));
+        const Coverage& hour = statistics.lastHour;
+        PrintRow("last hour",
+                 !hour.rows ? "no rows" : hour.Intervals() + (hour.isPart ? ", it has gaps" : ""));
+    } else if (statistics.isOpen && statistics.rowsProblem.empty()) {
         PrintRow("rows", "none");
-        return false;
     }
-    PrintRow("rows", LocalTime(rows->start, ZoneOffsetAt(rows->start)) + " to " +
-                         LocalTime(rows->end, ZoneOffsetAt(rows->end)) + ", the newest " +
-                         Age(now - rows->end));
-    const Coverage hour = file.CoverageOf({now - HOUR, now});
-    PrintRow("last hour", !hour.rows    ? "no rows"
-                          : hour.isPart ? hour.Intervals() + ", it has gaps"
-                                        : hour.Intervals());
-    return true;
-}
-
-bool PrintStatistics() {
-    PrintFile("statistics", LUMO_DATABASE_FILE);
-    const char* row = "earliest time";
-    try {
-        StatisticsFile file;
-        PrintRow(row, Printable(EarliestTime(file)));
-        row = "rows";
-        return PrintRows(file, std::time(nullptr));
-    } catch (const DatabaseError& error) {
-        PrintRow(row, "unknown: " + Printable(error.what()));
-        return false;
+    if (!statistics.rowsProblem.empty()) {
+        PrintRow(statistics.rows ? "last hour" : "rows", "unknown: " + Printable(statistics.rowsProblem));
     }
 }
 
-// Returns whether the plug-in has graphs.
-bool PrintConfiguration() {
-    PrintFile("configuration", ZORV_ROUTE_CONFIG_FILE);
-    const RouteFile& file = CurrentRouteFile();
-    const std::string lack = ConfigurationProblem();
-    if (!lack.empty()) {
-        PrintRow("", "no causes can be found: " + lack);
-    } else if (!file.problem.empty()) {
-        PrintRow("", "not read again: " + file.problem);
+void PrintConfiguration(const HostStatus& status) {
+    PrintFile("configuration", status.configuration, status.now);
+    if (!status.configurationProblem.empty()) {
+        PrintRow("", "no causes can be found: " + status.configurationProblem);
+    } else if (!status.graphs.problem.empty()) {
+        PrintRow("", "not read again: " + status.graphs.problem);
     }
     Words graphs;
-    for (const RouteGraph& graph : file.graphs) {
+    for (const RouteGraph& graph : status.graphs.graphs) {
         graphs.push_back(Printable(graph.name) + ' ' + std::to_string(graph.nodes) + '/' +
                          std::to_string(graph.edges));
     }
@@ -144,41 +98,40 @@ bool PrintConfiguration() {
     for (std::string line; std::getline(lines, line);) {
         PrintRow("", line);
     }
-    return lack.empty() && file.problem.empty();
 }
 
-std::string Alarms() {
-    const AlarmCounts counts = CountAlarms();
-    return std::to_string(counts.sent) + " sent, " + std::to_string(counts.suppressed) + " suppressed, " +
-           std::to_string(counts.lost) + " lost since the start";
-}
-
-bool IsStarted() {
-    const std::vector<StartupResult> rows = StartupResults();
-    return std::all_of(rows.begin(), rows.end(), [](const StartupResult& row) { return row.result == 0; });
-}
-
-std::string Startup() {
+std::string Startup(const std::vector<StartupResult>& rows) {
     std::string text;
-    for (const StartupResult& row : StartupResults()) {
+    for (const StartupResult& row : rows) {
         text += (text.empty() ? "" : ", ") + Printable(row.name) + " " + std::to_string(row.result);
     }
     return text.empty() ? "no rows were run" : text;
 }
+
+void PrintStatus(const HostStatus& status) {
+    PrintRow("node", std::to_string(status.node) + ", master " + std::to_string(status.master));
+    PrintRow("zone", ZoneText(ZoneOffsetAt(status.now)) + ", kept until this program ends");
+    PrintStatistics(status.statistics, status.now);
+    PrintFile("heal events", status.healEvents, status.now);
+    PrintConfiguration(status);
+    PrintRow("switch", TextOf(status.faultSwitch));
+    PrintRow("alarms", std::to_string(status.alarms.sent) + " sent, " +
+                           std::to_string(status.alarms.suppressed) + " suppressed, " +
+                           std::to_string(status.alarms.lost) + " lost since the start");
+    PrintRow("start-up", Startup(status.startup));
+}
 }  // namespace
 
-ExitStatus RunStatus(const Words& words, ConsoleState& /*state*/) {
+ExitStatus RunStatus(const Words& words, ConsoleState& state) {
     if (words.size() > 1) {
-        throw UsageError("usage: status");
+        throw UsageError("usage: status [--json]");
     }
-    PrintRow("node", std::to_string(ZORV_GetLocalNid()) + ", master " + std::to_string(ZORV_GetMasterNid()));
-    PrintRow("zone", ZoneText(ZoneOffsetAt(std::time(nullptr))) + ", kept until this program ends");
-    const bool hasRows = PrintStatistics();
-    const bool hasHealEvents = PrintFile("heal events", ZORV_HEAL_DATABASE_FILE);
-    const bool hasGraphs = PrintConfiguration();
-    PrintRow("switch", SwitchAndItsOrigin());
-    PrintRow("alarms", Alarms());
-    PrintRow("start-up", Startup());
-    return hasRows && hasHealEvents && hasGraphs && IsStarted() ? STATUS_OK : STATUS_FAILED;
+    const HostStatus status = LookAtHost();
+    if (state.wantsJson) {
+        PrintDocument(words.front(), ValueOf(status));
+    } else {
+        PrintStatus(status);
+    }
+    return status.IsSound() ? STATUS_OK : STATUS_FAILED;
 }
 }  // namespace zorv

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <filesystem>
@@ -8,6 +9,7 @@
 #include "agent/agent_message.h"
 #include "agent/agent_switch.h"
 #include "host/console/commands.h"
+#include "host/console/document.h"
 #include "host/process/settings.h"
 #include "host/services/log.h"
 #include "text/printable.h"
@@ -100,8 +102,36 @@ std::string Master() {
     return "node " + std::to_string(ZORV_GetMasterNid());
 }
 
-void Set(int32_t number) {
-    const std::string before = Described(AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0));
+// The value that a node takes it for, whatever is stored.
+Json::Value ValueOf(int32_t number) {
+    const auto known = std::find_if(VALUES.begin(), VALUES.end(),
+                                    [=](const SwitchValue& value) { return value.number == number; });
+    Json::Value value;
+    value["stored"] = number == FAULT_DIAG_SWITCH_UNREADABLE ? Json::Value() : Json::Value(number);
+    value["value"] = known == VALUES.end() ? "on-silent" : known->word;
+    return value;
+}
+
+void PrintAnswer(const Json::Value& now, const Json::Value& before) {
+    Json::Value answer;
+    answer["switch"] = now;
+    answer["before"] = before;
+    answer["from_node"] = ZORV_GetMasterNid();
+    PrintDocument("switch", answer);
+}
+
+void Get(const ConsoleState& state) {
+    const int32_t number = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    if (!state.wantsJson) {
+        DBG_Print("%s, from %s\n", Described(number).c_str(), Master().c_str());
+        return;
+    }
+    PrintAnswer(ValueOf(number), Json::Value());
+}
+
+void Set(int32_t number, const ConsoleState& state) {
+    const int32_t before = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+    const std::string old = Described(before);
     const int32_t result = AskMaster(ZORV_OP_SET_FAULTDIAG_SWITCH, number);
     if (result != 0) {
         throw std::runtime_error(Master() + " could not store the value, result " + std::to_string(result));
@@ -110,17 +140,20 @@ void Set(int32_t number) {
     if (after != number) {
         throw std::runtime_error(Master() + " stored the value, but now it has " + Described(after));
     }
-    DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", before.c_str(), Described(after).c_str(),
-              Master().c_str());
+    if (!state.wantsJson) {
+        DBG_Print("old value: %s\nnew value: %s, confirmed by %s\n", old.c_str(), Described(after).c_str(),
+                  Master().c_str());
+        return;
+    }
+    PrintAnswer(ValueOf(after), ValueOf(before));
 }
 }  // namespace
 
-ExitStatus RunSwitch(const Words& words, ConsoleState& /*state*/) {
+ExitStatus RunSwitch(const Words& words, ConsoleState& state) {
     if (words.size() == 2 && words[1] == "get") {
-        const int32_t value = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
-        DBG_Print("%s, from %s\n", Described(value).c_str(), Master().c_str());
+        Get(state);
     } else if (words.size() == 3 && words[1] == "set") {
-        Set(NumberOf(words[2]));
+        Set(NumberOf(words[2]), state);
     } else {
         throw UsageError("usage: switch get | switch set on|on-silent|off");
     }
@@ -140,20 +173,36 @@ Words WordsAfterSwitch(const Words& before) {
     return next;
 }
 
-std::string SwitchAndItsOrigin() {
-    const std::string master = "master node " + std::to_string(ZORV_GetMasterNid());
-    int32_t number = FAULT_DIAG_SWITCH_UNREADABLE;
-    std::string silence;
+SwitchInUse AskSwitch() {
+    SwitchInUse inUse{FAULT_DIAG_SWITCH_UNREADABLE, SwitchInUse::MASTER, true};
     try {
-        number = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
+        inUse.number = AskMaster(ZORV_OP_GET_FAULTDIAG_SWITCH, 0);
     } catch (const std::runtime_error&) {
-        silence = "; " + master + " does not answer";
+        inUse.masterAnswers = false;
     }
-    if (number != FAULT_DIAG_SWITCH_UNREADABLE) {
-        return Described(number) + ", from " + master;
+    if (inUse.number == FAULT_DIAG_SWITCH_UNREADABLE) {
+        const bool isLocal = HealReadZorvModePrivateIni(FAULT_DIAG_SWITCH_FILE, &inUse.number, 0) == 0;
+        inUse.origin = isLocal ? SwitchInUse::FILE_OF_NODE : SwitchInUse::DEFAULT;
+        inUse.number = isLocal ? inUse.number : int32_t{FAULT_DIAG_SWITCH_UNREADABLE};
     }
-    const bool isLocal = HealReadZorvModePrivateIni(FAULT_DIAG_SWITCH_FILE, &number, 0) == 0;
-    return isLocal ? Described(number) + ", from the file of this node" + silence
-                   : Described(FAULT_DIAG_SWITCH_UNREADABLE) + silence;
+    return inUse;
+}
+
+std::string TextOf(const SwitchInUse& inUse) {
+    const std::string master = "master " + Master();
+    if (inUse.origin == SwitchInUse::MASTER) {
+        return Described(inUse.number) + ", from " + master;
+    }
+    return Described(inUse.number) +
+           (inUse.origin == SwitchInUse::FILE_OF_NODE ? ", from the file of this node" : "") +
+           (inUse.masterAnswers ? "" : "; " + master + " does not answer");
+}
+
+Json::Value ValueOf(const SwitchInUse& inUse) {
+    constexpr std::array<const char*, 3> ORIGINS = {"master", "file", "default"};
+    Json::Value value = ValueOf(inUse.number);
+    value["origin"] = ORIGINS.at(inUse.origin);
+    value["master_answers"] = inUse.masterAnswers;
+    return value;
 }
 }  // namespace zorv

@@ -27,4 +27,8 @@ std::string RootedPath(const std::string& path);
 
 // The same as the operator knows it: in a capture's own directory. To look at, never to write.
 std::string GivenPath(const std::string& path);
+
+// What to tell an operator who works without a root on a machine that has none of the storage system's files;
+// empty anywhere else.
+std::string AdviceWithoutFiles();
 }  // namespace zorv

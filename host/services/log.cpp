@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cstdarg>
+#include <deque>
 #include <memory>
 #include <mutex>
 
@@ -21,8 +22,25 @@ namespace zorv {
 namespace {
 using LoggerPointer = std::shared_ptr<spdlog::logger>;
 
+constexpr size_t MOST_HELD = 1000;
+
 // Lines on stderr, in one piece each; the level's word in a colour where that is wanted.
 class ErrorLinesSink : public spdlog::sinks::base_sink<std::mutex> {
+public:
+    void Hold() {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        holds = true;
+    }
+
+    void Show() {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        holds = false;
+        for (const std::string& line : held) {
+            PrintErrorLines(line);
+        }
+        held.clear();
+    }
+
 private:
     void sink_it_(const spdlog::details::log_msg& message) override {
         spdlog::memory_buf_t buffer;
@@ -33,7 +51,14 @@ private:
             line.insert(message.color_range_end, COLOUR_END);
             line.insert(message.color_range_start, colour);
         }
-        PrintErrorLines(line);
+        if (!holds) {
+            PrintErrorLines(line);
+            return;
+        }
+        held.push_back(std::move(line));
+        if (held.size() > MOST_HELD) {
+            held.pop_front();
+        }
     }
 
     void flush_() override {}
@@ -44,6 +69,8 @@ private:
     }
 
     const bool hasColour = WantsColour(STDERR_FILENO);
+    bool holds = false;
+    std::deque<std::string> held;
 };
 
 spdlog::level::level_enum SpdlogLevel(uint32_t level) {
@@ -69,6 +96,11 @@ LoggerPointer& Logger() {
         MakeImmortal<LoggerPointer>(MakeLogger(std::make_shared<ErrorLinesSink>(), VPLOG_LEVEL_WARNING));
     return logger;
 }
+
+// The sink on stderr; null where the log goes to a file.
+std::shared_ptr<ErrorLinesSink> TheErrorLines() {
+    return std::dynamic_pointer_cast<ErrorLinesSink>(Logger()->sinks().front());
+}
 }  // namespace
 
 void ConfigureLog(const std::string& file, uint32_t level) {
@@ -79,6 +111,18 @@ void ConfigureLog(const std::string& file, uint32_t level) {
         sink = std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
     }
     Logger() = MakeLogger(std::move(sink), level);
+}
+
+void HoldLog() {
+    if (const auto lines = TheErrorLines()) {
+        lines->Hold();
+    }
+}
+
+void ShowHeldLog() {
+    if (const auto lines = TheErrorLines()) {
+        lines->Show();
+    }
 }
 }  // namespace zorv
 

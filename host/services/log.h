@@ -20,6 +20,13 @@ enum : uint32_t { HOST_MODULE = 1 };  // the host's own module number, in log li
 // and changes nothing, when the file cannot be opened. Not thread-safe: call it before other threads log.
 void ConfigureLog(const std::string& file, uint32_t level);
 
+// From now on lines for stderr are kept, the newest ones of many, until ShowHeldLog(); without one they are
+// never shown. Does nothing where the log goes to a file. Not thread-safe, as ConfigureLog().
+void HoldLog();
+
+// Shows the lines that are kept, and the later ones as they come. Any thread.
+void ShowHeldLog();
+
 // The boundary around whatever runs in a service, or is called by one: returns what `work` returns, and
 // `failure` when it throws; the exception is logged in the name of `service`.
 template <typename Work, typename Result = std::invoke_result_t<Work>>

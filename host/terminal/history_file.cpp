@@ -111,7 +111,10 @@ std::string HistoryPath() {
         return std::strcmp(file, "/dev/null") == 0 ? "" : file;
     }
     const std::string state = DirectoryIn("XDG_STATE_HOME");
-    const std::string home = DirectoryIn("HOME");
+    std::error_code ignored;
+    std::string home = DirectoryIn("HOME");
+    home = std::filesystem::is_directory(home, ignored) ? home
+                                                        : "";  // an account without one does not get it here
     if (state.empty() && home.empty()) {
         return {};
     }

@@ -61,16 +61,16 @@ bool QueryWithRetry(FaultConnection& connection, const std::string& sql, const F
     return false;
 }
 
-// What both executors do; they differ in the callback's containers.
+// What all executors do; they differ in the database and in the callback's containers.
 template <typename CallBack, typename... Containers>
-uint32_t Excute(const std::string& sql, const FaultRetryReport& report, CallBack callback,
-                Containers&... containers) {
-    if (!FaultLumoDataBase().IsOpen()) {
-        FAULT_LOG(FAULT_IN(report.attemptSite.function), FAULT_WARNING, "g_lumoDataBase is nullptr.");
+uint32_t Excute(FaultConnection& connection, const std::string& sql, const FaultRetryReport& report,
+                CallBack callback, Containers&... containers) {
+    if (!connection.IsOpen()) {
+        FAULT_LOG(FAULT_IN(report.attemptSite.function), FAULT_WARNING, "%s is nullptr.", connection.Name());
         return 1;
     }
     FaultResultTable table;
-    if (!QueryWithRetry(FaultLumoDataBase(), sql, report, table)) {
+    if (!QueryWithRetry(connection, sql, report, table)) {
         return 1;
     }
     if (callback != nullptr) {
@@ -130,7 +130,18 @@ uint32_t FaultDataBaseExcuteSql(const std::string& sql, FaultRowsCallBack callba
                                 std::vector<std::string>& texts) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql,
+    return Excute(FaultLumoDataBase(), sql,
+                  {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
+                   FAULT_HERE, &endLimiter},
+                  callback, first, second, texts);
+}
+
+uint32_t FaultHealDataBaseExcuteSql(const std::string& sql, FaultRowsCallBack callback,
+                                    std::vector<int64_t>& first, std::vector<int64_t>& second,
+                                    std::vector<std::string>& texts) {
+    static FaultUsualLimiter attemptLimiter;
+    static FaultUsualLimiter endLimiter;
+    return Excute(FaultZorvHealDataBase(), sql,
                   {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
                    FAULT_HERE, &endLimiter},
                   callback, first, second, texts);
@@ -140,7 +151,7 @@ uint32_t FaultDataBaseExcuteFullSql(const std::string& sql, FaultFullRowsCallBac
                                     std::map<std::string, FaultSeries>& series) {
     static FaultUsualLimiter attemptLimiter;
     static FaultUsualLimiter endLimiter;
-    return Excute(sql,
+    return Excute(FaultLumoDataBase(), sql,
                   {FAULT_HERE, &attemptLimiter,  // each line has a number of its own
                    FAULT_HERE, &endLimiter},
                   callback, series);

@@ -53,6 +53,11 @@ FAULT_EXPORT uint32_t FaultDataBaseExcuteSql(const std::string& sql, FaultRowsCa
 FAULT_EXPORT uint32_t FaultDataBaseExcuteFullSql(const std::string& sql, FaultFullRowsCallBack callback,
                                                  std::map<std::string, FaultSeries>& series);
 
+// The same on the heal database, for programs beside the plug-in.
+uint32_t FaultHealDataBaseExcuteSql(const std::string& sql, FaultRowsCallBack callback,
+                                    std::vector<int64_t>& first, std::vector<int64_t>& second,
+                                    std::vector<std::string>& texts);
+
 // The earliest time for which there are statistics, compact local time. Unlike the queries above it waits for
 // a database that is not open. Throws std::invalid_argument when the catalogue holds a null for a name.
 FAULT_EXPORT uint32_t FaultGetDataTimeRange(std::string& earliest);

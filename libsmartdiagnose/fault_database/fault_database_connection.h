@@ -38,6 +38,8 @@ public:
 
     bool IsOpen();
 
+    const char* Name() const { return name; }
+
     // Runs a statement once. Without a connection the attempt has failed.
     FaultAttempt Query(const std::string& sql);
 

@@ -14,7 +14,8 @@ from statistics import median
 
 import jsonschema
 
-SCHEMA = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/explain.schema.json").read_text()))
+SCHEMA, HOST_SCHEMA = (jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / f"docs/{name}.schema.json").read_text()))
+                       for name in ("explain", "zorv-local"))
 BIN = Path(os.environ["SMARTDIAGNOSE_BIN"])
 ZONE = 8 * 3600  # the tests run in CST-8
 DATABASE = "VRA/data/lumo/lumo_diagnose_data.db"
@@ -137,6 +138,14 @@ class ConsoleTest(unittest.TestCase):
         found_status, out, err = self.run_lines(lines)
         self.assertEqual((out, found_status), (screen, status), err)
         return err
+
+    def answer(self, words, *options):
+        """The exit status, and the answer of a command's document, or its problem."""
+        status, document, _ = self.run_lines(words + " --json\n", *options)
+        found = json.loads(document, parse_constant=self.fail)
+        HOST_SCHEMA.validate(found)
+        self.assertEqual((document.isascii(), found["command"]), (True, words.split()[0]))
+        return status, found["problem"] or found["answer"]
 
     def expect_anomalies(self, start, end):
         with closing(sqlite3.connect(self.root / DATABASE)) as database:

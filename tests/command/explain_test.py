@@ -5,14 +5,22 @@ import os
 import re
 import sqlite3
 import subprocess
+import time
 import unittest
+from pathlib import Path
 
-from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, ConsoleTest, compact
+import jsonschema
+
+from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, ZONE, ConsoleTest, compact
 
 POINT, DISK = "TGT_LUMO_HOST_READ", "BDM_DISK_READ"
 LABEL = b'<b>&"\x1b[31m\xff\xc3\n\xc2\x9b2J\xe2\x80\xae' + "\u061c\ufff9\ufe0f\uffff\U000e0041磁盘".encode()
 SHOWN = '<b>&"\\x1b[31m\\xff\\xc3\\n\\u009b2J\\u202e\\u061c\\ufff9\\ufe0f\\uffff\\ue0041磁盘'
 ADVICE = b"Replace\x1b]0;x\x07 \xe7\xa3\x81\xe7\x9b\x98\xff\xc0\xaf\xed\xa0\x80 " + b"\xe7\xa3\x81" * 3000
+
+
+def local(seconds):
+    return time.strftime("%Y-%m-%d %H:%M:%S", time.gmtime(seconds + ZONE))
 
 
 def json_text(raw):
@@ -77,11 +85,11 @@ class Explain(ConsoleTest):
             ([*point, "--at", peak, *times], 0, DISK),
             ([times[0], quiet], 1, "^Nothing anomalous: no point was slow"), ([*point, "--at", quiet, *times], 1, "^TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
             (["--point", "TGT_LUMO_HOST_WRITE", *times], 1, "^Nothing anomalous: "),
-            ([], 2, "--help"), (["x"], 2, "'x' is no length of time"), (["0"], 2, "'0' is no length of time"), (["71582789"], 2, "no length of time"),
+            ([], 2, "--help"), (["x"], 2, "'x' is no length of time"), (["0"], 2, "'0' is no length of time"), (["71582789"], 2, "at most two days"),
             (["2023", times[1]], 2, "'2023' is no time"), (["20230105096000", times[1]], 2, "'20230105096000' is no time"),
             (["1", "2", *times], 2, "--help"), (["--x\x1b", *times], 2, "--help"),
             (times[::-1], 2, "after the start"), (["20221231000000", times[1]], 2, "at most two days"),
-            (["--zone", "+8", *times], 2, "a zone has a sign"), (["--zone", "+2500", *times], 2, "a zone has a sign"),
+            (["--zone", "+8", *times], 0, DISK), (["--zone", "+2500", *times], 2, "'\\+2500' is no zone"),
             ([*graph, *times], 2, "--graph requires --point"), (["--point", DISK, *times], 2, f"no graph is known for {DISK}"),
             ([*point, "--at", "noon", *times], 2, "'noon' is no time"),
             ([*point, "--at", "20230105000000", *times], 2, "--at is not within the range"),
@@ -91,6 +99,9 @@ class Explain(ConsoleTest):
             (["--during", peak, compact(epoch + 9600)], 0, DISK), (["--during", *ten], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
             (["--baseline", quiet, times[1], *times], 0, "^  usual by .*, as named, "), (["--baseline", "yesterday", *times], 4, "baseline that was named has only 0 samples"),
             (["--baseline", *times, *times, "60"], 2, "--help"),
+            (["--overview", *times], 0, f"{POINT} was slow 12:58 to 13:00, 2.7 times: {DISK} 97 %, sure$"), (["--overview"], 3, "outside the statistics"),
+            (["--series", "BDM_DISK_REED", *times], 2, f"did you mean '{DISK}'"), (["--series", DISK, "--columns", "avgdelai", *times], 2, "did you mean 'avgdelay'"),
+            (["--series", DISK, "20230105090000", "20230105091000"], 3, f"no rows of {DISK} in the range"), (["--columns", "x", *times], 2, "requires --series"),
             (["--point", "X\x1b", *graph, *times], 3, r"the graph SAN_IO_READ has no point X\\x1b"),
             ([*point, "--graph", "X", *times], 3, "the configuration has no graph X"),
             ([*point, "--at", first, *times], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
@@ -112,6 +123,20 @@ class Explain(ConsoleTest):
         for program in "zorv-explain", "zorv-local", "lumo-sim":
             self.assertEqual(os.system(f"{BIN}/{program} --help 2>&- >/dev/full") >> 8, 1, program)
         self.assertEqual(os.system(f"{BIN}/zorv-explain --root {self.root} {' '.join(times)} 2>&- >&-") >> 8, 5)
+
+    def test_series(self):
+        self.world("slow-disk")
+        columns = ["avgdelay", "errCode0", "acceptnum"]
+        ask = ["--series", DISK, "--columns", ",".join(columns), self.truth["start"], "20230105113000"]
+        with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as database:
+            rows = [row for table, in database.execute("select tablename from table_flag") for row in database.execute(
+                f"select curtime, {', '.join(columns)} from {table} natural join version_nmaps where locatename = ? and curtime <= ?",
+                (DISK, self.truth["start_epoch"] + 3600))]
+        found = json.loads(self.run_explain("--json", *ask)[1])
+        jsonschema.validate(found, json.loads((Path(__file__).parents[2] / "docs/series.schema.json").read_text()))
+        self.assertEqual((found["columns"], found["rows"]), (["time", *columns], [list(row) for row in rows]))
+        csv = ["time," + ",".join(columns), *(",".join(map(str, (local(when), *values))) for when, *values in rows)]
+        self.assertEqual(self.run_lines("series " + " ".join(ask[1:]) + "\n")[1].splitlines(), csv)
 
     def test_zones(self):
         self.world("slow-disk")

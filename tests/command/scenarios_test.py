@@ -1,13 +1,15 @@
 """Every scenario, one world each: detection, analysis and explanation tell what was planted, with figures that are computed
 independently over the same database."""
 import json
+import os
 import re
 import sqlite3
+import subprocess
 import unittest
 from contextlib import closing
 from statistics import correlation
 
-from console import CONFIG, DATABASE, DELAY_HEADER, ConsoleTest, compact
+from console import BIN, CONFIG, DATABASE, DELAY_HEADER, ConsoleTest, compact
 
 EQUALS = 67 * "=" + "\n"
 HEALED = ("\n                   IoAbnormal Analysis\n" + EQUALS
@@ -85,6 +87,18 @@ class Scenarios(ConsoleTest):
             self.assertIn(fault["peak_epoch"], [peak["epoch"] for peak in peaks])
             self.assertEqual(re.sub("[^0-9]", "", peaks[0]["local"])[:14], compact(peaks[0]["epoch"]))
 
+    def check_overview(self, truth, analyses):
+        """A screen of ASCII that names the planted point, and leads to an explanation that does, too."""
+        overview = self.run_explain("--overview", truth["start"], truth["end"])[1]
+        self.assertEqual([line for line in overview.split("\n") if len(line) > 80 or not line.isascii()], [])
+        self.assertRegex(overview, r"^\d+ of 480 intervals, newest row 14:29:30 +2023-01-05 10:30 to 14:30\n")
+        head, _, events = overview.partition("Events, the newest first\n")
+        self.assertEqual("No point was slow" in head, not analyses)
+        for point in truth["explain"]["points"][:1]:
+            self.assertIn(point, head.partition("Delay, ")[0])
+            command = re.search(r"^    (zorv-explain (?:.*\\\n)*.*)", events, re.M)[1]
+            self.assertIn(point, subprocess.check_output(command, shell=True, text=True, cwd=BIN, env={**os.environ, "PATH": f"{BIN}:/bin"}))
+
     def check_errors(self, truth):
         """The point at the top is listed with its count, and the walk to the planted one has the planted points."""
         fault, dates = truth["fault"], f"{truth['start']} {truth['end']}"
@@ -126,6 +140,7 @@ class Scenarios(ConsoleTest):
                 covered = self.check_detection(truth["start_epoch"], truth["end_epoch"])
                 status, text, found = self.explain(truth["start"], truth["end"])
                 self.check_explanation(truth, status, text, found["analyses"])
+                self.check_overview(truth, found["analyses"])
                 self.check_analysis(truth, [one["graph"] for one in found["analyses"]], covered)
                 _, screen, err = self.run_lines(f"delaydetect {truth['start']} {truth['end']}\n", "--hints")
                 is_unflagged = screen == DELAY_HEADER and any(look["samples_in_events"] for look in found["looks"])

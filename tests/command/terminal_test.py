@@ -3,6 +3,7 @@ import fcntl
 import json
 import os
 import pty
+import re
 import select
 import signal
 import socket
@@ -206,6 +207,8 @@ class OnTerminal(ConsoleTest):
             connection.close()
         self.assertIn("node 2, which keeps the switch, did not answer", terminal.type("switch get\r"))
         self.assertEqual(terminal.leave(), 0)
+        self.assertEqual(self.answer("switch get", "--master", "2", "--cluster", str(nodes)),
+                         (1, "node 2, which keeps the switch, did not answer"))
 
     def test_interrupt_ends_a_single_command(self):
         self.statistics(SOUND)
@@ -235,6 +238,20 @@ class OnTerminal(ConsoleTest):
         terminal.until("zorv> ")
         self.assertRegex(terminal.screen, r"\r\x1b\[A\x1b\[J([^\r\n]* sqlite3_open faild:14\r\n)+zorv> help x{29}")
         self.assertEqual(terminal.leave(), 0)
+
+    def test_a_good_end_needs_no_log(self):
+        self.simulate("--end", "20230105143000")
+        modules = self.run_lines("showfaultfactor X 20230105103000 20230105143000\n")[2].split("MODULE: ")[1].split(", ")
+        good = ["delayanal", "20230105103000", "20230105143000"]
+        (self.root / CONFIG).rename(self.root / "config")
+        for words, config, has_log in ((good, "config", False), (["--log-level", "warning", *good], "config", True), (good, "", True),
+                                       *((["showfaultfactor", module.strip(), *good[1:]], "config", False) for module in modules)):
+            (self.root / CONFIG).write_bytes((self.root / config).read_bytes() if config else b"")
+            ours, theirs = pty.openpty()
+            out, _ = self.start(*words, stdout=subprocess.PIPE, stderr=theirs).communicate()
+            shown = os.read(ours, 1 << 16) if select.select([ours], [], [], 0)[0] else b""
+            self.assertEqual((b".cpp:" in shown, b"type err" in out), (has_log, False), (words, shown))
+            os.close(theirs), os.close(ours)
 
     def test_the_end(self):
         terminal = Terminal(self.root)
@@ -272,6 +289,19 @@ class OnTerminal(ConsoleTest):
             self.assertIn("[\x1b[31merror\x1b[0m] " if coloured else "[error] ", terminal.screen)
             terminal.leave()
 
+    def test_overview(self):
+        self.simulate("--scenario", "ongoing", "--end", "20230105143000")
+        for variables, columns, bar, red in (({"NO_COLOR": "", "LC_ALL": "C.UTF-8"}, 120, "▅" * 10, "\x1b[31m"), ({}, 60, "=" * 8, "")):
+            terminal = Terminal(self.root, columns=columns, **variables)
+            terminal.type("overview 20230105103000 20230105143000\r", until="    explain 20230105103000 20230105143000")
+            end = red and "\x1b[0m"
+            self.assertIn(f"{bar}{end}  2.2 times  {red}still at 14:29{end}\r\n", terminal.screen)
+            self.assertEqual(len(re.search("480 of 480 .*30(?=\r)", terminal.screen)[0]), max(columns, 80))
+            screen = terminal.type("series BDM_DISK_READ 20230105142500 20230105143000\r", until="14:29:30  ")
+            self.assertRegex(screen, r"time +avgdelay +maxdelay +mindelay +acceptnum +successnum")
+            terminal.until("zorv>")
+            terminal.leave()
+
 
 class AboutTheHost(ConsoleTest):
     def test_status(self):
@@ -296,12 +326,23 @@ class AboutTheHost(ConsoleTest):
                          screen.format("2 (on-silent, the default: no value is stored)", 0, 0))
         out = self.run_lines("switch set on\n" + f"delaydetect {RANGE}\n" * 5 + "status\n", "--node", "7")[1]
         self.assertTrue(out.endswith(screen.format("1 (on), from master node 7", 3, 2)), out)
+        status, about_it = self.answer("status", "--node", "7")
+        rows = about_it["statistics"]["rows"]
+        self.assertEqual((status, rows["start"]["epoch"], rows["end"]["local"]), (0, START, "2023-01-05T10:39:30+08:00"))
+        self.assertAlmostEqual(about_it["statistics"]["newest_age_seconds"], time.time() - START - 570, delta=60)
+        self.assertEqual([about_it["configuration"]["graphs"], about_it["switch"]["value"]],
+                         [[{"name": "A", "nodes": 0, "edges": 0}, {"name": "B", "nodes": 2, "edges": 1}], "on"])
+        self.assertEqual([self.answer(f"switch {words}", "--node", "7")[1] for words in ("get", "set off")],
+                         [{"switch": {"stored": 1, "value": "on"}, "before": None, "from_node": 7},
+                          {"switch": {"stored": 3, "value": "off"}, "before": {"stored": 1, "value": "on"}, "from_node": 7}])
         self.assertEqual(self.run_lines("alarms\n")[1].count("0xF00C90150         faultDiagnose\n"), 3)
 
         (self.root / CONFIG).write_text('{}\n{"A": {"nodes": [], "edges": []}}')
         self.assertEqual(self.run_lines("status\n")[0], 1)
         for file in about:
             (self.root / file).unlink()
+        status, about_it = self.answer("status")
+        self.assertEqual((status, about_it["statistics"]["problem"]), (1, "unable to open database file"))
         status, out, _ = self.run_lines("status\n")
         self.assertEqual((status, out.count("no causes can be found: it was refused at the start: No such file")), (1, 1))
         self.assertEqual(out.count("               No such file or directory\n"), 3)
@@ -329,6 +370,9 @@ class AboutTheHost(ConsoleTest):
         unknown = "@1152921504606846976" + row.format(0)[19:]
         self.expect("alarms 5\n", 0, f"{header}{row.format(29)}no alarm: {{\nno alarm: {bad}\n{unknown}{row.format(0)}")
         self.assertEqual(self.run_lines("alarms\n")[1].count("\n"), 1 + 20)
+        found = self.answer("alarms 5")[1]
+        self.assertEqual(([one["time"]["local"] for one in found["alarms"]], found["no_alarms"]),
+                         (["2023-01-05T10:30:29+08:00", None, "2023-01-05T10:30:00+08:00"], ["{", bad]))
         self.assertIn("usage: alarms [N]", self.expect("alarms 0\n", 2, ""))
 
         self.statistics(SOUND)

@@ -22,6 +22,7 @@
 #include "host/services/timer.h"
 #include "text/local_time.h"
 #include "text/nearest_name.h"
+#include "text/zone.h"
 
 namespace {
 using std::chrono::steady_clock;
@@ -145,14 +146,32 @@ TEST(TimeTest, ZoneCountsInWholeHoursAndIsKept) {
         EXPECT_EQ(vopx_time_getlocaltime(&local), local);
         EXPECT_TRUE(before <= local && local <= std::time(nullptr) + offset) << zone << local;
     }
-    for (const char* zone : {"CET-1CEST,M3.5.0,M10.5.0/3", "XXX+3:30"}) {
-        setenv("TZ", zone, 1);
+    const struct {
+        const char* tz;
+        std::optional<std::string> zone;
+        std::string note;
+    } kept[] = {
+        {"CET-1CEST,M3.5.0,M10.5.0/3", {}, ""},
+        {"XXX+3:30", {}, "the zone is -03:30, but times count in whole hours, as the plug-in's: -03:00"},
+        {"Nowhere/City", {}, "TZ is 'Nowhere/City', which is no zone that this machine knows: times are UTC"},
+        {"Nowhere/City", "Europe/Berlin", ""},
+        {"UTC", "+08:45", "the zone is +08:45, but times count in whole hours, as the plug-in's: +08:00"},
+    };
+    for (const auto& [tz, zone, note] : kept) {
+        setenv("TZ", zone ? zone->c_str() : tz, 1);
         tzset();
-        const int64_t now = ZoneOffsetAt(std::time(nullptr));
-        KeepZone();
+        const int64_t now = zone == "+08:45" ? 28800 : ZoneOffsetAt(std::time(nullptr));
+        setenv("TZ", tz, 1);
+        EXPECT_EQ(KeepZone(zone), note);
         for (int64_t month = 0; month < 12; ++month) {
-            EXPECT_EQ(ZoneOffsetAt(1672531200 + month * 30 * 86400), now) << zone;
+            EXPECT_EQ(ZoneOffsetAt(1672531200 + month * 30 * 86400), now) << tz;
         }
+    }
+    const std::pair<const char*, std::optional<int64_t>> offsets[] = {
+        {"+0800", 28800}, {"+08:00", 28800}, {"+8", 28800}, {"-03:30", -12600}, {"Z", 0},  {"+1500", {}},
+        {"+0860", {}},    {"+080", {}},      {"+8:00", {}}, {"8", {}},          {"+", {}}, {"+08:", {}}};
+    for (const auto& [text, offset] : offsets) {
+        EXPECT_EQ(OffsetOf(text), offset) << text;
     }
 }
 

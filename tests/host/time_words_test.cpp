@@ -36,7 +36,8 @@ TEST(TimeWordsTest, TurnsAPairThatIsNotCompact) {
     const std::string half = "[20230105140300][20230105143005]" + halfHour;
     const std::string lost = ": the calendar or the clock does not have it";
     const std::string forms =
-        "; a time is now, -30m (or s, h, d), today, yesterday, 2023/1/5 14:3:0 or 20230105140300";
+        "; a time is now, -30m (or s, h, d), today, yesterday, 2023/1/5 14:3:0, 2023-01-05T14:03:00+08:00 or "
+        "20230105140300";
     const std::pair<Texts, std::string> cases[] = {
         {{}, ""},
         {{"20230230000000", "x"}, "[20230230000000][x]"},
@@ -47,6 +48,10 @@ TEST(TimeWordsTest, TurnsAPairThatIsNotCompact) {
         {{"today  14:3", "20230105143005"}, half},
         {{"today", "14:03:00", "2023/01/05", "14:30:5", "10"},
          "[20230105140300][20230105143005][10]" + halfHour},
+        {{"2023-01-05T14:03", "2023-01-05T06:30:05Z"}, half},
+        {{"2023/1/5 07:03:00+0100", "2023-01-04", "23:30:05-7", "10"},
+         "[20230105140300][20230105143005][10]" + halfHour},
+        {{"1625s", "10"}, "[20230105140300][20230105143005][10]" + halfHour},
         {{"yesterday", "-90m"},
          "[20230104000000][20230105130005]2023-01-04 00:00:00 to 2023-01-05 13:00:05, zone +08:00"},
         {{"-2d", "-1h"},
@@ -59,6 +64,8 @@ TEST(TimeWordsTest, TurnsAPairThatIsNotCompact) {
         {{"2023/1/5 10", "now"}, "'2023/1/5 10' is no time" + forms},
         {{"-30", "now"}, "'-30' is no time" + forms},
         {{"-3w", "now"}, "'-3w' is no time" + forms},
+        {{"2023-01-05T10:00+15:00", "now"}, "'2023-01-05 10:00+15:00' is no time" + forms},
+        {{"99999d"}, "'-99999d' is no time: it is not between 1970 and 9999" + forms},
         {{"now", "14:30"}, "'now 14:30' is no time" + forms},
         {{"now", ""}, "'' is no time" + forms},
         {{"now", "\x1b"}, "'\\x1b' is no time" + forms},
