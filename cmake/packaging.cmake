@@ -20,6 +20,9 @@ set(schema docs/route.schema.json)
 install(FILES ${schema} DESTINATION ${CMAKE_INSTALL_DATADIR}/zorv)
 configure_file(${schema} ${PROJECT_BINARY_DIR}/share/zorv/route.schema.json COPYONLY)
 
+# Disabled until somebody enables it.
+install(FILES cmake/package/zorv-explain-watch.service DESTINATION lib/systemd/system COMPONENT tools)
+
 set(CPACK_PACKAGE_CONTACT "The developers of libsmartdiagnose <developers@libsmartdiagnose.invalid>" CACHE STRING
   "Who answers for the packages, with an address")
 

@@ -51,11 +51,14 @@ Input::Input(const Options& options) : directory(DirectoryOf(options)) {
     WatchStatements();
 }
 
-void Input::Open() const {
+void Input::ReadConfiguration() const {
     if (FaultJsonObject::GetInstance().ParseJsonConfig(FaultPath(ZORV_ROUTE_CONFIG_FILE)) != 0) {
         throw std::runtime_error("the configuration " + directory + ZORV_ROUTE_CONFIG_FILE +
                                  " cannot be read");
     }
+}
+
+void Input::OpenDatabases() const {
     for (const char* const file : {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE}) {
         if (std::error_code ignored; !std::filesystem::exists(FaultPath(file), ignored)) {
             throw std::runtime_error("the database " + directory + file + " is not there");

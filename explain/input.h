@@ -20,9 +20,15 @@ public:
     // own files.
     const std::string& Directory() const { return capture ? capture->Directory() : directory; }
 
-    // Reads the configuration and opens the databases. Throws std::runtime_error, with an operator's
-    // sentence, when one of them cannot be.
-    void Open() const;
+    // Both throw std::runtime_error, with an operator's sentence, when that cannot be; the second may be
+    // called again, also when they are open.
+    void ReadConfiguration() const;
+    void OpenDatabases() const;
+
+    void Open() const {
+        ReadConfiguration();
+        OpenDatabases();
+    }
 
 private:
     const std::string directory;

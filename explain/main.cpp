@@ -2,9 +2,7 @@
 
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <set>
@@ -13,14 +11,15 @@
 #include "cli/program.h"
 #include "explain/analysis/analysis.h"
 #include "explain/input.h"
+#include "explain/output.h"
 #include "explain/overview.h"
 #include "explain/point_series.h"
 #include "explain/report.h"
 #include "explain/request.h"
 #include "explain/survey.h"
+#include "explain/watch.h"
 #include "explain/wording.h"
 #include "host/capture/inputs.h"
-#include "host/process/files.h"
 #include "host/process/interrupt.h"
 #include "host/process/process.h"
 #include "host/process/screen.h"
@@ -43,7 +42,8 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.stamp = MakeStamp(arguments, input.Directory());
     input.Open();
     try {
-        Survey(request, report);
+        Stores stores{SampleStore(StretchesOf(request.question)), {}};
+        Survey(request, stores, report);
     } catch (...) {
         throw std::runtime_error(FailureOf(ReasonOfFailure(), FailedStatements()));
     }
@@ -64,18 +64,6 @@ ExitStatus StatusOf(const Report& report) {
     return cannotTell || report.coverage.IsPart() ? STATUS_CANNOT_TELL : STATUS_NOTHING;
 }
 
-class OutputError : public std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-void PrintAnswer(const std::string& text) {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        // Who closed a pipe has read enough: nothing is to be told of that.
-        throw OutputError(
-            errno == EPIPE ? "" : std::string("the answer cannot be printed: ") + std::strerror(errno));
-    }
-}
-
 // Nothing that is read is written to, and nothing in a capture.
 void RefuseInputs(const Options& options) {
     std::error_code ignored;
@@ -85,7 +73,7 @@ void RefuseInputs(const Options& options) {
         throw cli::UsageError("'" + options.log + "' cannot be both the page and the log");
     }
     const Inputs inputs = {options.capture.value_or(options.root.value_or("")), options.capture.has_value()};
-    for (const std::string& path : {options.html.value_or(""), options.log}) {
+    for (const std::string& path : {options.html.value_or(""), options.textFile.value_or(""), options.log}) {
         const std::optional<std::string> reason = path.empty() ? std::nullopt : WhyNotWritten(path, inputs);
         if (reason) {
             throw cli::UsageError(*reason);
@@ -124,22 +112,26 @@ int RunReport(const Options& options, const Report& report) {
     PrintAnswer(options.json       ? JsonReport(report)
                 : options.overview ? OverviewText(report, StyleOf(STDOUT_FILENO))
                                    : TextReport(report));
-    if (options.html && !WriteFile(*options.html, HtmlReport(report))) {
-        throw OutputError("the page '" + *options.html + "' cannot be written: " + std::strerror(errno));
+    if (options.html) {
+        WritePage(*options.html, HtmlReport(report));
     }
     return StatusOf(report);
+}
+
+int ExplainOnce(const Options& options, const std::vector<std::string>& arguments) {
+    const LocalClock clock = ClockAt(std::time(nullptr));
+    const Request request = RequestOf(options, clock);
+    const Input input(options);
+    const CommandRun run;  // so a wait for a locked database is told
+    return options.series ? RunSeries(options, request, input, clock)
+                          : RunReport(options, MakeReport(options, request, input, arguments, clock));
 }
 
 int Run(const Options& options, const std::vector<std::string>& arguments) {
     cli::TakeZone("zorv-explain", options.zone);
     RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
-    const LocalClock clock = ClockAt(std::time(nullptr));
-    const Request request = RequestOf(options, clock);
-    const Input input(options);
-    const CommandRun run;  // so a wait for a locked database is told
     try {
-        return options.series ? RunSeries(options, request, input, clock)
-                              : RunReport(options, MakeReport(options, request, input, arguments, clock));
+        return options.watch ? Watch(options, Input(options)) : ExplainOnce(options, arguments);
     } catch (const OutputError& error) {
         if (error.what()[0] != '\0') {
             std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());

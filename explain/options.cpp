@@ -13,13 +13,15 @@ namespace {
 constexpr const char* DESCRIPTION =
     "Explains why a trace point was slow: where its extra delay goes, and how sure that is.";
 
+constexpr int64_t LONGEST_INTERVAL = 3600;  // seconds: the range of a look
 constexpr const char* OVERVIEW_MINUTES = "240";
 
 constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
 yesterday, 2023/1/5 14:3:0, 2023-01-05 14:03:00 or 2023-01-05T14:03:00 (also with a zone, Z or +08:00).
 MINUTES is a length of time up to now; so are 90s, 4h and 1d. Without --point, every event of the points at
-which hosts enter is explained.
+which hosts enter is explained. --watch takes no times: it looks at the last hour
+until Ctrl-C or SIGTERM, which is status 0.
 
 Exit status: 0 answered, 1 nothing anomalous or within the usual, 2 wrong usage, 3 no data or no
 configuration, 4 cannot tell, or nothing in a range of which a part has no rows, 5 the answer or the page
@@ -32,11 +34,12 @@ Examples:
   zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
+  zorv-explain --root /tmp/world --watch                     goes on looking, until Ctrl-C
   zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at -20m 60  one point, slow 20 minutes ago
 )";
 
 void Declare(CLI::App& app, Options& options) {
-    cli::SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES");
+    cli::SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES | --watch");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-explain " EXPLAIN_VERSION);
     app.add_flag_callback(
@@ -77,8 +80,27 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("NAMES")
         ->needs(series);
     app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
-    app.add_flag("--json", options.json, "Print JSON");
-    app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
+    app.add_flag("--json", options.json, "Print JSON; with --watch, an object in a line for each change");
+    CLI::Option* html =
+        app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
+    CLI::Option* watch =
+        app.add_flag("--watch", options.watch, "Look at the last hour again and again, and tell what changes")
+            ->excludes(at)
+            ->excludes("--during")
+            ->excludes("--baseline")
+            ->excludes(html)
+            ->excludes(overview)
+            ->excludes(series)
+            ->excludes("--capture");
+    app.add_option("--every", options.every,
+                   "Seconds from one look to the next; the statistics' own step when left out")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(int64_t{1}, LONGEST_INTERVAL))
+        ->needs(watch);
+    app.add_option("--textfile", options.textFile,
+                   "Write the state to this file at each look, for whoever collects figures")
+        ->type_name("FILE")
+        ->needs(watch);
     app.add_option("--log", options.log, "Append the log to this file; default: no log")->type_name("FILE");
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
@@ -137,7 +159,11 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
         if (options.overview && options.times.empty() && options.during.empty()) {
             options.times = {OVERVIEW_MINUTES};
         }
-        if (options.times.empty() && options.during.empty()) {
+        if (options.watch && !options.times.empty()) {
+            throw CLI::ArgumentMismatch(
+                "--watch looks at the last hour: it goes without START END or MINUTES");
+        }
+        if (options.times.empty() && options.during.empty() && !options.watch) {
             throw CLI::RequiredError("START END, or MINUTES,");
         }
     } catch (const CLI::Success& answer) {

@@ -21,10 +21,13 @@ struct Options : cli::InputOptions {
     std::string log = "/dev/null";
     bool json = false;
     bool overview = false;
-    std::optional<std::string> series;  // the point whose rows are to be printed
-    std::string columns;                // of them, comma-separated; all without any
-    bool isInConsole = false;           // of zorv-local, whose commands have fewer words
-    std::vector<std::string> times;     // start and end as an operator writes them, or a length in minutes
+    std::optional<std::string> series;    // the point whose rows are to be printed
+    std::string columns;                  // of them, comma-separated; all without any
+    bool isInConsole = false;             // of zorv-local, whose commands have fewer words
+    bool watch = false;                   // look again and again
+    std::optional<int64_t> every;         // seconds from one look to the next
+    std::optional<std::string> textFile;  // to write the state to
+    std::vector<std::string> times;       // start and end as an operator writes them, or a length in minutes
 };
 
 // How the program ends.

@@ -1,4 +1,4 @@
-// What all parts of the JSON report are written with. Inside report_json only.
+// What all parts of the JSON report are written with. Inside report_json and the JSON of a watch only.
 #pragma once
 
 #include <json/value.h>

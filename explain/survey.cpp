@@ -25,24 +25,6 @@ constexpr int64_t LOOK_BACK_RANGES = 2;
 constexpr int64_t LEAST_LOOK_BACK = 4 * HOUR;
 constexpr int64_t MOST_LOOK_BACK = 24 * HOUR;
 
-// What is loaded: the range and what tells what is usual of it.
-std::vector<Window> StretchesOf(const Question& question) {
-    const Window& range = question.range;
-    if (question.baseline) {
-        std::vector<Window> stretches{range, *question.baseline};
-        if (range.end >= question.baseline->start && question.baseline->end >= range.start) {
-            stretches = {{std::min(range.start, question.baseline->start),
-                          std::max(range.end, question.baseline->end)}};
-        } else if (question.baseline->start < range.start) {
-            std::swap(stretches.front(), stretches.back());
-        }
-        return stretches;
-    }
-    const int64_t back =
-        std::clamp(LOOK_BACK_RANGES * (range.end - range.start), LEAST_LOOK_BACK, MOST_LOOK_BACK);
-    return {{range.start - back, range.end}};
-}
-
 // Why there are no rows in the range.
 Reason WhyNoRows(const Request& request) {
     const std::vector<TableSpan> tables = TableSpans();
@@ -78,8 +60,12 @@ std::optional<Reason> WhyZone(const Request& request) {
 // Answers one report's questions, point by point.
 class Surveyor {
 public:
-    Surveyor(const Request& toAnswer, Report& toFill)
-        : request(toAnswer), question(toAnswer.question), report(toFill), store(StretchesOf(question)) {}
+    Surveyor(const Request& toAnswer, Stores& stores, Report& toFill)
+        : request(toAnswer),
+          question(toAnswer.question),
+          store(stores.samples),
+          errorStore(stores.errors),
+          report(toFill) {}
 
     void Look() {
         for (const PointRequest& point : request.points) {
@@ -101,7 +87,7 @@ public:
     void LookAtErrors() {
         report.areErrorsLookedAt = true;
         try {
-            Errors errors = SurveyErrors(question, store);
+            Errors errors = SurveyErrors(question, store, errorStore);
             report.errorLooks = std::move(errors.looks);
             report.errors = std::move(errors.analyses);
         } catch (...) {
@@ -240,14 +226,32 @@ private:
 
     const Request& request;
     const Question& question;
+    SampleStore& store;
+    ErrorStore& errorStore;
     Report& report;
-    SampleStore store;
     std::map<std::string, Reason> unreadable;  // points with a bad value
     size_t subjects = 0;
     size_t failures = 0;
 };
 
 }  // namespace
+
+std::vector<Window> StretchesOf(const Question& question) {
+    const Window& range = question.range;
+    if (question.baseline) {
+        std::vector<Window> stretches{range, *question.baseline};
+        if (range.end >= question.baseline->start && question.baseline->end >= range.start) {
+            stretches = {{std::min(range.start, question.baseline->start),
+                          std::max(range.end, question.baseline->end)}};
+        } else if (question.baseline->start < range.start) {
+            std::swap(stretches.front(), stretches.back());
+        }
+        return stretches;
+    }
+    const int64_t back =
+        std::clamp(LOOK_BACK_RANGES * (range.end - range.start), LEAST_LOOK_BACK, MOST_LOOK_BACK);
+    return {{range.start - back, range.end}};
+}
 
 Reason ReasonOfFailure(const std::string& graph) {
     const std::string where = graph.empty() ? "" : graph + ": ";
@@ -262,8 +266,8 @@ Reason ReasonOfFailure(const std::string& graph) {
     }
 }
 
-void Survey(const Request& request, Report& report) {
-    Surveyor surveyor(request, report);
+void Survey(const Request& request, Stores& stores, Report& report) {
+    Surveyor surveyor(request, stores, report);
     surveyor.Look();
     if (request.wantsErrors) {
         surveyor.LookAtErrors();

@@ -1,6 +1,8 @@
 // The way from a question to all that is answered.
 #pragma once
 
+#include "explain/errors/error_store.h"
+#include "explain/finding/sample_store.h"
 #include "explain/report.h"
 #include "explain/request.h"
 
@@ -10,9 +12,18 @@ namespace explain {
 // known. One that says nothing of the data is thrown on.
 Reason ReasonOfFailure(const std::string& graph = "");
 
+// What has to be loaded for an answer: the range and what tells what is usual of it.
+std::vector<Window> StretchesOf(const Question& question);
+
+// What is loaded for an answer; kept, it serves the next one of a range that has moved on.
+struct Stores {
+    SampleStore samples;  // for StretchesOf()
+    ErrorStore errors;
+};
+
 // Fills what the report says of the data: looks, coverage, analyses. The databases must be open; blocks on
 // them. What cannot be explained of a point leaves the others their answers. Throws NoData where there is no
 // row to look at, or nothing at all can be explained.
-void Survey(const Request& request, Report& report);
+void Survey(const Request& request, Stores& stores, Report& report);
 
 }  // namespace explain

@@ -16,10 +16,12 @@ namespace explain {
 
 enum class BaselinePart;
 enum class Certainty;
+enum class ChangeKind;
 enum class Nature;
 enum class Verdict;
 struct Analysis;
 struct Candidate;
+struct Change;
 struct ErrorEvent;
 struct Event;
 struct Look;
@@ -187,6 +189,20 @@ std::string ErrorsOf(const ErrorEvent& event);
 
 // The healings: "13:02 BDM for IOHANG (DISK_SLOW); 13:03 POOL for IOERR on node 2". Empty without one.
 std::string BriefHealingsOf(const Report& report);
+
+// ---- a watch
+
+// What has changed: "TGT_LUMO_HOST_READ slow, 2030 us (2.4 times), BDM_DISK_READ 99 %"; and the same behind
+// its time, with the day where that is not the day of `now`.
+std::string SentenceOf(const Change& change, int64_t zoneOffset);
+std::string LineOf(const Change& change, int64_t now, int64_t zoneOffset);
+const char* WordOf(ChangeKind kind);
+
+// How often a watch looks.
+std::string IntervalOf(int64_t seconds);
+
+// Why something could not be looked at just now; `failed` as with FailureOf().
+std::string TroubleOf(const Reason& reason, const std::string& failed);
 
 // ---- what it rests on
 

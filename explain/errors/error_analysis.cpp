@@ -29,10 +29,10 @@ ErrorType TypeOf(size_t column) {
 // Makes of the errors of all points what the report tells of them.
 class ErrorSurvey {
 public:
-    ErrorSurvey(const Question& asked, const SampleStore& store)
+    ErrorSurvey(const Question& asked, SampleStore& store, ErrorStore& kept)
         : question(asked),
           graph(ReadErrorGraph()),
-          errors(LoadErrors(store.Parts(), graph.CountedPoints())),
+          errors(kept.Of(store, graph.CountedPoints())),
           intervals(TimesOf(store), std::max<int64_t>(1, CoverageOf(store.Points(), asked.range).step)),
           first(intervals.CountBefore(asked.range.start)),
           end(intervals.CountBefore(asked.range.end + 1)) {}
@@ -242,7 +242,7 @@ private:
 
     const Question& question;
     const ErrorGraph graph;
-    const std::map<std::string, PointErrors> errors;  // by the name under which they are counted
+    const std::map<std::string, PointErrors>& errors;  // by the name under which they are counted
     const Intervals intervals;
     const size_t first;  // of the range's intervals
     const size_t end;    // behind the last one
@@ -251,8 +251,8 @@ private:
 
 }  // namespace
 
-Errors SurveyErrors(const Question& question, const SampleStore& store) {
-    return ErrorSurvey(question, store).Done();
+Errors SurveyErrors(const Question& question, SampleStore& store, ErrorStore& errors) {
+    return ErrorSurvey(question, store, errors).Done();
 }
 
 }  // namespace explain

@@ -9,6 +9,7 @@
 
 #include "explain/analysis/analysis.h"
 #include "explain/errors/error_event.h"
+#include "explain/errors/error_store.h"
 #include "explain/finding/sample_store.h"
 
 namespace explain {
@@ -61,8 +62,8 @@ struct Errors {
 };
 
 // Looks at the errors of all points of the graphs, and divides those of each event. `store` tells what is
-// loaded and which intervals have rows: of the points that it was asked for. Blocks on the database. Throws
-// what the reading of the graphs and LoadErrors() throw.
-Errors SurveyErrors(const Question& question, const SampleStore& store);
+// loaded and which intervals have rows: of the points that it was asked for; `errors` belongs to it. Blocks
+// on the database. Throws what the reading of the graphs and LoadErrors() throw.
+Errors SurveyErrors(const Question& question, SampleStore& store, ErrorStore& errors);
 
 }  // namespace explain

@@ -1,6 +1,7 @@
 #include "explain/errors/error_store.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "fault_common/fault_number.h"
 #include "fault_database/fault_database.h"
@@ -84,6 +85,20 @@ void Add(const std::vector<int64_t>& numbers, const std::multimap<int64_t, std::
     }
 }
 
+// Points that are left without any go.
+void KeepWithin(const Window& window, std::map<std::string, PointErrors>& errors) {
+    for (auto point = errors.begin(); point != errors.end();) {
+        bool isEmpty = true;
+        for (ErrorCounts& counts : point->second) {
+            counts.erase(std::remove_if(counts.begin(), counts.end(),
+                                        [&](const ErrorCount& one) { return !window.Holds(one.time); }),
+                         counts.end());
+            isEmpty = isEmpty && counts.empty();
+        }
+        point = isEmpty ? errors.erase(point) : std::next(point);
+    }
+}
+
 }  // namespace
 
 std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Part>& parts,
@@ -114,6 +129,29 @@ std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Par
             std::stable_sort(counts.begin(), counts.end(),
                              [](const ErrorCount& a, const ErrorCount& b) { return a.time < b.time; });
         }
+    }
+    return errors;
+}
+
+const std::map<std::string, PointErrors>& ErrorStore::Of(SampleStore& samples,
+                                                         const std::set<std::string>& points) {
+    const Window stretch = samples.Parts().back().stretch;
+    if (!newest || !stretch.Holds(*newest)) {
+        errors = LoadErrors(samples.Parts(), points);
+    } else {
+        const std::map<std::string, PointErrors> later = LoadErrors({samples.PartSince(*newest)}, points);
+        KeepWithin({stretch.start, *newest - 1}, errors);
+        for (const auto& [name, columns] : later) {
+            for (size_t column = 0; column < ERROR_COLUMNS; ++column) {
+                ErrorCounts& counts = errors[name][column];
+                counts.insert(counts.end(), columns[column].begin(), columns[column].end());
+            }
+        }
+    }
+    newest.reset();
+    for (const auto& [name, data] : samples.Points()) {
+        newest =
+            std::max(newest, data.samples.empty() ? std::nullopt : std::optional(data.samples.back().time));
     }
     return errors;
 }

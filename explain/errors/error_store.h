@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -23,5 +24,18 @@ using PointErrors = std::array<ErrorCounts, ERROR_COLUMNS>;
 // or the tables have no columns for errors, std::invalid_argument for a cell that is no number.
 std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Part>& parts,
                                               const std::set<std::string>& points);
+
+// Errors that are kept while a store of samples moves on.
+class ErrorStore {
+public:
+    // As LoadErrors() of the samples' stretches; from the second time on, only what is at least as late as
+    // their newest row was the time before is loaded. The points have to be the same. Valid until the next
+    // call.
+    const std::map<std::string, PointErrors>& Of(SampleStore& samples, const std::set<std::string>& points);
+
+private:
+    std::map<std::string, PointErrors> errors;
+    std::optional<int64_t> newest;  // row of the samples
+};
 
 }  // namespace explain

@@ -1,7 +1,9 @@
 #include "explain/finding/sample_store.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 
 #include "fault_common/fault_common.h"
 #include "fault_common/fault_number.h"
@@ -66,6 +68,25 @@ Samples SamplesOf(const std::vector<int64_t>& numbers) {
     return samples;
 }
 
+void KeepWithin(const Window& stretch, Samples& samples) {
+    const auto [first, end] = PositionsIn(samples, stretch);
+    samples.erase(samples.begin() + static_cast<std::ptrdiff_t>(end), samples.end());
+    samples.erase(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(first));
+}
+
+void Append(const Samples& rows, Samples& samples) {
+    samples.insert(samples.end(), rows.begin(), rows.end());
+}
+
+// The rows of the last time that is known stand in its place: a second one of it may be new.
+void Continue(const Samples& rows, Samples& samples) {
+    const int64_t last = samples.back().time;
+    if (std::any_of(rows.begin(), rows.end(), [=](const Sample& row) { return row.time == last; })) {
+        KeepWithin({samples.front().time, last - 1}, samples);
+    }
+    Append(rows, samples);
+}
+
 FaultSeries SeriesOf(const Samples& samples, double Sample::*column) {
     constexpr double MOST = 9223372036854774784.0;  // the largest below 2^63
     FaultSeries series;
@@ -92,6 +113,17 @@ SampleStore::SampleStore(const std::vector<Window>& stretches) {
     }
 }
 
+void SampleStore::MoveTo(const Window& stretch) {
+    points.merge(former);
+    former = std::exchange(points, {});
+    for (auto point = former.begin(); point != former.end();) {
+        KeepWithin(stretch, point->second.samples);
+        point = point->second.samples.empty() ? former.erase(point) : std::next(point);
+    }
+    partsSince.clear();
+    parts = {{stretch, TablesOf(stretch)}};
+}
+
 const PointData& SampleStore::Of(const std::string& point) {
     const auto known = points.find(point);
     try {
@@ -101,30 +133,50 @@ const PointData& SampleStore::Of(const std::string& point) {
     }
 }
 
-PointData SampleStore::Load(const std::string& point) const {
+const SampleStore::Part& SampleStore::PartSince(int64_t time) {
+    const auto known = partsSince.find(time);
+    const Window stretch{time, parts.back().stretch.end};
+    return known != partsSince.end()
+               ? known->second
+               : partsSince.emplace(time, Part{stretch, TablesOf(stretch)}).first->second;
+}
+
+Samples SampleStore::Rows(const std::string& point, const Part& part) const {
     std::vector<int64_t> numbers;
     std::vector<int64_t> second;
     std::vector<std::string> texts;
-    for (const Part& part : parts) {
-        FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, SqlText(point), {}, {}};
-        query.beginTime = std::to_string(part.stretch.start);
-        query.endTime = std::to_string(part.stretch.end);
-        for (const std::string& table : part.tables) {
-            query.tableName = table;
-            std::string sql;
-            FaultConstructSql(query, sql);
-            if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
-                throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, point});
-            }
-            if (numbers.size() > MOST_ROWS * COLUMNS) {
-                ThrowTooMany("rows", point);
-            }
+    FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, SqlText(point), {}, {}};
+    query.beginTime = std::to_string(part.stretch.start);
+    query.endTime = std::to_string(part.stretch.end);
+    for (const std::string& table : part.tables) {
+        query.tableName = table;
+        std::string sql;
+        FaultConstructSql(query, sql);
+        if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
+            throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, point});
+        }
+        if (numbers.size() > MOST_ROWS * COLUMNS) {
+            ThrowTooMany("rows", point);
         }
     }
+    return SamplesOf(numbers);
+}
+
+PointData SampleStore::Load(const std::string& point) {
+    const auto kept = former.find(point);
     PointData data;
-    data.samples = SamplesOf(numbers);
+    if (kept != former.end()) {
+        const Samples rows = Rows(point, PartSince(kept->second.samples.back().time));
+        data = std::move(kept->second);
+        former.erase(kept);
+        Continue(rows, data.samples);
+    } else {
+        for (const Part& part : parts) {
+            Append(Rows(point, part), data.samples);
+        }
+    }
     const auto before = [](const Sample& a, const Sample& b) { return a.time < b.time; };
-    data.hasGoneBack = !std::is_sorted(data.samples.begin(), data.samples.end(), before);
+    data.hasGoneBack = data.hasGoneBack || !std::is_sorted(data.samples.begin(), data.samples.end(), before);
     std::stable_sort(data.samples.begin(), data.samples.end(), before);
     return data;
 }

@@ -38,6 +38,14 @@ public:
     // whose name is without a time, and std::runtime_error when this machine's zone cannot be asked for.
     explicit SampleStore(const std::vector<Window>& stretches);
 
+    // Without a stretch yet: MoveTo() comes first.
+    SampleStore() = default;
+
+    // Goes on to one other stretch, as time goes by, and throws as the constructor does. What was loaded and
+    // lies in it stays; when a point is asked for again, only what is at least as late as its last row is
+    // loaded. So rows that are gone from the database by now stay, and those that came too late are missing.
+    void MoveTo(const Window& stretch);
+
     // Valid as long as the store. A point without rows has none. Throws NoData when a query failed or its
     // rows are far too many, and std::invalid_argument, which names the point, for a cell that is no number.
     const PointData& Of(const std::string& point);
@@ -48,11 +56,18 @@ public:
     // The stretches with their tables.
     const std::vector<Part>& Parts() const { return parts; }
 
+    // The end of the only stretch, from a time on, with its tables; valid until the next move. Throws as the
+    // constructor does.
+    const Part& PartSince(int64_t time);
+
 private:
-    PointData Load(const std::string& point) const;
+    PointData Load(const std::string& point);
+    Samples Rows(const std::string& point, const Part& part) const;
 
     std::vector<Part> parts;
+    std::map<int64_t, Part> partsSince;  // ends of the only part, by their first time
     std::map<std::string, PointData> points;
+    std::map<std::string, PointData> former;  // not asked for since the last move
 };
 
 // As the inside of an SQL text.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <thread>
 
 namespace zorv {
@@ -16,17 +15,25 @@ static_assert(std::atomic<bool>::is_always_lock_free, "set by a signal's handler
 
 thread_local bool g_runsCommand = false;
 thread_local bool g_hasWaited = false;
+thread_local SingleTry* g_singleTry = nullptr;
+thread_local bool g_hasGivenUp = false;
 
 void Interrupt(int /*signal*/) {
     g_interrupted = true;
 }
 }  // namespace
 
-void TakeInterrupts() {
+void TakeInterrupts(std::initializer_list<int> signals) {
     struct sigaction action {};
     action.sa_handler = Interrupt;
     action.sa_flags = SA_RESTART;
-    sigaction(SIGINT, &action, nullptr);
+    for (const int signal : signals) {
+        struct sigaction before {};
+        sigaction(signal, nullptr, &before);
+        if (signal == SIGINT || before.sa_handler != SIG_IGN) {
+            sigaction(signal, &action, nullptr);
+        }
+    }
 }
 
 CommandRun::CommandRun() {
@@ -39,12 +46,32 @@ CommandRun::~CommandRun() {
     g_runsCommand = false;
 }
 
+SingleTry::SingleTry() {
+    g_singleTry = this;
+    g_hasWaited = false;
+    g_hasGivenUp = false;
+}
+
+SingleTry::~SingleTry() {
+    g_singleTry = nullptr;
+    g_hasGivenUp = false;
+}
+
+bool GiveUpAtFirstTry(const std::string& why) {
+    if (g_singleTry == nullptr) {
+        return false;
+    }
+    g_singleTry->why = why;
+    g_hasGivenUp = true;
+    return true;
+}
+
 bool RunsCommand() {
     return g_runsCommand;
 }
 
 bool Interrupted() {
-    return g_runsCommand && g_interrupted;
+    return g_runsCommand && (g_interrupted || g_hasGivenUp);
 }
 
 bool IsFirstWaitOfCommand() {

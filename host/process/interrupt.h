@@ -3,12 +3,15 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <csignal>
+#include <initializer_list>
 #include <mutex>
+#include <string>
 
 namespace zorv {
-// From now on SIGINT interrupts the command that runs instead of ending the process, and does nothing while
-// none runs. Call it once, before the first command.
-void TakeInterrupts();
+// From now on these signals interrupt the command that runs instead of ending the process, and do nothing
+// while none runs; one that is ignored stays so, but for SIGINT. Call it once, before the first command.
+void TakeInterrupts(std::initializer_list<int> signals = {SIGINT});
 
 // The run of one command on the calling thread, the console's; an interrupt from before is forgotten. There
 // is one at a time.
@@ -20,6 +23,26 @@ public:
     CommandRun& operator=(const CommandRun&) = delete;
 };
 
+// While it lives, the command that the calling thread runs never waits to try again: where it would, it is
+// interrupted, in silence. There is one at a time.
+class SingleTry {
+public:
+    SingleTry();
+    ~SingleTry();
+    SingleTry(const SingleTry&) = delete;
+    SingleTry& operator=(const SingleTry&) = delete;
+
+    // Why it would have waited, as whoever waits says it; empty when it never did.
+    const std::string& Why() const { return why; }
+
+private:
+    friend bool GiveUpAtFirstTry(const std::string& why);
+    std::string why;
+};
+
+// Interrupts the command that the calling thread runs where it has a SingleTry; else returns false.
+bool GiveUpAtFirstTry(const std::string& why);
+
 // Whether the calling thread runs a command, which may be interrupted.
 bool RunsCommand();
 
@@ -27,7 +50,8 @@ bool RunsCommand();
 // False on every other thread, whose work goes on. Does not block.
 bool Interrupted();
 
-// Whether the calling thread runs a command, asks for the first time in it, and was not interrupted.
+// Whether the calling thread runs a command, asks for the first time in it (or in its SingleTry), and was not
+// interrupted.
 bool IsFirstWaitOfCommand();
 
 // Blocks for `duration`, or until the command that the calling thread runs is interrupted.

@@ -20,8 +20,7 @@ constexpr int64_t MONTHS_OF_CYCLE = 4800;  // the calendar repeats every 400 yea
 constexpr int64_t SECONDS_OF_CYCLE = int64_t{146097} * 86400;
 
 // A command that waits in silence looks as if it hung.
-void TellWhyItWaits() {
-    const std::string reason = FailedStatements();
+void TellWhyItWaits(const std::string& reason) {
     PrintErrorLines(std::string(program_invocation_short_name) + ": waiting to try again" +
                     (reason.empty() ? "" : ": " + Printable(reason)) + " (Ctrl-C stops)\n");
 }
@@ -35,7 +34,10 @@ uint64_t vopx_get_jiffies() {
 
 void vopx_10msleep(uint32_t ticks) {
     if (zorv::IsFirstWaitOfCommand()) {
-        zorv::TellWhyItWaits();
+        const std::string reason = zorv::FailedStatements();
+        if (!zorv::GiveUpAtFirstTry(reason)) {
+            zorv::TellWhyItWaits(reason);
+        }
     }
     zorv::SleepUnlessInterrupted(std::chrono::milliseconds(int64_t{10} * ticks));
 }

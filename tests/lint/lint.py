@@ -68,6 +68,7 @@ ARROWS["check/source"] = set()
 ARROWS["check/graph"] = {"check/source", "fault_common", "text"}
 ARROWS["check/rules"] = {"check/graph", "check/source", "fault_common", "text"}
 ARROWS["check"] = {"check/source", "check/graph", "check/rules", "cli", "text", "host/process", "host/capture"}
+ARROWS["explain/watch"] = {"explain", "explain/analysis", "explain/errors", "explain/finding", "fault_common", "text", "host/process"}
 # System headers that only one unit of the plug-in may use.
 OWNED_HEADERS = {"sqlite3.h": "fault_database", "sys/inotify.h": "fault_database", "json/": "fault_json_object"}
 

@@ -63,6 +63,13 @@ class PackageTest(unittest.TestCase):
                 self.assertIn(text, page)
         self.assertIn(b"subGraph", gzip.decompress((self.root / "usr/share/man/man5/route_config.5.gz").read_bytes()))
 
+    def test_the_unit_asks_for_what_there_is_and_is_disabled(self):
+        unit = (self.root / "usr/lib/systemd/system/zorv-explain-watch.service").read_text()
+        program, *words = re.search("ExecStart=/(.*)", unit)[1].split()
+        options = run(self.root / program, "--help").split()
+        self.assertEqual([word for word in words if word.startswith("--") and word not in options], [])
+        self.assertEqual([*self.root.rglob("*.wants")], [])
+
     def test_completion(self):
         for line, expected in (("zorv-local --root x dela", ["delaydetect", "delayanal"]),
                                ("zorv-local --plu", ["--plugin"]), ("lumo-sim --scenario two", ["two-faults"]),
