@@ -14,10 +14,14 @@ _zorv_complete() {
         fi
         words+=" ${option%%:*}"
     done
+    if [[ $word != -* && $program = zorv-fleet ]]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+        return
+    fi
     if [[ $word != -* ]]; then
         words=
         [ "$program" != zorv-local ] || words=$_zorv_commands
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
-complete -F _zorv_complete zorv-local zorv-explain lumo-sim
+complete -F _zorv_complete zorv-local zorv-explain zorv-fleet lumo-sim

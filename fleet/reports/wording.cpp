@@ -122,7 +122,7 @@ std::vector<std::string> SentencesOf(const Incident& incident, const Outcome& ou
     sentences.push_back(
         "The statistics hold one row per point, not per device: to tell which device, collect from " + node +
         " the health data and latencies of those behind " + first.at.point + "." +
-        (first.at.advice.empty() ? "" : " What to do: " + first.at.advice));
+        (first.at.advice.empty() ? "" : " What to do: " + first.at.advice + "."));
     return sentences;
 }
 
