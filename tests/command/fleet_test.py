@@ -31,6 +31,10 @@ def answer(name, *events, zone="+08:00", **more):
         return {"point": point, "graph": graph, "verdict": how if how == LOAD else "point", "weak": how == WEAK,
                 "ongoing": ongoing, "certainty": SURE if how == WEAK else how, "event": {"start": moment(start), "end": moment(end)},
                 "nodes": nodes, "candidates": candidates, "reason": None, "events": [], "errors": [{"more": '"]}'}]}
+    def errors(start, end, how, shares):
+        return {"type": {"name": "IOERROR"}, "event": {"start": moment(start), "end": moment(end), "ongoing": False}, "certainty": how,
+                "points": [{"point": one, "graph": "E", "advice": "", "share": share} for one, share in shares.items()]}
+    more["errors"] = {"analyses": [errors(*event) for event in more.get("errors", [])], "types": []}
     return json.dumps({"version": 2, "node": name, "range": {"zone": zone}, "coverage": {"partial": False, "step_seconds": 30},
                        "analyses": [analysis(*event) for event in events], **more})
 
@@ -79,6 +83,10 @@ class Fleet(ConsoleTest):
                 ("unsure beside waiting", [answer("a", (0, 30, 100, UNSURE, {DISK: 1}), (0, 300, 90, SURE, {ACK: 1}, "TGT_LUMO_HOST_WRITE")), *fine],
                  [("", "a " + ACK)], alone),
                 ("load", [answer("a", (0, 300, 500, LOAD, {DISK: 1})), waits("b"), *fine], [("", "b " + ACK)], "a under load at the time"),
+                ("errors", [answer("a", errors=[(0, 300, SURE, {"DISK_ERROR": .9, "TOP": .1})]), waits("b"), *fine], [("a DISK_ERROR", "b " + ACK)],
+                 "a has errors at DISK_ERROR since"),
+                ("errors and delay", [slow("a", errors=[(0, 300, SURE, {"DISK_ERROR": 1})]), *fine], [(f"a {DISK}, a DISK_ERROR", "")], "of type IOERROR"),
+                ("errors of waiting", [answer("a", errors=[(0, 300, SURE, {ACK: 1})]), slow("b"), *fine], [("b " + DISK, "a " + ACK)], ""),
                 ("only load", [answer("a", (0, 300, 500, LOAD, {DISK: 1})), *fine], [], "No node was slow by itself"),
                 ("within the usual", [answer("a", (0, 300, 5, WEAK, {DISK: 1})), *fine], [], "No node was slow by itself"),
                 ("ongoing first", [slow("b"), answer("a", (900, 999, 10, SURE, {DISK: 1}, HOST, True)), *fine],
