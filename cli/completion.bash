@@ -18,9 +18,9 @@ _zorv_complete() {
         words=
         case $program in
         zorv-local) words=$_zorv_commands ;;
-        zorv-check) words=$(compgen -f -- "$word") ;;
+        zorv-check | zorv-fleet) words=$(compgen -f -- "$word") ;;
         esac
     fi
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
 }
-complete -F _zorv_complete zorv-local zorv-explain zorv-check lumo-sim
+complete -F _zorv_complete zorv-local zorv-explain zorv-check zorv-fleet lumo-sim

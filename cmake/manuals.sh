@@ -4,7 +4,7 @@
 set -euo pipefail
 export LC_ALL=C
 source=$1 bin=$2 plugin=$3 output=$4 release=$5 contact=$6
-programs=(zorv-local zorv-explain zorv-check lumo-sim)
+programs=(zorv-local zorv-explain zorv-check zorv-fleet lumo-sim)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 rm -rf "$output"

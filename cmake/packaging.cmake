@@ -38,12 +38,12 @@ find_program(LOWDOWN lowdown)
 if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANITIZE)
   set(manuals ${PROJECT_BINARY_DIR}/manuals)
   set(sources cmake/manuals.sh CHANGELOG.md cli/completion.bash docs/file-formats.md
-    docs/man/zorv-local.h2m docs/man/zorv-explain.h2m docs/man/zorv-check.h2m docs/man/lumo-sim.h2m)
+    docs/man/zorv-local.h2m docs/man/zorv-explain.h2m docs/man/zorv-check.h2m docs/man/zorv-fleet.h2m docs/man/lumo-sim.h2m)
   list(TRANSFORM sources PREPEND ${PROJECT_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${manuals}/completion
     COMMAND ${PROJECT_SOURCE_DIR}/cmake/manuals.sh ${PROJECT_SOURCE_DIR} ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
       $<TARGET_FILE:smartdiagnose> ${manuals} ${PROJECT_VERSION} ${CPACK_PACKAGE_CONTACT}
-    DEPENDS ${sources} zorv-local zorv-explain zorv-check lumo-sim smartdiagnose
+    DEPENDS ${sources} zorv-local zorv-explain zorv-check zorv-fleet lumo-sim smartdiagnose
     COMMENT "Writing the manuals"
     VERBATIM)
   add_custom_target(manuals ALL DEPENDS ${manuals}/completion)
@@ -52,7 +52,7 @@ if(HELP2MAN AND LOWDOWN AND NOT CMAKE_CROSSCOMPILING AND NOT SMARTDIAGNOSE_SANIT
   set(completions ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
   install(FILES ${manuals}/completion DESTINATION ${completions} RENAME zorv-local)
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
-  foreach(program zorv-explain zorv-check lumo-sim)
+  foreach(program zorv-explain zorv-check zorv-fleet lumo-sim)
     file(CREATE_LINK zorv-local ${PROJECT_BINARY_DIR}/links/${program} SYMBOLIC)
     install(FILES ${PROJECT_BINARY_DIR}/links/${program} DESTINATION ${completions})
   endforeach()
@@ -76,6 +76,7 @@ set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME zorv-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION admin)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "libsmartdiagnose (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS tzdata) # names of zones
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS "parallel, openssh-client")  # zorv-fleet --hosts
 set(CPACK_DEBIAN_HEADERS_PACKAGE_NAME libsmartdiagnose-dev)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_HEADERS_PACKAGE_ARCHITECTURE all)

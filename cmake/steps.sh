@@ -119,5 +119,5 @@ build() {
 
 # build_programs: what users run, as they build it.
 build_programs() {
-    build release smartdiagnose zorv-local zorv-explain zorv-check lumo-sim
+    build release smartdiagnose zorv-local zorv-explain zorv-check zorv-fleet lumo-sim
 }

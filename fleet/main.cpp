@@ -66,7 +66,7 @@ void LinkPages(const Options& options, const Source& source, Outcome& outcome) {
     const auto folder = std::filesystem::absolute(*options.html).parent_path();
     for (size_t node = 0; node < outcome.nodes.size(); ++node) {
         const std::string page = source.PageOf(node);
-        const bool isThere = std::filesystem::exists(page);
+        const bool isThere = outcome.nodes[node].failure.empty() && std::filesystem::exists(page);
         outcome.pages.push_back(isThere ? std::filesystem::relative(page, folder).string() : "");
     }
 }

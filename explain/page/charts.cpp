@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "explain/page/figures.h"
-#include "page/svg.h"
 #include "explain/wording.h"
+#include "page/svg.h"
 
 namespace explain {
 using namespace page;

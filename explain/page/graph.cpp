@@ -4,8 +4,8 @@
 
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
-#include "page/svg.h"
 #include "explain/wording.h"
+#include "page/svg.h"
 
 namespace explain {
 using namespace page;

@@ -39,9 +39,10 @@ struct Candidate {
     std::optional<Delay> delay;
 };
 
-// One event of one point at which hosts enter, in one graph.
+// One event of one point at which hosts enter, in one graph; or of errors of one type.
 struct Finding {
-    std::string point;
+    std::string point;  // or the type
+    bool isErrors = false;
     std::string graph;
     std::string reason;  // why it cannot be told
     Verdict verdict = Verdict::NOTHING;

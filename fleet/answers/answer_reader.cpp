@@ -21,32 +21,16 @@ constexpr int64_t LAST_TIME = 253402300799;  // of the year 9999
 
 // All that is read, in the order of the alphabet.
 const std::vector<std::string_view>& Names() {
-    static const std::vector<std::string_view> names = {"advice",
-                                                        "analyses",
-                                                        "baseline_delay_us",
-                                                        "candidates",
-                                                        "certainty",
-                                                        "coverage",
-                                                        "end",
-                                                        "epoch",
-                                                        "event",
-                                                        "event_delay_us",
-                                                        "graph",
-                                                        "intervals",
-                                                        "node",
-                                                        "nodes",
-                                                        "ongoing",
-                                                        "partial",
-                                                        "point",
-                                                        "range",
-                                                        "reason",
-                                                        "share",
-                                                        "start",
-                                                        "step_seconds",
-                                                        "verdict",
-                                                        "version",
-                                                        "weak",
-                                                        "zone"};
+    static const std::vector<std::string_view> names = {"advice",       "analyses",       "baseline_delay_us",
+                                                        "candidates",   "certainty",      "coverage",
+                                                        "end",          "epoch",          "errors",
+                                                        "event",        "event_delay_us", "graph",
+                                                        "intervals",    "name",           "node",
+                                                        "nodes",        "ongoing",        "partial",
+                                                        "point",        "points",         "range",
+                                                        "reason",       "share",          "start",
+                                                        "step_seconds", "type",           "verdict",
+                                                        "version",      "weak",           "zone"};
     return names;
 }
 
@@ -118,6 +102,27 @@ void TakeCandidate(const Json::Value& value, const Json::Value& nodes, Finding& 
     }
 }
 
+void TakeEvent(const Json::Value& event, Finding& finding) {
+    if (event.isObject()) {
+        finding.window = {TimeOf(event["start"]), TimeOf(event["end"])};
+    }
+}
+
+// Errors are evidence of their own: those of what is below explain those above, as with delays.
+Finding ErrorFindingOf(const Json::Value& value) {
+    Finding finding;
+    finding.isErrors = true;
+    finding.point = TextOf(value["type"]["name"]);
+    finding.verdict = Verdict::POINT;
+    finding.certainty = FromWord(value["certainty"], CERTAINTIES, Certainty::UNSURE);
+    finding.isOngoing = value["event"]["ongoing"].asBool();
+    TakeEvent(value["event"], finding);
+    for (const Json::Value& point : value["points"]) {
+        TakeCandidate(point, {}, finding);
+    }
+    return finding;
+}
+
 Finding FindingOf(const Json::Value& value) {
     Finding finding;
     finding.point = TextOf(value["point"]);
@@ -127,9 +132,7 @@ Finding FindingOf(const Json::Value& value) {
     finding.certainty = FromWord(value["certainty"], CERTAINTIES, Certainty::UNSURE);
     finding.isWeak = value["weak"].asBool();
     finding.isOngoing = value["ongoing"].isBool() && value["ongoing"].asBool();
-    if (const Json::Value& event = value["event"]; event.isObject()) {
-        finding.window = {TimeOf(event["start"]), TimeOf(event["end"])};
-    }
+    TakeEvent(value["event"], finding);
     finding.delay = DelayOf(value["nodes"], Json::Value(0U));
     for (const Json::Value& candidate : value["candidates"]) {
         TakeCandidate(candidate, value["nodes"], finding);
@@ -178,6 +181,9 @@ NodeAnswer AnswerOf(const Json::Value& document, const std::set<std::string>* po
         if (points != nullptr) {
             TakeDelays(analysis, *points, answer);
         }
+    }
+    for (const Json::Value& analysis : document["errors"]["analyses"]) {
+        answer.findings.push_back(ErrorFindingOf(analysis));
     }
     answer.status = StatusOf(answer);
     return answer;

@@ -10,7 +10,8 @@
 namespace fleet {
 
 // Adds the answers in `stream`, a JSON document a line; a line that is none is an answer with a failure. An
-// answer without a name is called by `name` and its line. Keeps no more than the answers and a line. Blocks
+// answer without a name is called by `name` and its line. Keeps no more than the answers and some hundred
+// lines. Blocks
 // on reading.
 void ReadAnswerLines(std::istream& stream, const std::string& name, std::vector<NodeAnswer>& answers);
 

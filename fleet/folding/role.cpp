@@ -64,6 +64,7 @@ Role RoleOf(const Finding& finding, size_t node) {
     role.kind = KindOf(finding);
     role.window = *finding.window;
     role.isOngoing = finding.isOngoing;
+    role.isErrors = finding.isErrors;
     role.hostPoint = finding.point;
     role.graph = finding.graph;
     role.certainty = finding.certainty;

@@ -25,7 +25,8 @@ struct Role {
     RoleKind kind = RoleKind::LOAD;
     Window window;
     bool isOngoing = false;
-    std::string hostPoint;  // at which hosts see it
+    bool isErrors = false;
+    std::string hostPoint;  // at which hosts see it; or the type of the errors
     std::string graph;
     Certainty certainty = Certainty::UNSURE;
     std::optional<Delay> delay;  // there

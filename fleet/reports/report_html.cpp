@@ -4,6 +4,7 @@
 #include "fleet/reports/wording.h"
 #include "page/document.h"
 #include "page/markup.h"
+#include "page/svg.h"
 #include "text/counted.h"
 #include "text/local_time.h"
 
@@ -115,16 +116,12 @@ Markup Timeline(const Outcome& outcome) {
         y += ROW_HEIGHT;
     }
     const std::string box = "0 0 " + std::to_string(WIDTH) + " " + std::to_string(y);
-    return Element(
-        "section",
-        Element("h2", "When") +
-            Element(
-                "figure",
-                Element("svg", {{"viewBox", box}, {"role", "img"}, {"aria-label", "When each node was slow"}},
-                        picture) +
-                    Element("figcaption",
-                            "Red: its own devices; light: it waits for other nodes; "
-                            "amber: unsure or unexplained; blue: load.")));
+    const Markup drawing = Drawing("timeline", "when", box, Text("When each node was slow"),
+                                   "A row for each node that was, and in it a bar for each event.", picture);
+    const Markup caption = Element("figcaption",
+                                   "Red: its own devices; light: it waits for other nodes; amber: unsure or "
+                                   "unexplained; blue: load.");
+    return Element("section", Element("h2", "When") + Element("figure", drawing + caption));
 }
 
 Markup IncidentSection(const Outcome& outcome, const Incident& incident) {

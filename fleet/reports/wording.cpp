@@ -59,8 +59,9 @@ std::string CauseOf(const Role& role, const Outcome& outcome) {
     if (role.kind == RoleKind::UNEXPLAINED) {
         text += role.at.point + " itself, no point below it says why";
     } else {
-        text += role.at.point + ", " + Percent(role.at.share) + " of the extra delay at " + role.hostPoint +
-                ", " + WordOf(role.certainty);
+        text += role.at.point + ", " + Percent(role.at.share) +
+                (role.isErrors ? " of the extra errors of type " : " of the extra delay at ") +
+                role.hostPoint + ", " + WordOf(role.certainty);
     }
     text += role.extra > 0 ? ", " + Fixed(role.extra, 0) + " us a request" : "";
     text += "; " + SinceOf(role.window, role.isOngoing, outcome.nodes[role.node].zoneOffset);
@@ -115,14 +116,14 @@ std::vector<std::string> SentencesOf(const Incident& incident, const Outcome& ou
                                                                     : "";
     const size_t others = incident.symptoms.size();
     std::vector<std::string> sentences = {
-        node + " is slow at " + first.at.point + " " + since + sure +
+        node + (first.isErrors ? " has errors at " : " is slow at ") + first.at.point + " " + since + sure +
         (others > 0 ? "; with it " + Counted(others, "node") + " that " + (others > 1 ? "wait" : "waits")
                     : "") +
         "."};
     sentences.push_back(
         "The statistics hold one row per point, not per device: to tell which device, collect from " + node +
         " the health data and latencies of those behind " + first.at.point + "." +
-        (first.at.advice.empty() ? "" : " What to do: " + first.at.advice));
+        (first.at.advice.empty() ? "" : " What to do: " + first.at.advice + "."));
     return sentences;
 }
 

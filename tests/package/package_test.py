@@ -8,7 +8,7 @@ import unittest
 from pathlib import Path
 
 BUILD = Path(os.environ["SMARTDIAGNOSE_BUILD"])
-PROGRAMS = ["zorv-local", "zorv-explain", "zorv-check", "lumo-sim"]
+PROGRAMS = ["zorv-local", "zorv-explain", "zorv-check", "zorv-fleet", "lumo-sim"]
 
 
 def run(*command, **options):
