@@ -157,7 +157,7 @@ class OnTerminal(ConsoleTest):
             self.assertEqual("The history is not kept: " in session.screen, str(self.root) in path)
             session.type("help quit\r")
             session.leave()
-        self.assertFalse((self.root / "none").exists())
+        self.assertEqual([(self.root / name).exists() for name in ("none", DATABASE)], [False, False])
 
     def lock(self):
         database = sqlite3.connect(self.root / DATABASE, isolation_level=None)
