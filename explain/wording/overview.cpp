@@ -76,9 +76,13 @@ std::string RangeOf(const Report& report) {
 
 std::string ShortSpan(const Span& span, const Report& report) {
     const std::string start = ShortTime(span.window.start, report);
-    const std::string end = ShortTime(span.window.end, report);
+    std::string end = ShortTime(span.window.end, report);
     if (span.isCut) {
         return span.isOngoing ? "since " + StartOf(span, report) : "until " + end;
+    }
+    const size_t day = start.find(' ') + 1;  // 0 where both are of the one day of the range
+    if (start != end && start.compare(0, day, end, 0, day) == 0) {
+        end.erase(0, day);
     }
     return span.isOngoing ? start + (IsFresh(report) ? " to now" : " on")
            : start == end ? start
