@@ -139,7 +139,7 @@ std::string RangeOf(const Report& report);
 
 // Of an event: "12:58 to 13:00", "13:26 to now"; and "until 13:00", "now". What goes on where the newest row
 // is not of now was last seen there: "13:26 on" and "still at 14:29". One that begins with the first row is
-// "before 10:31 to 11:23".
+// "until 11:23" or "since the first row".
 struct Span {
     Window window;
     bool isOngoing = false;

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "explain/page/drawings.h"
-#include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
 #include "explain/page/flow_picture.h"
+#include "explain/page/healings_section.h"
 #include "explain/page/tables.h"
 #include "explain/wording.h"
 

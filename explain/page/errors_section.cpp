@@ -5,6 +5,7 @@
 #include "explain/page/analysis_section.h"
 #include "explain/page/drawings.h"
 #include "explain/page/figures.h"
+#include "explain/page/healings_section.h"
 #include "explain/page/tables.h"
 #include "explain/wording_errors.h"
 
@@ -79,33 +80,6 @@ Markup ErrorSection(const ErrorAnalysis& analysis, const Report& report, size_t 
                        Element("div", {{"class", "answer"}}, answer) + Element("h3", "The event") +
                        FactList(EventFactsOf(analysis, report)) + Element("h3", "Whose errors they are") +
                        RankingOf(analysis, report) + Counts(analysis, report, number));
-}
-
-Markup HealingsSection(const Report& report) {
-    if (report.healings.empty()) {
-        return {};
-    }
-    Table table("What the agent has healed, from an hour before the range on", {{"Time"}, {"Healing"}});
-    for (const Healing& healing : HealingsToTell(report)) {
-        table.Add({Text(LocalTime(healing.time, report.zoneOffset)), Text(SentenceOf(healing, report))});
-    }
-    return Element("section", Element("h2", "Healed") + table.Done() +
-                                  Element("p", {{"class", "quiet"}}, Text(EarlierHealings(report))));
-}
-
-Markup HealingsLegend(const Report& report, const Window& window) {
-    const bool hasMarks = std::any_of(report.healings.begin(), report.healings.end(),
-                                      [&](const Healing& one) { return window.Holds(one.time); });
-    return hasMarks ? Element("span", {{"class", "healing-key"}, {"aria-hidden", "true"}}, Text("\u25c6")) +
-                          Text(" and a line mark what was healed.")
-                    : Markup();
-}
-
-std::vector<int64_t> HealingTimes(const Report& report) {
-    std::vector<int64_t> times;
-    std::transform(report.healings.begin(), report.healings.end(), std::back_inserter(times),
-                   [](const Healing& one) { return one.time; });
-    return times;
 }
 
 }  // namespace explain

@@ -1,9 +1,7 @@
-// What the page tells of errors and healings.
+// What the page tells of an event of errors.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <vector>
 
 #include "explain/page/markup.h"
 #include "explain/report.h"
@@ -12,14 +10,5 @@ namespace explain {
 
 // One event of errors, `number` telling it from others on the page.
 Markup ErrorSection(const ErrorAnalysis& analysis, const Report& report, size_t number);
-
-// All healings; empty where there is none.
-Markup HealingsSection(const Report& report);
-
-// What the marks of healings on a chart mean, of those between two times; empty where there is none.
-Markup HealingsLegend(const Report& report, const Window& window);
-
-// Their times, for the chart.
-std::vector<int64_t> HealingTimes(const Report& report);
 
 }  // namespace explain

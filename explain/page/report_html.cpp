@@ -4,6 +4,7 @@
 #include "explain/page/analysis_section.h"
 #include "explain/page/errors_section.h"
 #include "explain/page/figures.h"
+#include "explain/page/healings_section.h"
 #include "explain/page/markup.h"
 #include "explain/page/overview_section.h"
 #include "explain/page/style.h"

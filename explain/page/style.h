@@ -96,7 +96,9 @@ footer { padding-bottom: 28px; }
   table, tbody, tr, th, td { display: block; } thead { display: none; }
   tr { border-bottom: 1px solid var(--line); padding: 6px 0; }
   caption { display: block; } tbody .number, tbody th, tbody td { border: 0; padding: 1px 0; text-align: left; white-space: normal; max-width: none; }
-  td::before { content: attr(data-name) ": "; color: var(--quiet); } }
+  td::before { content: attr(data-name) ": "; color: var(--quiet); }
+  .overview tbody td { display: inline-block; margin-right: 12px; } .overview tbody td:nth-child(2) { display: block; }
+  .overview td::before { content: none; } }
 @media print { body { background: #fff; font-size: 11pt; } section { border: 0; padding: 0; }
   .scroll { overflow: visible; } svg { min-width: 0; } figure, tr { break-inside: avoid; }
   details::details-content { content-visibility: visible; }

@@ -104,21 +104,21 @@ Facts EventFactsOf(const ErrorAnalysis& analysis, const Report& report) {
                      LocalTime(event.peakTime, report.zoneOffset)}};
     for (size_t i = 1; i < analysis.entries.size(); ++i) {
         const ErrorShare& entry = analysis.points[analysis.entries[i]];
-        facts.push_back(
-            {i == 1 ? "also at" : "", entry.point + ", " + ManyErrors(entry.extra) + " more than usual"});
+        facts.push_back({"also at", entry.point + ", " + ManyErrors(entry.extra) + " more than usual"});
     }
     return facts;
 }
 
 Facts ErrorFactsOf(const Report& report) {
     Facts facts;
+    std::string totals;
     for (const ErrorLook& look : report.errorLooks) {
-        facts.push_back({facts.empty() ? "errors" : "", TotalOf(look)});
+        totals += (totals.empty() ? "" : "; ") + TotalOf(look);
     }
     if (report.errorsReason) {
         facts.push_back({"errors", "cannot be told: " + SentenceOf(*report.errorsReason)});
-    } else if (facts.empty() && report.areErrorsLookedAt) {
-        facts.push_back({"errors", "none"});
+    } else if (report.areErrorsLookedAt) {
+        facts.push_back({"errors", totals.empty() ? "none" : totals});
     }
     if (report.healingsReason) {
         facts.push_back({"healings", "cannot be told: " + SentenceOf(*report.healingsReason)});

@@ -27,11 +27,8 @@ bool IsFresh(const Report& report) {
     return coverage.newest && report.madeAt - *coverage.newest <= FRESH_STEPS * coverage.step;
 }
 
-// One that is cut is told by the first time after its begin that has another name.
 std::string StartOf(const Span& span, const Report& report) {
-    constexpr int64_t MINUTE = 60;
-    return span.isCut ? "before " + ShortTime(span.window.start + MINUTE, report)
-                      : ShortTime(span.window.start, report);
+    return span.isCut ? "the first row" : ShortTime(span.window.start, report);
 }
 
 std::string CauseIn(const Analysis& analysis, const Figures& figures) {
@@ -78,8 +75,15 @@ std::string RangeOf(const Report& report) {
 }
 
 std::string ShortSpan(const Span& span, const Report& report) {
-    const std::string start = StartOf(span, report);
-    const std::string end = ShortTime(span.window.end, report);
+    const std::string start = ShortTime(span.window.start, report);
+    std::string end = ShortTime(span.window.end, report);
+    if (span.isCut) {
+        return span.isOngoing ? "since " + StartOf(span, report) : "until " + end;
+    }
+    const size_t day = start.find(' ') + 1;  // 0 where both are of the one day of the range
+    if (start != end && start.compare(0, day, end, 0, day) == 0) {
+        end.erase(0, day);
+    }
     return span.isOngoing ? start + (IsFresh(report) ? " to now" : " on")
            : start == end ? start
                           : start + " to " + end;
@@ -106,8 +110,10 @@ std::string CourseOf(const Course& course, const Report& report) {
     if (last.isOngoing) {
         return "was still " + adjective + " at " + ShortTime(last.window.end, report) + ", " + since + amount;
     }
-    const std::string times = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last " : "";
-    return "was " + adjective + " " + times + ShortSpan(last, report) + amount +
+    const std::string which = course.times > 1 ? "in " + Counted(course.times, "event") + ", the last "
+                              : last.isCut     ? "from " + StartOf(last, report) + " "
+                                               : "";
+    return "was " + adjective + " " + which + ShortSpan(last, report) + amount +
            (course.isHealed ? ", then healed" : "");
 }
 
@@ -146,6 +152,11 @@ std::string QuietStateOf(const Look& look, const Report& report) {
            : look.finding.deviations.empty() ? "too few rows"
            : look.finding.isCurved           ? "usual: a slow curve"
                                              : "usual";
+}
+
+bool NamesACause(const Analysis& analysis) {
+    return analysis.HasAnswer() && !analysis.isWeak &&
+           (analysis.candidates.empty() || analysis.candidates.front().point != analysis.point);
 }
 
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
