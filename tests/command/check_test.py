@@ -3,6 +3,7 @@ import json
 import os
 import pty
 import re
+import resource
 import sqlite3
 import subprocess
 import tempfile
@@ -205,6 +206,16 @@ class CheckTest(unittest.TestCase):
         for words, status in ((["--root", self.root / "none"], 3), ([self.root / "none"], 3), ([self.root], 3), (["--x"], 2),
                               (["--root", self.root, self.root / CONFIG], 2)):
             self.check(*words, status=status)
+
+    def test_a_graph_may_be_a_chain_of_any_length(self):
+        length = 100_000
+        nodes = ",".join(f'{{"id":{i},"label":"{"TGT_LUMO_HOST_READ" if i == 1 else f"P_{i}"}"}}' for i in range(1, length + 1))
+        edges = ",".join(f'{{"source":"{i}","target":"{i % length + 1}"}}' for i in range(1, length + 1))
+        (self.root / CONFIG).write_text(f'{{"SAN_IO_READ":{{"nodes":[{nodes}],"edges":[\n{edges}]}}}}')
+        run = subprocess.run([BIN / "zorv-check", self.root / CONFIG], stdout=subprocess.PIPE, text=True, check=True,
+                             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_STACK, (1 << 20, 1 << 20)))
+        self.assertIn("circle: TGT_LUMO_HOST_READ -> P_2 -> P_3 -> P_4 -> .. -> P_99997 -> ", run.stdout)
+        self.assertIn(f"1 graph, {length} nodes: 0 errors, 20 warnings", run.stdout)
 
     def test_twenty_of_a_kind_are_told(self):
         text, line, column = changed(self.text, "SAN_IO_READ", [EDGE_12, ", ".join([EDGE_12] * 21 + ["^" + EDGE_12] + [EDGE_12] * 4)])
