@@ -1,12 +1,24 @@
 // What the programs print, read back.
 #pragma once
 
+#include <array>
+#include <map>
 #include <string>
 
 #include "check/graph/model.h"
-#include "check/plant/trial.h"
 
 namespace check {
+
+// What an analysis that begins in one graph comes to.
+struct Verdicts {
+    std::string walk;         // the last point that the plug-in's walk names; empty: none
+    std::string explanation;  // the first point of the explanation; empty: none
+    // By point, what its rows say to the explanation: delay and requests, as usual and during the event.
+    std::map<std::string, std::array<double, 4>> evidence;
+};
+
+// By the graph in which the analysis begins.
+using Trial = std::map<std::string, Verdicts>;
 
 // Adds to `trial` what the screen of the plug-in's command delayanal names, by the first graph of each
 // analysis.

@@ -4,7 +4,6 @@
 #include <stdexcept>
 #include <vector>
 
-#include "check/plant/answers.h"
 #include "host/process/child.h"
 
 namespace check {

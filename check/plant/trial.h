@@ -1,26 +1,14 @@
 // One world with a fault, and what is said about it.
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "check/graph/model.h"
+#include "check/plant/answers.h"
 
 namespace check {
-
-// What an analysis that begins in one graph comes to.
-struct Verdicts {
-    std::string walk;         // the last point that the plug-in's walk names; empty: none
-    std::string explanation;  // the first point of the explanation; empty: none
-    // By point, what its rows say to the explanation: delay and requests, as usual and during the event.
-    std::map<std::string, std::array<double, 4>> evidence;
-};
-
-// By the graph in which the analysis begins.
-using Trial = std::map<std::string, Verdicts>;
 
 struct Planting {
     std::string configuration;  // a file
