@@ -29,9 +29,9 @@ COLUMNS = ("(locateid integer, curtime integer, acceptnum integer, successnum in
            " errCode3 integer, errCode4 integer)")
 
 # What a kind differs in: requests of the root per interval, samples in which hosts are idle, log-normal noise and the share
-# of outliers in it, noise that lasts, a trend, how the calls run, how strong the fault is.
-Kind = collections.namedtuple("Kind", "requests idle wide outliers lasting trend calls strengths", defaults=(
-    300, 0.0, 0.0, 0.0, 0.0, 0.0, "in turn", (1.5, 2, 3, 6)))
+# of outliers in it, noise that lasts, a trend, how the calls run, how strong the fault is, for how many samples there are rows.
+Kind = collections.namedtuple("Kind", "requests idle wide outliers lasting trend calls strengths rows", defaults=(
+    300, 0.0, 0.0, 0.0, 0.0, 0.0, "in turn", (1.5, 2, 3, 6), SAMPLES))
 KINDS = {
     "plain": Kind(),
     "mild": Kind(strengths=(1.15, 1.2, 1.3, 1.4)),
@@ -47,6 +47,7 @@ KINDS = {
     "shared": Kind(calls="shared"),
     "two": Kind(calls="two"),
     "surge": Kind(calls="surge"),
+    "young": Kind(rows=40),
 }
 
 
@@ -171,7 +172,9 @@ def make(root, name, has_fault, seed):
     points = Points(source, kind)
     length = source.choice((1, 2, 4, 8, 16, 40, 80))
     length = max(length, 4) if name in ("sparse", "idle", "few") else length
-    first = SAMPLES - length if source.random() < 0.4 else SAMPLES - RANGE + source.randint(5, RANGE - 5 - length)
+    length = min(length, kind.rows // 3)
+    range_ = min(RANGE, kind.rows)
+    first = SAMPLES - length if source.random() < 0.4 else SAMPLES - range_ + source.randint(5, range_ - 5 - length)
     awaited = [i for i in range(1, points.count) if i not in points.unawaited]
     at = points.shared if points.shared in awaited else source.choice(awaited)
     slow = {at}
@@ -202,7 +205,7 @@ def make(root, name, has_fault, seed):
             rows.append((i, END - (SAMPLES - k) * STEP, counts[i], counts[i], value, value * 2, value // 2))
         busy.append(counts[0] > 0)
     fault = [k for k in range(first, first + length) if busy[k]]
-    write(root, points, rows)
+    write(root, points, [row for row in rows if row[1] >= END - kind.rows * STEP])
     truth = {"points": sorted(map(name_of, slow)), "load": surge > 1, "first": fault[0] if fault else first, "last": first + length - 1,
              "busy": [k for k in range(SAMPLES) if busy[k]], "fault": has_fault and bool(fault)}
     (root / "truth.json").write_text(json.dumps(truth))

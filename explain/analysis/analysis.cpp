@@ -24,7 +24,7 @@ constexpr double LIKELY_SHARE = 0.5;
 constexpr double LIKELY_MARGIN = 0.1;
 
 using Judge = Evidence (*)(const PointData& point, const Stretches& baseline, const Window& event,
-                           bool isTop);
+                           double needed);
 
 // A part of what is usual.
 struct Part {
@@ -48,9 +48,12 @@ std::array<Part, 6> PartsOf(const Window& baseline) {
 std::vector<Evidence> AllEvidence(const GraphWorld& world, const Window& event, const Stretches& baseline,
                                   Judge judge) {
     const std::string& top = world.nodes.front().point;
-    std::map<std::string, Evidence> byPoint;
+    std::map<std::string, Evidence> byPoint{{top, judge(world.points.at(top), baseline, event, ALWAYS)}};
+    const double needed = NeededBelow(byPoint[top]);
     for (const auto& [name, data] : world.points) {
-        byPoint[name] = judge(data, baseline, event, name == top);
+        if (name != top) {
+            byPoint[name] = judge(data, baseline, event, needed);
+        }
     }
     std::vector<Evidence> evidence;
     for (const GraphNode& node : world.nodes) {

@@ -73,12 +73,6 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
     }
 }
 
-// How far above its baseline the mean of so many samples lies when a point takes part: the noise of a mean is
-// less, but only as far as events are looked for in means.
-double Needed(size_t samples) {
-    return HIGH / std::sqrt(static_cast<double>(std::min(samples, WINDOW)));
-}
-
 // The event's samples against the baseline: how unusual, since when, how much extra delay, and whether the
 // point takes part.
 void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, const Window& event,
@@ -101,7 +95,6 @@ void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, co
     if (!point.isObservation) {
         evidence.excess = excess;
         evidence.ownExcess = ownExcess;
-        evidence.takesPart = *evidence.deviations > Needed(end - first) && excess > 0.0;
     }
 }
 
@@ -181,7 +174,14 @@ void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& 
 
 }  // namespace
 
-Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop) {
+double NeededBelow(const Evidence& top) {
+    return top.deviations.value_or(HIGH) >= HIGH
+               ? HIGH
+               : HIGH / std::sqrt(static_cast<double>(std::min(top.eventCount, WINDOW)));
+}
+
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event,
+                         double needed) {
     const Samples during = SamplesIn(point.samples, {event});
     std::vector<double> own = ValuesIn(point.samples, point.own, baseline);
     Evidence evidence;
@@ -197,12 +197,13 @@ Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, cons
         evidence.eventRequests = MeanOf(RequestsOf(during));
     }
     JudgeDelays(usual, MedianOf(own), point, event, evidence);
-    evidence.takesPart = evidence.excess && (isTop || evidence.takesPart);
+    evidence.takesPart =
+        evidence.excess && *evidence.deviations > needed && (needed == ALWAYS || *evidence.excess > 0.0);
     return evidence;
 }
 
-Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop) {
-    Evidence evidence = BriefEvidenceOf(point, baseline, event, isTop);
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, double needed) {
+    Evidence evidence = BriefEvidenceOf(point, baseline, event, needed);
     TellWhatIsMissing(point, evidence);
     if (evidence.excess) {
         JudgeLoad(point, baseline, event, evidence);

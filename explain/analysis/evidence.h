@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <vector>
 
@@ -38,12 +39,19 @@ struct Evidence {
     std::vector<Reason> reasons;
 };
 
+// How far above its baseline, in scales, a point lies in the mean when it takes part in the event of the slow
+// point at the top, which always does: HIGH; less where that one lies no higher itself, in an event of
+// several samples, of whose mean the noise is less.
+constexpr double ALWAYS = -std::numeric_limits<double>::infinity();
+double NeededBelow(const Evidence& top);
+
 // What the budget needs of the evidence: the counts, delays, `eventRequests`, both excesses, `deviations`,
-// `onset` and whether the point takes part; the point at the top always does. The point's samples in
+// `onset` and whether the point takes part, for which `needed` deviations are needed. The point's samples in
 // `baseline` say what is usual; its own delays must be there.
-Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
+Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event,
+                         double needed);
 
 // All of it. Takes several times as long.
-Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, bool isTop);
+Evidence EvidenceOf(const PointData& point, const Stretches& baseline, const Window& event, double needed);
 
 }  // namespace explain

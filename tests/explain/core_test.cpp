@@ -172,7 +172,13 @@ TEST(Explain, EvidenceOfAPoint) {
     for (const auto& row : cases) {
         const auto [samples, event] = Written(row.letters);
         const PointData point{samples, DelaysOf(samples), 0, row.isObservation, row.hasGoneBack};
-        EXPECT_EQ(Text(EvidenceOf(point, {{0, event.start - 1}}, event, false)), row.expected) << row.letters;
+        Evidence top;
+        top.eventCount = SamplesIn(samples, {event}).size();
+        top.deviations = 5.0;
+        EXPECT_EQ(NeededBelow(top), HIGH);
+        top.deviations = 4.9;
+        EXPECT_EQ(Text(EvidenceOf(point, {{0, event.start - 1}}, event, NeededBelow(top))), row.expected)
+            << row.letters;
     }
 }
 

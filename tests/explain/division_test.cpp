@@ -113,7 +113,7 @@ TEST(Division, TakesOwnDelaysAndExcessesByTheRule) {
                     ownExcess += data.samples[i].requests * (data.own[i] - ownMedian);
                 }
             }
-            const Evidence evidence = BriefEvidenceOf(data, baseline, event, false);
+            const Evidence evidence = BriefEvidenceOf(data, baseline, event, HIGH);
             ASSERT_EQ(evidence.excess.has_value(), !data.isObservation);
             if (evidence.excess) {
                 EXPECT_NEAR(*evidence.excess, excess, 1e-6 * (1 + std::fabs(excess)));
