@@ -18,7 +18,8 @@ void HistorySearch::Erase() {
 
 void HistorySearch::Older() {
     const std::string shown = Found();
-    for (size_t next = FindFrom(place + 1); next < lines.size(); next = FindFrom(next + 1)) {
+    for (size_t next = FindFrom(place + 1); !shown.empty() && next < lines.size();
+         next = FindFrom(next + 1)) {
         if (lines[next] != shown) {
             place = next;
             return;
