@@ -22,9 +22,9 @@ namespace explain {
 using namespace zorv;
 namespace {
 
-constexpr const char* TO_TOP = "\x1b[H";
+constexpr const char* TO_TOP_WITHOUT_WRAPPING = "\x1b[H\x1b[?7l";
 constexpr const char* CLEAR_REST_OF_LINE = "\x1b[K";
-constexpr const char* CLEAR_BELOW = "\x1b[J";
+constexpr const char* CLEAR_BELOW_AND_WRAP = "\x1b[J\x1b[?7h";
 
 void TellError(const std::string& text) {
     std::fprintf(stderr, "zorv-explain: %s\n", Printable(text).c_str());
@@ -39,14 +39,14 @@ std::pair<size_t, size_t> TerminalSize() {
 
 // As many lines as there is room for, over what was there before.
 std::string Painted(const std::string& text, size_t rows) {
-    std::string painted = TO_TOP;
+    std::string painted = TO_TOP_WITHOUT_WRAPPING;
     size_t begin = 0;
     for (size_t row = 1; begin < text.size() && (rows == 0 || row < rows); ++row) {
         const size_t end = text.find('\n', begin);
         painted += text.substr(begin, end - begin) + CLEAR_REST_OF_LINE + "\n";
         begin = end + 1;
     }
-    return painted + CLEAR_BELOW;
+    return painted + CLEAR_BELOW_AND_WRAP;
 }
 
 }  // namespace
@@ -55,8 +55,6 @@ Teller::Teller(const Options& options)
     : isJson(options.json),
       isPainted(!options.json && isatty(STDOUT_FILENO) == 1),
       textFile(options.textFile) {}
-
-Teller::~Teller() = default;
 
 bool Teller::Tell(Sight sight, const ChangeList& changed, const Changes& changes) {
     const int64_t now = sight.report.madeAt;
@@ -102,7 +100,9 @@ bool Teller::Print(const std::string& text) const {
 
 bool Teller::Paint() {
     size = TerminalSize();
-    return Print(Painted(OverviewText(report, StyleOf(STDOUT_FILENO)) + "\n" + headline + "\n", size.second));
+    const bool hasSeen = report.madeAt > 0;
+    const std::string picture = hasSeen ? OverviewText(report, StyleOf(STDOUT_FILENO)) + "\n" : "";
+    return Print(Painted(picture + headline + "\n", size.second));
 }
 
 void Teller::WriteTextFile(const Changes& changes, int64_t now) {

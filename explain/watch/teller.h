@@ -26,11 +26,6 @@ public:
     // more.
     bool Glance();
 
-    // Leaves the terminal to whoever comes next.
-    ~Teller();
-    Teller(const Teller&) = delete;
-    Teller& operator=(const Teller&) = delete;
-
 private:
     bool Print(const std::string& text) const;
     bool Paint();

@@ -11,8 +11,32 @@ namespace {
 constexpr int64_t STEP = 30;
 constexpr const char* POINT = "TGT_LUMO_HOST_READ";
 
-// '.' is usual (100 us), 'm' mild, 'H' high, '_' without a row; the look comes with the interval. At '!' the
-// database cannot be read.
+// What the analysis of the last event says: the cause is called as the last high letter.
+Analysis AnalysisOf(const Look& look, const std::string& letters) {
+    Analysis analysis;
+    analysis.point = POINT;
+    analysis.verdict = Verdict::POINT;
+    analysis.certainty = Certainty::SURE;
+    analysis.event = look.events.back();
+    analysis.candidates.push_back({{letters[letters.find_last_of("AB")]}, "", "", 0.9, 0});
+    analysis.findings.resize(1);
+    analysis.findings[0].evidence.eventDelay = 300.0;
+    analysis.findings[0].evidence.baselineDelay = 100.0;
+    return analysis;
+}
+
+// The errors at the letters 'E', as one event.
+ErrorAnalysis ErrorsOf(const std::string& letters) {
+    ErrorAnalysis errors;
+    errors.points.resize(1);
+    errors.event.start = static_cast<int64_t>(letters.find('E')) * STEP;
+    errors.event.end = static_cast<int64_t>(letters.rfind('E')) * STEP;
+    errors.event.isOngoing = letters.size() - letters.rfind('E') <= 2;
+    return errors;
+}
+
+// '.' is usual (100 us), 'm' mild, 'H' high, 'A' and 'B' too, with that cause; 'E' is usual with errors, '_'
+// without a row; the look comes with the interval. At '!' the database cannot be read.
 Sight SightOf(const std::string& letters) {
     Sight sight;
     Samples samples;
@@ -21,7 +45,12 @@ Sight SightOf(const std::string& letters) {
         const int64_t time = static_cast<int64_t>(i) * STEP;
         if (letter != '_' && letter != '!') {
             const double jitter = 3.0 * static_cast<double>(i % 3) - 3.0;
-            samples.push_back({time, (letter == 'H' ? 300 : letter == 'm' ? 115 : 100) + jitter, 10});
+            samples.push_back({time,
+                               (letter == 'H' || letter == 'A' || letter == 'B' ? 300
+                                : letter == 'm'                                 ? 115
+                                                                                : 100) +
+                                   jitter,
+                               10});
         }
         sight.report.madeAt = time;
     }
@@ -32,6 +61,12 @@ Sight SightOf(const std::string& letters) {
         return sight;
     }
     sight.report.looks.push_back(LookAt(POINT, samples, sight.report.question.range, std::nullopt));
+    if (letters.find('A') != std::string::npos && !sight.report.looks[0].events.empty()) {
+        sight.report.analyses.push_back(AnalysisOf(sight.report.looks[0], letters));
+    }
+    if (letters.find('E') != std::string::npos) {
+        sight.report.errors.push_back(ErrorsOf(letters));
+    }
     sight.report.coverage = CoverageOf({{POINT, {samples, {}, false, false}}}, sight.report.question.range);
     return sight;
 }
@@ -52,15 +87,19 @@ std::string ToldOf(const std::string& letters) {
 }
 
 TEST(Watch, TellsEachChangeOnceAndWhatIsStableAlone) {
-    const std::pair<const char*, const char*> CASES[] = {
+    const std::pair<std::string, const char*> CASES[] = {
         {"...........", ""},
         {"..HHHHH....", "4 slow, 9 usual 5"},
-        {"HHHHH.HH.HHHH....", "2 slow, 15 usual 13"},           // an interval is spared
+        {"HHHHH.HH.HHHH....", "2 slow, 15 usual 13"},  // an interval is spared
         {"HHH..HHH....", "2 slow, 5 usual 3, 7 slow, 10 usual 3"},
-        {"..H....", "5 was slow 1"},                             // a single sample, in one line
+        {"..H....", "5 was slow 1"},  // a single sample, in one line
         {"..H.H...", "5 slow, 7 usual 3"},
-        {"mmmmmmmmmm....", "4 slow, 12 usual 10"},
+        {"mmmmmmmmmm....", "3 slow, 12 usual 10"},
         {"HHHH___________....", "2 slow, 8 no rows, 16 rows 12, 17 usual 4"},
+        {std::string(80, 'H') + "....", "2 slow, 82 usual 80"},  // it becomes what the finder takes for usual
+        {"AAABBBB....", "2 slow, 5 cause, 9 usual 7"},
+        {"AABABA....", "2 slow, 8 usual 6"},
+        {"..EE.E....", "3 errors, 8 errors over 4"},
         {"..!!!!..", "3 unreadable, 7 readable 4"},
         {"HHH!!!!HH..", "2 slow, 4 unreadable, 8 readable 4, 11 usual 9"},
     };
