@@ -130,6 +130,11 @@ std::string_view TextOf(Member member) {
     return isText ? std::string_view(begin, static_cast<size_t>(end - begin)) : std::string_view();
 }
 
+bool Node::IsCountedElsewhere() const {
+    const std::string_view words = TextOf(attr);
+    return words.find("automic") != std::string_view::npos && words.find("whole") == std::string_view::npos;
+}
+
 size_t Graph::NodeOf(int32_t id) const {
     const auto place = byId.find(id);
     return place == byId.end() ? NONE : place->second;

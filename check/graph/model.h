@@ -40,6 +40,8 @@ struct Node {
     std::string_view Label() const { return TextOf(label); }
     // The graph in which the analysis goes on below it; empty: none.
     std::string_view NextGraph() const { return TextOf(subGraph); }
+    // In an error-code graph: whether another point, its qname, counts for it.
+    bool IsCountedElsewhere() const;
     bool IsObservation() const { return Label().find("OB_") != std::string_view::npos; }
 };
 

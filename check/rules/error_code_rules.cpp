@@ -78,12 +78,9 @@ void FindBadIndexes(const Subject& subject, const Report& report) {
 
 void FindMissingQnames(const Subject& subject, const Report& report) {
     ForCounters(subject.model, [&](const Node& node, const Graph& graph) {
-        const std::string_view attr = TextOf(node.attr);
-        const bool isCountedElsewhere =
-            attr.find("automic") != std::string_view::npos && attr.find("whole") == std::string_view::npos;
         const bool isGiven =
             node.qname != nullptr && (!node.qname->isString() || !TextOf(node.qname).empty());
-        if (isCountedElsewhere && !isGiven) {
+        if (node.IsCountedElsewhere() && !isGiven) {
             report(subject.At(node.qname != nullptr ? *node.qname : *node.info), graph.name,
                    Quoted(node.Label()) +
                        " is 'automic' without a 'qname', the point that counts for it, so it counts nothing");

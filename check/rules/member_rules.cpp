@@ -117,10 +117,13 @@ public:
             for (const MemberType& each : members) {
                 known.emplace_back(each.name);
             }
-            const std::string place = PlaceFor(name);
-            report(subject.document.KeyOf(object, *member), graph.name,
-                   "nothing reads the member " + Quoted(name) +
-                       (place.empty() ? subject.suggester.DidYouMean(name, known) : place));
+            const bool isOfGraph = &object == graph.value;  // which may have others
+            const std::string place = isOfGraph ? "" : PlaceFor(name);
+            const std::string hint = place.empty() ? subject.suggester.DidYouMean(name, known) : place;
+            if (!isOfGraph || !hint.empty()) {
+                report(subject.document.KeyOf(object, *member), graph.name,
+                       "nothing reads the member " + Quoted(name) + hint);
+            }
         }
     }
 

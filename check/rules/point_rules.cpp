@@ -10,11 +10,8 @@ namespace {
 
 // The member that names the point whose statistics a node shows; null: it shows none.
 Member PointOf(const Node& node, GraphKind kind) {
-    const std::string_view attr = TextOf(node.attr);
-    const bool isCountedElsewhere = kind == GraphKind::ERRCODE &&
-                                    attr.find("automic") != std::string_view::npos &&
-                                    attr.find("whole") == std::string_view::npos;
-    const Member point = isCountedElsewhere ? node.qname : node.label;
+    const bool isQname = kind == GraphKind::ERRCODE && node.IsCountedElsewhere();
+    const Member point = isQname ? node.qname : node.label;
     return node.isModule || !node.isKept || TextOf(point).empty() ? nullptr : point;
 }
 

@@ -52,6 +52,7 @@ MISTAKES = [
     ("edge-to-nowhere", "SAN_IO_READ", EDGE_12, EDGE_12 + ', {"source": "11", "target": ^"112"}'),
     ("edge-to-nowhere", "SAN_IO_READ", '"source": "11", "target": "12"', '"source": ^"111", "target": "12"'),
     ("unknown-sub-graph", "SAN_IO_READ", '"subGraph": "POOL_READ"', '"subGraph": ^"POOL_REED"'),
+    ("unknown-member", "SAN_IO_READ", '"SAN_IO_READ": {', '"SAN_IO_READ": {^"Edges": [], "description": "reads", '),
     ("missing-nodes", "MDS_LOOKUP", '{\n    "nodes"', '^{\n    "$nodes"', '"edges"', '"$edges"'),
     ("missing-root", "SAN_IO_READ", '"SAN_IO_READ": {', '"SAN_IO_READ": ^{', '"TGT_LUMO_HOST_READ", "name', '"TGT_LUMO_HOST", "name'),
     ("missing-root", "ERRCODE_SMB", '"ERRCODE_SMB": {', '"ERRCODE_SMB": ^{', '"SMB_AUTHTICATE_LOGON_FAILURE", "name"', '"SMB_LOGON", "name"'),
