@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -21,11 +22,19 @@ std::string CellText(sqlite3_stmt* row, int column) {
     return text == nullptr ? "" : text;
 }
 
-// In the order in which the plug-in takes them, oldest first.
+// A connection of its own each time: the steps that one may take are for a table. A producer may be writing.
+void ReadRows(const std::string& path, const std::string& columns, const std::string& table,
+              const std::string& order, const std::function<void(sqlite3_stmt*)>& take) {
+    GuardedDatabase database(path);
+    database.Run("pragma busy_timeout = 5000;");
+    database.Read(columns, table, order, take);
+}
+
+// Oldest first.
 std::vector<std::string> TableNames(const std::string& path) {
     std::vector<std::string> names;
-    GuardedDatabase(path).Read("tablename", "table_flag", "order by reporttime",
-                               [&](sqlite3_stmt* row) { names.push_back(CellText(row, 0)); });
+    ReadRows(path, "tablename", "table_flag", "order by reporttime",
+             [&](sqlite3_stmt* row) { names.push_back(CellText(row, 0)); });
     return names;
 }
 
@@ -33,9 +42,8 @@ using PointIds = std::unordered_map<int64_t, std::vector<PointRow>*>;
 
 PointIds ReadPoints(const std::string& path, PointStatistics& statistics) {
     PointIds ids;
-    GuardedDatabase(path).Read("locateid, locatename", "version_nmaps", "", [&](sqlite3_stmt* row) {
-        ids[sqlite3_column_int64(row, 0)] = &statistics[CellText(row, 1)];
-    });
+    ReadRows(path, "locateid, locatename", "version_nmaps", "",
+             [&](sqlite3_stmt* row) { ids[sqlite3_column_int64(row, 0)] = &statistics[CellText(row, 1)]; });
     return ids;
 }
 

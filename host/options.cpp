@@ -24,7 +24,7 @@ Exit status: 0 all went well, 1 a command reported an error or its answer rests 
 part of the range, failed statements or no configuration, told on standard error), 2 unknown command or wrong
 usage, 3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or
 the capture cannot be used, 130 (in a shell) ended with Ctrl-C.
-"explain" as COMMAND hands the exit status of zorv-explain on.
+"explain" and "check" as COMMAND hand the exit statuses of zorv-explain and zorv-check on.
 
 On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.
 Environment: ZORV_LOCAL_HISTFILE names the file of the history (empty: none; default: zorv-local/history in

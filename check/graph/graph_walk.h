@@ -28,7 +28,8 @@ struct GraphWalk {
     bool isReachKnown = false;  // what follows; not where nothing begins, or not where it is meant to
     std::vector<bool> isReached;
     std::vector<LostPart> lost;
-    // The one node that was the target of the one edge whose target is wrong; NONE: there is none like that.
+    // What the one edge whose target is wrong may have meant: the one lost node. NONE: there are not one of
+    // each.
     size_t meantTarget = NONE;
 };
 

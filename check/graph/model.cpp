@@ -26,7 +26,7 @@ std::optional<int32_t> NumberOf(Member id) {
     if (id->isString()) {
         return NumberIn(id->asString());
     }
-    return id->isInt() ? std::optional<int32_t>(id->asInt()) : std::nullopt;
+    return id->isConvertibleTo(Json::intValue) ? std::optional<int32_t>(id->asInt()) : std::nullopt;
 }
 
 EdgeEnd ReadEnd(const Json::Value& edge, const char* name) {

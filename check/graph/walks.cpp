@@ -67,6 +67,7 @@ size_t OnlySink(const Model& model, const Graph& graph) {
             labels.insert(model.Graphs()[other].nodes[node].Label());
         }
     }
+    labels.erase("");
     std::vector<size_t> sinks;
     for (size_t i = 0; i < graph.nodes.size(); ++i) {
         if (graph.nodes[i].isKept && graph.nodes[i].children.empty()) {
@@ -91,13 +92,12 @@ void FindReversed(const Model& model, const Graph& graph, GraphWalk& walk) {
 
 // Where walks begin from which the rest must be reached. None: that cannot be told.
 std::vector<size_t> Beginnings(const Graph& graph, const GraphWalk& walk) {
-    const bool hasAllIds = std::all_of(graph.nodes.begin(), graph.nodes.end(),
-                                       [](const Node& node) { return node.number.has_value(); });
     const bool isWalked =
         !graph.handedOverBy.empty() ||
         std::any_of(graph.uses.begin(), graph.uses.end(), [](const GraphUse& use) { return use.isWalked; });
     const bool isUsed = isWalked || (!graph.uses.empty() && !graph.edges.empty());
-    if (!hasAllIds || !isUsed || graph.kind == GraphKind::FACTOR || walk.reversed != NONE ||
+    const bool hasEdges = graph.edgeList == nullptr || graph.edgeList->isArray();  // that can be known
+    if (!hasEdges || !isUsed || graph.kind == GraphKind::FACTOR || walk.reversed != NONE ||
         !walk.usesWithoutEntry.empty()) {
         return {};
     }
@@ -135,7 +135,8 @@ size_t Mark(const Graph& graph, size_t from, std::vector<bool>& marked) {
 void FindLost(const Graph& graph, GraphWalk& walk) {
     std::vector<bool> told = walk.isReached;
     const auto mayBeLost = [&](size_t node) {
-        return !told[node] && graph.nodes[node].isKept && !graph.nodes[node].isModule;
+        const Node& tried = graph.nodes[node];
+        return !told[node] && tried.isKept && !tried.isModule && tried.number > 0;
     };
     const auto tell = [&](size_t node) { walk.lost.push_back({node, Mark(graph, node, told) - 1}); };
     for (size_t i = 0; i < graph.nodes.size(); ++i) {
@@ -154,29 +155,24 @@ void FindLost(const Graph& graph, GraphWalk& walk) {
     }
 }
 
-// Takes out of `lost` what a wrong end of an edge explains: one mistake is told once.
+// Takes out of `lost` the targets of edges whose source is wrong, which is told there, and finds the node
+// that a wrong target may have meant.
 void Explain(const Graph& graph, GraphWalk& walk) {
     std::unordered_set<size_t> explained;
-    size_t lostTargets = 0;
+    size_t wrongTargets = 0;
     for (const Edge& edge : graph.edges) {
         if (edge.source.node == NONE && edge.target.node != NONE) {
             explained.insert(edge.target.node);
         }
-        lostTargets += edge.source.node != NONE && edge.target.node == NONE ? 1 : 0;
-    }
-    std::vector<size_t> orphans;
-    for (const LostPart& part : walk.lost) {
-        if (graph.nodes[part.node].parents.empty() && explained.count(part.node) == 0) {
-            orphans.push_back(part.node);
-        }
-    }
-    if (lostTargets == 1 && orphans.size() == 1) {
-        walk.meantTarget = orphans.front();
-        explained.insert(orphans.front());
+        wrongTargets += edge.source.node != NONE && edge.target.node == NONE ? 1U : 0U;
     }
     walk.lost.erase(std::remove_if(walk.lost.begin(), walk.lost.end(),
                                    [&](const LostPart& part) { return explained.count(part.node) > 0; }),
                     walk.lost.end());
+    const bool isOne = wrongTargets == 1 && walk.lost.size() == 1;
+    if (isOne && graph.nodes[walk.lost.front().node].parents.empty()) {
+        walk.meantTarget = walk.lost.front().node;
+    }
 }
 
 void FindReach(const Graph& graph, GraphWalk& walk) {

@@ -1,8 +1,6 @@
 #include <set>
-#include <unordered_set>
 
 #include "check/rules/rule.h"
-#include "text/counted.h"
 
 namespace check {
 namespace {
@@ -39,19 +37,10 @@ void FindNoNumbers(const Subject& subject, const Report& report) {
     });
 }
 
-// How many ids of nodes cannot be known.
-size_t CountUnknownIds(const Graph& graph) {
-    size_t count = 0;
-    for (const Node& node : graph.nodes) {
-        count += node.number ? 0U : 1U;
-    }
-    return count;
-}
-
 std::string MeantNode(const Subject& subject, const Graph& graph, const EdgeEnd& end, const Edge& edge) {
     const size_t meant = subject.walks.Of(subject.model.PositionOf(graph)).meantTarget;
     if (meant == NONE || &end != &edge.target) {
-        return graph.nodes.empty() ? "" : "; the graph has " + Counted(graph.byId.size(), "id");
+        return "";
     }
     const Node& node = graph.nodes[meant];
     return "; did you mean " + std::to_string(*node.number) + " (" + Quoted(node.Label()) +
@@ -59,31 +48,13 @@ std::string MeantNode(const Subject& subject, const Graph& graph, const EdgeEnd&
 }
 
 void FindNowhere(const Subject& subject, const Report& report) {
-    for (const Graph& graph : subject.model.Graphs()) {
-        std::unordered_set<int32_t> unknown;
-        for (const Edge& edge : graph.edges) {
-            for (const EdgeEnd* end : {&edge.source, &edge.target}) {
-                if (end->number && end->node == NONE) {
-                    unknown.insert(*end->number);
-                }
-            }
+    ForEnds(subject.model, [&](const EdgeEnd& end, const char* name, const Edge& edge, const Graph& graph) {
+        if (end.number && end.node == NONE && !graph.nodes.empty()) {
+            report(subject.At(*end.member), graph.name,
+                   std::string("the ") + name + " " + std::to_string(*end.number) + " is no node's id" +
+                       MeantNode(subject, graph, end, edge));
         }
-        // Where ids are missing, they are what is to be mended.
-        if (unknown.size() <= CountUnknownIds(graph) || graph.nodeList == nullptr ||
-            !graph.nodeList->isArray()) {
-            continue;
-        }
-        for (const Edge& edge : graph.edges) {
-            for (const EdgeEnd* end : {&edge.source, &edge.target}) {
-                if (end->number && end->node == NONE) {
-                    report(subject.At(*end->member), graph.name,
-                           std::string("the ") + (end == &edge.source ? "source " : "target ") +
-                               std::to_string(*end->number) + " is no node's id" +
-                               MeantNode(subject, graph, *end, edge));
-                }
-            }
-        }
-    }
+    });
 }
 
 // Numbers that a graph's edges write in more than one way: what is nobody's target is told by the texts.

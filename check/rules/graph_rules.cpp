@@ -1,13 +1,14 @@
 #include <algorithm>
 #include <set>
 
+#include "check/rules/misspelt.h"
 #include "check/rules/rule.h"
 
 namespace check {
 namespace {
 
-// What commands do with a graph: "'delayanal' reads it for TGT_LUMO_HOST_READ"; empty: none reads it.
-std::string ReaderOf(const std::vector<GraphUse>& uses) {
+// The commands that read a graph.
+std::string ReadersOf(const std::vector<GraphUse>& uses) {
     std::string readers;
     for (const GraphUse& use : uses) {
         const std::string reader = "'" + use.command + "'";
@@ -82,7 +83,7 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
     }
     for (const std::string& name : MissingGraphs(subject.model)) {
         report(subject.At(subject.document.Root()), name,
-               "there is no such graph, but " + ReaderOf(UsesOf(name)) + " asks for it" +
+               "there is no such graph, though it is read by " + ReadersOf(UsesOf(name)) +
                    subject.suggester.DidYouMean(name, unused));
     }
 }
@@ -90,20 +91,32 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
 // Whether an unknown subGraph is told with the name of this graph as the one that was meant.
 bool IsMeantElsewhere(const Graph& graph, const std::set<std::string>& unknown, Suggester& suggester) {
     return std::any_of(unknown.begin(), unknown.end(), [&](const std::string& name) {
-        return !suggester.DidYouMean(name, {graph.name}).empty();
+        return name == graph.name || !suggester.DidYouMean(name, {graph.name}).empty();
     });
+}
+
+// What leads to a graph by mistake, or to none: subGraphs that are no graphs, what stands in members that
+// should have been a subGraph, and names of nodes.
+std::set<std::string> NamesInVain(const Model& model) {
+    std::set<std::string> names;
+    for (const Graph& graph : model.Graphs()) {
+        for (const Node& node : graph.nodes) {
+            const Member next = node.subGraph != nullptr ? node.subGraph : MisspeltMember(node, "subGraph");
+            if (!TextOf(next).empty() && (next != node.subGraph || model.Find(TextOf(next)) == nullptr)) {
+                names.emplace(TextOf(next));
+            }
+            if (next == nullptr && model.Find(TextOf(node.name)) != nullptr &&
+                TextOf(node.name) != graph.name) {
+                names.emplace(TextOf(node.name));
+            }
+        }
+    }
+    return names;
 }
 
 void FindUnusedGraphs(const Subject& subject, const Report& report) {
     const std::vector<std::string> missing = MissingGraphs(subject.model);
-    std::set<std::string> unknown;
-    for (const Graph& graph : subject.model.Graphs()) {
-        for (const Node& node : graph.nodes) {
-            if (!node.NextGraph().empty() && subject.model.Find(node.NextGraph()) == nullptr) {
-                unknown.emplace(node.NextGraph());
-            }
-        }
-    }
+    const std::set<std::string> unknown = NamesInVain(subject.model);
     for (const Graph& graph : subject.model.Graphs()) {
         if (IsUnused(graph) && !IsMeantElsewhere(graph, unknown, subject.suggester)) {
             report(graph.key, graph.name,

@@ -1,7 +1,8 @@
 #include <algorithm>
 
+#include "check/rules/misspelt.h"
 #include "check/rules/rule.h"
-#include "text/counted.h"
+#include "text/nearest_name.h"
 
 namespace check {
 namespace {
@@ -73,6 +74,18 @@ template <typename Members>
 bool Has(const Members& members, const std::string& name) {
     return std::any_of(std::begin(members), std::end(members),
                        [&](const MemberType& each) { return name == each.name; });
+}
+
+// A member that is not among those which are read, and whose name is nearest to `name`; null: there is none.
+template <typename Members>
+Member FindMisspelt(const Json::Value& object, const Members& known, const std::string& name) {
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const std::string key = member.name();
+        if (key[0] != '$' && !Has(known, key) && NearestName(key, {name}) == name) {
+            return &*member;
+        }
+    }
+    return nullptr;
 }
 
 // Where a member that is at the wrong place belongs; empty: nowhere.
@@ -215,6 +228,12 @@ void FindMissingNodes(const Subject& subject, const Report& report) {
 }
 
 }  // namespace
+
+Member MisspeltMember(const Node& node, const std::string& name) {
+    const Member inNode = FindMisspelt(*node.object, NODE_MEMBERS, name);
+    const bool hasInfo = node.info != nullptr && node.info->isObject();
+    return inNode != nullptr || !hasInfo ? inNode : FindMisspelt(*node.info, INFO_MEMBERS, name);
+}
 
 std::vector<Rule> MemberRules() {
     return {

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "check/rules/misspelt.h"
 #include "check/rules/rule.h"
 #include "text/counted.h"
 
@@ -42,7 +43,8 @@ void FindMissingRoots(const Subject& subject, const Report& report) {
                    "no node's label contains '" + use->point + "', from which '" + use->command + "' walks" +
                        subject.suggester.DidYouMean(use->point, LabelsOf(graph)));
         }
-        if (!graph.handedOverBy.empty() && !walk.hasTop) {
+        const bool hasEdges = graph.edgeList == nullptr || graph.edgeList->isArray();
+        if (!graph.handedOverBy.empty() && !walk.hasTop && hasEdges) {
             report(subject.At(*graph.value), graph.name,
                    WhoHandsOver(subject, graph) + " hands over to this graph, but it has no first node: no " +
                        "edge whose source is nobody's target");
@@ -110,7 +112,7 @@ void FindSeveralRoots(const Subject& subject, const Report& report) {
             return;
         }
         for (const size_t root : walk.roots) {
-            if (root != first && walk.isRoot[first] && root != walk.meantTarget) {
+            if (root != first && walk.isRoot[first]) {
                 report(subject.At(PlaceOf(graph.nodes[root])), graph.name,
                        "no edge leads to " + Quoted(graph.nodes[root].Label()) + ", nor to " +
                            Quoted(graph.nodes[first].Label()) + ", where walks begin: they never come here");
@@ -123,7 +125,7 @@ void FindReversed(const Subject& subject, const Report& report) {
     ForWalks(subject, [&](const Graph& graph, const GraphWalk& walk) {
         if (walk.reversed != NONE) {
             const Node& node = graph.nodes[walk.reversed];
-            report(subject.At(*node.label), graph.name,
+            report(subject.At(PlaceOf(node)), graph.name,
                    "walks begin at " + Quoted(node.Label()) +
                        ", but edges only lead to it: the source is what is explained, the target the cause");
         }
@@ -148,7 +150,7 @@ void FindNoSuggestions(const Subject& subject, const Report& report) {
         for (const Node& node : graph.nodes) {
             const bool isLeaf = node.isKept && !node.Label().empty() && node.children.empty() &&
                                 !node.isModule && !node.IsObservation() && node.NextGraph().empty();
-            if (isLeaf && TextOf(node.suggestion).empty()) {
+            if (isLeaf && TextOf(node.suggestion).empty() && MisspeltMember(node, "suggestion") == nullptr) {
                 const bool hasInfo = node.info != nullptr && node.info->isObject();
                 report(
                     subject.At(node.suggestion != nullptr ? *node.suggestion

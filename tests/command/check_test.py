@@ -3,6 +3,7 @@ import json
 import os
 import pty
 import re
+import resource
 import sqlite3
 import subprocess
 import tempfile
@@ -16,7 +17,7 @@ import jsonschema
 from console import BIN, CONFIG, DATABASE
 
 DOCS = Path(__file__).parents[2] / "docs"
-ROUNDS = 3000 if "SMARTDIAGNOSE_LONG" in os.environ else 200
+ROUNDS = 3000 if "SMARTDIAGNOSE_LONG" in os.environ else 60
 VALUES = [None, True, 0, 1, -1, 2.5, 5.0, 1 << 31, "", "x", "3", "-3", "+3", " 3", "12abc", "-1", "-6", "-01x", "whole follow",
           "automic", "Whole", "MODULE", [], {}, [1], {"attr": "automic"}, {"qname": "x", "attr": "automic,"}]
 LINE = re.compile(r"(?P<file>.*?):(?P<line>\d+):(?P<column>\d+): (?P<severity>error|warning|note): "
@@ -37,18 +38,18 @@ MISTAKES = [
     ("wrong-type", "SAN_IO_READ", '"id": 12,', '"id": ^12.5,'),
     ("wrong-type", "SAN_IO_READ", '"name": "BDM_DISK_READ"', '"name": ^{}'),
     ("wrong-type", "SAN_IO_READ", '"subGraph": "POOL_READ"', '"subGraph": "POOL_READ", "qname": ^7'),
-    ("wrong-type", "FACTOR_SAN", '"edges": [', '"edges": ^{}, "$edges": ['),
+    ("wrong-type", "ERRCODE_BDM", '"edges": [', '"edges": ^{}, "$edges": ['),
     ("missing-label", "SAN_IO_READ", '{"id": 13, "label": "BDM_OB_DISK_QUEUE_READ", ', '^{"id": 13, '),
     ("missing-label", "FACTOR_SAN", '"label": "TGT_CMD_PARSE"', '"label": ^""'),
-    ("missing-id", "SAN_IO_READ", '{"id": 12, "label"', '^{"label"'),
+    ("missing-id", "FACTOR_SAN", '{"id": 9, ', '^{"label": "TGT_OB_X"}, {"id": 9, '),
     ("duplicate-id", "FACTOR_SAN", '{"id": 9, ', '{"id": 10, "label": "TGT_OB_X"}, {"id": ^10, "label": "TGT_OB_Y"}, {"id": 9, '),
     ("id-not-positive", "FACTOR_SAN", '{"id": 1, ', '{"id": ^0, "label": "X"}, {"id": 1, '),
-    ("edge-end-missing", "SAN_IO_READ", EDGE_12, '^{"source": "11"}'),
+    ("edge-end-missing", "SAN_IO_READ", EDGE_12, EDGE_12 + ', ^{"source": "11"}'),
     ("edge-end-missing", "FACTOR_SAN", '{"source": "1", "target": "2"}', '^{"target": "2"}'),
-    ("edge-end-not-a-number", "SAN_IO_READ", '"target": "12"', '"target": ^"disk"'),
-    ("edge-end-not-a-number", "SAN_IO_READ", '"target": "12"', '"target": ^"-12"'),
-    ("edge-end-not-a-number", "SAN_IO_READ", '"target": "12"', '"target": ^""'),
-    ("edge-to-nowhere", "SAN_IO_READ", '"target": "12"', '"target": ^"112"'),
+    ("edge-end-not-a-number", "SAN_IO_READ", EDGE_12, EDGE_12 + ', {"source": "11", "target": ^"disk"}'),
+    ("edge-end-not-a-number", "SAN_IO_READ", EDGE_12, EDGE_12 + ', {"source": "11", "target": ^"-12"}'),
+    ("edge-end-not-a-number", "SAN_IO_READ", EDGE_12, EDGE_12 + ', {"source": "11", "target": ^""}'),
+    ("edge-to-nowhere", "SAN_IO_READ", EDGE_12, EDGE_12 + ', {"source": "11", "target": ^"112"}'),
     ("edge-to-nowhere", "SAN_IO_READ", '"source": "11", "target": "12"', '"source": ^"111", "target": "12"'),
     ("unknown-sub-graph", "SAN_IO_READ", '"subGraph": "POOL_READ"', '"subGraph": ^"POOL_REED"'),
     ("missing-nodes", "MDS_LOOKUP", '{\n    "nodes"', '^{\n    "$nodes"', '"edges"', '"$edges"'),
@@ -80,6 +81,8 @@ MISTAKES = [
     ("unused-graph", "SAN_READ", '"SAN_IO_READ": {', '^"SAN_READ": {"nodes": [{"id": 1, "label": "OB_"}]}, "SAN_IO_READ": {'),
     ("duplicate-label", "FACTOR_SAN", '{"id": 9, ', '{"id": 10, "label": ^"TGT_LUMO_HOST_CMD"}, {"id": 9, '),
     ("unknown-member", "POOL_READ", '"suggestion": "Check the metadata', '"suggestion": "Check the metadata", ^"suggestio": "'),
+    ("unknown-member", "SAN_IO_READ", '"suggestion": "Check the disk', '^"suggestio": "Check the disk'),
+    ("unknown-member", "SAN_IO_READ", '"subGraph": "POOL_READ"', '^"subgraph": "POOL_READ"'),
     ("unknown-member", "POOL_READ", '{"id": 9, ', '{"id": 9, ^"subGraph": "FS_READ", '),
     ("observation-with-children", "SAN_IO_READ", '"label": "BDM_OB_', '"label": ^"BDM_OB_', EDGE_12, EDGE_12 + ', {"source": "13", "target": "12"}'),
     ("no-suggestion", "SAN_IO_READ", "\"info\": {\"suggestion\": \"Check the disk's", "\"info\": ^{\"$suggestion\": \"Check the disk's"),
@@ -132,9 +135,14 @@ class CheckTest(unittest.TestCase):
         holder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(holder.cleanup)
         cls.root = Path(holder.name)
-        subprocess.run([BIN / "lumo-sim", "--root", cls.root, "--scenario", "healthy", "--hours", "1",
+        subprocess.run([BIN / "lumo-sim", "--root", cls.root, "--scenario", "healthy", "--hours", "1", "--schema",
                         "--end", "20230105143000"], check=True, stdout=subprocess.DEVNULL)
-        cls.text = pretty(json.loads((cls.root / CONFIG).read_text()))
+        listed = subprocess.run([BIN / "zorv-check", "--list"], stdout=subprocess.PIPE, text=True, check=True).stdout
+        cls.rules = {line.split()[1]: line.split()[0] for line in listed.splitlines()}
+        cls.written = (cls.root / CONFIG).read_text()
+        config = json.loads(cls.written)
+        cls.schema = Path(config.pop("$schema").removeprefix("file://"))
+        cls.text = pretty(config)
 
     def check(self, *words, status=None):
         run = subprocess.run([BIN / "zorv-check", *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
@@ -158,10 +166,6 @@ class CheckTest(unittest.TestCase):
         with self.subTest(rule=rule, changes=changes):
             self.assertEqual([(key[:2], place) for key, place in found.items()],
                              [((rule, graph), (line, column, self.rules[rule]))], found)
-
-    @property
-    def rules(self):
-        return {line.split()[1]: line.split()[0] for line in self.check("--list", status=0).splitlines()}
 
     def test_each_mistake_is_told_at_its_place_and_nothing_else_is(self):
         before = self.findings(self.text)
@@ -194,10 +198,33 @@ class CheckTest(unittest.TestCase):
         self.assertGreater(refused, ROUNDS / 4)
 
     def test_a_root_of_lumo_sim_is_clean(self):
-        self.assertIn(" 0 errors, 0 warnings", self.check("--strict", "--root", self.root, status=0))
+        (self.root / CONFIG).write_text(self.written)
+        self.assertEqual(self.schema.read_text(), (DOCS / "route.schema.json").read_text())
+        self.assertIn("\n31 graphs, 338 nodes: 0 errors, 0 warnings", self.check("--strict", "--root", self.root, status=0))
+        status = subprocess.run([BIN / "zorv-local", "--root", self.root, "status"], stdout=subprocess.PIPE, text=True).stdout
+        self.assertIn("31 graphs, nodes/edges", status)
         for words, status in ((["--root", self.root / "none"], 3), ([self.root / "none"], 3), ([self.root], 3), (["--x"], 2),
                               (["--root", self.root, self.root / CONFIG], 2)):
             self.check(*words, status=status)
+
+    def test_a_graph_may_be_a_chain_of_any_length(self):
+        length = 100_000
+        nodes = ",".join(f'{{"id":{i},"label":"{"TGT_LUMO_HOST_READ" if i == 1 else f"P_{i}"}"}}' for i in range(1, length + 1))
+        edges = ",".join(f'{{"source":"{i}","target":"{i % length + 1}"}}' for i in range(1, length + 1))
+        (self.root / CONFIG).write_text(f'{{"SAN_IO_READ":{{"nodes":[{nodes}],"edges":[\n{edges}]}}}}')
+        run = subprocess.run([BIN / "zorv-check", self.root / CONFIG], stdout=subprocess.PIPE, text=True, check=True,
+                             preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_STACK, (1 << 20, 1 << 20)))
+        self.assertIn("circle: TGT_LUMO_HOST_READ -> P_2 -> P_3 -> P_4 -> .. -> P_99997 -> ", run.stdout)
+        self.assertIn(f"1 graph, {length} nodes: 0 errors, 20 warnings", run.stdout)
+
+    def test_twenty_of_a_kind_are_told(self):
+        text, line, column = changed(self.text, "SAN_IO_READ", [EDGE_12, ", ".join([EDGE_12] * 21 + ["^" + EDGE_12] + [EDGE_12] * 4)])
+        (self.root / CONFIG).write_text(text)
+        lines = self.check("--strict", self.root / CONFIG, status=1).splitlines()
+        self.assertIn(f"{self.root / CONFIG}:{line}:{column}: warning: SAN_IO_READ: and 5 more [duplicate-edge]", lines)
+        self.assertEqual(sum("[duplicate-edge]" in line for line in lines), 21)
+        self.assertIn(": 0 errors, 25 warnings,", lines[-1])
+        self.check(self.root / CONFIG, status=0)
 
     def test_the_console_tells_and_lists_errors(self):
         text, line, _ = changed(self.text, "SAN_IO_READ", ['"target": "12"', '"target": ^"112"'])

@@ -108,6 +108,7 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "  switch get | set on|on-silent|off: show or set the cluster's fault diagnosis switch.\n"
          "  explain [OPTIONS] START END | MINUTES: where the extra delay of slow points goes; --help tells "
          "more.\n"
+         "  check [OPTIONS] [FILE]: what is wrong with the configuration's graphs; --help tells more.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},
