@@ -49,7 +49,8 @@ public:
     Pipe(std::string* keptIn, size_t mostBytes) : kept(keptIn), most(mostBytes) {
         int ends[2] = {-1, -1};
         if (pipe2(ends, O_CLOEXEC) != 0) {
-            throw std::runtime_error(std::string("no pipe to a program can be made: ") + std::strerror(errno));
+            throw std::runtime_error(std::string("no pipe to a program can be made: ") +
+                                     std::strerror(errno));
         }
         readEnd.emplace(ends[0]);
         writeEnd.emplace(ends[1]);
