@@ -58,6 +58,22 @@ void RefuseInputs(const Options& options) {
     }
 }
 
+// A path as a link has it: what has a meaning there is written as its number.
+std::string LinkTo(const std::string& path) {
+    static constexpr const char* PLAIN =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+    std::string link;
+    for (const char letter : path) {
+        char number[4] = {letter, '\0'};
+        if (std::strchr(PLAIN, letter) == nullptr) {
+            std::snprintf(number, sizeof number, "%%%02X",
+                          static_cast<unsigned>(static_cast<unsigned char>(letter)));
+        }
+        link += number;
+    }
+    return link;
+}
+
 // As the page refers to them, from where it lies.
 void LinkPages(const Options& options, const Source& source, Outcome& outcome) {
     if (!options.html || !options.pages) {
@@ -67,7 +83,7 @@ void LinkPages(const Options& options, const Source& source, Outcome& outcome) {
     for (size_t node = 0; node < outcome.nodes.size(); ++node) {
         const std::string page = source.PageOf(node);
         const bool isThere = outcome.nodes[node].failure.empty() && std::filesystem::exists(page);
-        outcome.pages.push_back(isThere ? std::filesystem::relative(page, folder).string() : "");
+        outcome.pages.push_back(isThere ? LinkTo(std::filesystem::relative(page, folder)) : "");
     }
 }
 

@@ -37,8 +37,8 @@ Examples:
 void Declare(CLI::App& app, Options& options) {
     cli::SetUsage(app,
                   "zorv-fleet [OPTIONS] CAPTURE... START END | MINUTES\n"
-                  "       zorv-fleet [OPTIONS] --hosts FILE START END | MINUTES\n"
-                  "       zorv-fleet [OPTIONS] --fold [FILE...]");
+                  "  or:  zorv-fleet [OPTIONS] --hosts FILE START END | MINUTES\n"
+                  "  or:  zorv-fleet [OPTIONS] --fold [FILE...]");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-fleet " FLEET_VERSION);
     CLI::Option* hosts =

@@ -44,6 +44,12 @@ std::string CommandOf(const std::vector<std::string>& words) {
     return command + "; echo " + STATUS_LEAD + "$?";
 }
 
+// As parallel names a host in its answers: without how many jobs it may have.
+std::string LoginOf(const std::string& host) {
+    const size_t slash = host.find_first_not_of("0123456789");
+    return slash != std::string::npos && slash > 0 && host[slash] == '/' ? host.substr(slash + 1) : host;
+}
+
 // Lines of the form "HOST<TAB>TEXT", which --tag makes.
 template <typename Take>
 void ForEachLine(const std::string& text, const Take& take) {
@@ -111,7 +117,7 @@ std::map<std::string, NodeAnswer> AskHosts(const std::vector<std::string>& hosts
     std::map<std::string, Reply> replies = RepliesOf(output, errors);
     std::map<std::string, NodeAnswer> answers;
     for (const std::string& host : hosts) {
-        answers[host] = AnswerOf(replies[host], points);
+        answers[host] = AnswerOf(replies[LoginOf(host)], points);
     }
     return answers;
 }

@@ -173,6 +173,14 @@ class Fleet(ConsoleTest):
         self.assertEqual((status, nodes), (0, {":": "point", "nobody@host.invalid": "no answer"}), err)
         self.assertEqual(json.loads(out)["incidents"][0]["causes"][0]["point"], DISK)
         self.assertRegex(err, "^zorv-fleet: nobody@host.invalid: .+\n$")
+        # What ssh does, on this machine: its options, a host, and words that a shell there puts together.
+        (self.root / "ssh").write_text('#!/bin/sh\nwhile [ "$1" != "${1#-}" ]; do [ "$1" != -l ] || shift; shift; done\nshift\n[ "$1" != -- ] || shift\nexec sh -c "$*"\n')
+        (self.root / "ssh").chmod(0o755)
+        hosts.write_text("nodeA\n2/user@nodeB\n2/:\n")
+        status, out, err = self.fleet("--json", "--hosts", hosts, "--root", self.root, *RANGE, env={**path, "PATH": f"{self.root}:{path['PATH']}"})
+        self.assertEqual((status, {node["node"]: node["verdict"] for node in json.loads(out)["nodes"]}),
+                         (0, dict.fromkeys(["nodeA", "2/user@nodeB", "2/:"], "point")), err)
+        self.assertEqual(json.loads(out)["nodes"][0]["candidates"][0]["peers"]["nodes"], 3)
         fake = self.root / "parallel"
         for text, said in ((None, "cannot run parallel: No such file"), ("#!/bin/sh\necho other\n", "is another one")):
             text and (fake.write_text(text), fake.chmod(0o755))
