@@ -15,8 +15,13 @@ constexpr size_t MOST_ADVICE = 2000;  // bytes
 std::string PointLine(const ErrorShare& share, size_t rank, size_t width, int64_t zoneOffset) {
     const std::string columns = PadLeft(std::to_string(rank + 1), 4) + PadLeft(Percent(share.share), 9) +
                                 "  " + TimeOfDay(share.since, zoneOffset) +
-                                PadLeft(Fixed(share.extra, 0), 9) + "  ";
-    return Beside(columns, PadRight(Printable(share.point), width) + "  " + Printable(share.graph));
+                                PadLeft(Fixed(share.extra, 0), 8) + "  ";
+    const std::string point = Printable(share.point);
+    const std::string both = PadRight(point, width) + "  " + Printable(share.graph);
+    return CellsOf(columns) + CellsOf(both) <= LINE_CELLS
+               ? columns + both + "\n"
+               : Beside(columns, point) +
+                     Beside(std::string(CellsOf(columns), ' ') + "in ", Printable(share.graph));
 }
 
 }  // namespace
@@ -32,12 +37,15 @@ std::string ErrorHeadline(const ErrorAnalysis& analysis, const Report& report, c
 
 std::string ErrorDetails(const ErrorAnalysis& analysis, const Report& report) {
     std::string text = FactsText("Event", EventFactsOf(analysis, report));
+    if (analysis.points.size() == 1) {
+        return text;
+    }
     const size_t shown = std::min(analysis.points.size(), MOST_POINTS);
     size_t width = 5;
     for (size_t i = 0; i < shown; ++i) {
         width = std::max(width, std::min<size_t>(CellsOf(Printable(analysis.points[i].point)), 32));
     }
-    text += "\nRanking\nrank    share  since        extra  " + PadRight("point", width) + "  graph\n";
+    text += "\nRanking\nrank    share  since       extra  " + PadRight("point", width) + "  graph\n";
     for (size_t i = 0; i < shown; ++i) {
         text += PointLine(analysis.points[i], i, width, report.zoneOffset);
     }

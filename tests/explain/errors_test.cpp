@@ -3,8 +3,12 @@
 
 #include <cmath>
 
+#include "agent/agent_storage.h"
+#include "explain/errors/count_chance.h"
 #include "explain/errors/error_division.h"
 #include "explain/errors/intervals.h"
+#include "fault_spectrum_graph/fault_json_object.h"
+#include "tests/support/temp_world.h"
 
 namespace explain {
 namespace {
@@ -177,6 +181,36 @@ TEST(ErrorDivision, GivesThePointsTheirOwnErrors) {
         }
         EXPECT_EQ(told, row.told) << row.what;
     }
+}
+
+// Each node: name<counted, + for one that follows, its children; behind them the hand-overs.
+TEST(ErrorGraph, ReadsAllGraphsAsOneAndThoseThatContinueThem) {
+    TempWorld world;
+    world.Write(ZORV_ROUTE_CONFIG_FILE, R"({
+        "ERRCODE_SAN_PROTO": {"edges": [{"source": "1", "target": "2"}, {"source": "2", "target": "3"}, {"source": "9", "target": "3"}],
+            "nodes": [{"id": 1, "label": "top", "info": {"attr": "whole automic", "qname": "other"}},
+                      {"id": 2, "label": "group", "description": "A MODULE", "info": {"attr": "automic", "qname": "other"}},
+                      {"id": 3, "label": "low", "info": {"attr": "automic follow", "qname": "counter", "subGraph": "BELOW"}}]},
+        "ERRCODE_BLOCK": {"edges": [{"source": "7", "target": "8"}],
+            "nodes": [{"id": 7, "label": "low", "info": {"suggestion": "mend it"}}, {"id": 8, "label": "more"}]},
+        "BELOW": {"edges": [{"source": "5", "target": "6"}],
+            "nodes": [{"id": 5, "label": "root"}, {"id": 6, "label": "more"}]},
+        "UNNAMED": {"edges": [], "nodes": [{"id": 1, "label": "nobody"}]}})");
+    ASSERT_EQ(FaultJsonObject::GetInstance().ParseJsonConfig(world.Path(ZORV_ROUTE_CONFIG_FILE)), 0U);
+    const ErrorGraph graph = ReadErrorGraph();
+    std::string text;
+    for (const ErrorNode& node : graph.nodes) {
+        text += node.point + "<" + node.counted + (node.followsParent ? "+" : "") + node.advice;
+        for (const size_t child : node.children) {
+            text += " " + graph.nodes[child].point;
+        }
+        text += "; ";
+    }
+    for (const auto& [from, to] : graph.handOvers) {
+        text += graph.nodes[from].point + ">" + graph.nodes[to].point;
+    }
+    EXPECT_EQ(text,
+              "top<top group; group< low; low<counter+mend it more; more<more; root<root more; low>root");
 }
 
 }  // namespace
