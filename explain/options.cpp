@@ -78,7 +78,9 @@ void Declare(CLI::App& app, Options& options) {
         ->needs(series);
     app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
     app.add_flag("--json", options.json, "Print JSON");
-    app.add_option("--html", options.html, "Write a page to this file as well")->type_name("FILE");
+    app.add_option("--html", options.html, "Write a page to this file as well")
+        ->type_name("FILE")
+        ->excludes(series);
     app.add_option("--log", options.log, "Append the log to this file; default: no log")->type_name("FILE");
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
