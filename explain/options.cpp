@@ -11,7 +11,7 @@ namespace explain {
 namespace {
 
 constexpr const char* DESCRIPTION =
-    "Explains why a trace point was slow: where its extra delay goes, and how sure that is.";
+    "Explains why a trace point was slow, or counted errors: where they come from, and how sure that is.";
 
 constexpr const char* OVERVIEW_MINUTES = "240";
 
@@ -19,7 +19,7 @@ constexpr const char* EXAMPLES = R"(
 START and END are local times, at most two days apart: 20230105103000, now, -30m (also s, h, d), today,
 yesterday, 2023/1/5 14:3:0, 2023-01-05 14:03:00 or 2023-01-05T14:03:00 (also with a zone, Z or +08:00).
 MINUTES is a length of time up to now; so are 90s, 4h and 1d. Without --point, every event of the points at
-which hosts enter is explained.
+which hosts enter is explained, and every event of errors.
 
 Exit status: 0 answered, 1 nothing anomalous or within the usual, 2 wrong usage, 3 no data or no
 configuration, 4 cannot tell, or nothing in a range of which a part has no rows, 5 the answer or the page

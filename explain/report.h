@@ -42,7 +42,7 @@ struct Report {
     ChanceFlags flags;        // over all points that were loaded
     std::vector<Look> looks;  // one for each point that was asked for, or at which hosts enter
     std::vector<Analysis> analyses;
-    bool areErrorsLookedAt = false;
+    bool areErrorsLookedAt = false;      // of all points of the graphs of error codes
     std::vector<ErrorLook> errorLooks;   // in the order of the columns; types without errors are left out
     std::vector<ErrorAnalysis> errors;   // what still goes on first, then the latest
     std::optional<Reason> errorsReason;  // why the errors cannot be told; none of them is then

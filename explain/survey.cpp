@@ -98,9 +98,9 @@ public:
 
     // What keeps errors from being told leaves the delays their answers.
     void LookAtErrors() {
-        report.areErrorsLookedAt = true;
         try {
             Errors errors = SurveyErrors(question, store);
+            report.areErrorsLookedAt = errors.areLookedAt;
             report.errorLooks = std::move(errors.looks);
             report.errors = std::move(errors.analyses);
         } catch (...) {

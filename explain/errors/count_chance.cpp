@@ -1,6 +1,6 @@
-#include <cmath>
+#include "explain/errors/count_chance.h"
 
-#include "explain/errors/count_scan.h"
+#include <cmath>
 
 namespace explain {
 namespace {

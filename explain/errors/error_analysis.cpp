@@ -40,6 +40,7 @@ public:
     Errors Done() {
         Find();
         Errors all;
+        all.areLookedAt = !graph.nodes.empty();
         for (size_t column = 0; column < ERROR_COLUMNS; ++column) {
             if (ErrorLook look = LookAt(column); look.count > 0) {
                 all.looks.push_back(std::move(look));

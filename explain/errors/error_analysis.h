@@ -56,6 +56,7 @@ struct ErrorAnalysis {
 
 // All errors of a range.
 struct Errors {
+    bool areLookedAt = false;             // there are graphs of error codes
     std::vector<ErrorLook> looks;         // in the order of the columns
     std::vector<ErrorAnalysis> analyses;  // what still goes on first, then the latest
 };

@@ -50,7 +50,7 @@ std::vector<Healing> HealingsIn(const Window& window) {
     std::vector<Healing> healings;
     for (size_t i = 0; i + COLUMNS <= cells.size(); i += COLUMNS) {
         std::string seconds;
-        if (TransDateToTime(cells[i], seconds) == 0) {
+        if (TransDateToTime(cells[i], seconds) == 0 && !cells[i + 1].empty()) {
             Healing& healing = healings.emplace_back();
             healing.time = FaultToInt64(seconds);
             healing.node = FaultToInt64(cells[i + 1]);

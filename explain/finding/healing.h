@@ -24,7 +24,8 @@ struct Healing {
 constexpr int64_t HEALING_LOOK_BACK = 3600;
 
 // All healings of a stretch of time, of all nodes and kinds, in the order of time. Blocks on the heal
-// database, which may be without the table: then there are none. Throws NoData when it cannot be read, and
+// database, which may be without the table: then there are none. Rows without a time or a node, which the
+// plug-in does not find either, are left out. Throws NoData when the database cannot be read, and
 // std::invalid_argument for a node that is no number.
 std::vector<Healing> HealingsIn(const Window& window);
 

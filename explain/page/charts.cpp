@@ -89,10 +89,9 @@ public:
     }
 
     Markup Draw() const {
-        return Shades() + DelayAxis() + TimeAxis() + UsualLine() +
+        return Shades() + DelayAxis() + TimeAxis() + UsualLine() + Healings() +
                Element("path", {{"class", frame.isCounts ? "series counts" : "series"},
-                                {"d", frame.isCounts ? Sticks() : Outline()}}) +
-               Healings();
+                                {"d", frame.isCounts ? Sticks() : Outline()}});
     }
 
 private:

@@ -84,7 +84,7 @@ svg text { fill: var(--ink); }
 .usual { fill: none; stroke: var(--quiet); stroke-width: 1; stroke-dasharray: 6 4; }
 .series { fill: none; stroke: var(--cool); stroke-width: 1.4; stroke-linejoin: round; stroke-linecap: round; }
 .counts { stroke: var(--hot); stroke-width: 2; stroke-linecap: butt; }
-.healing { fill: var(--good); stroke: var(--good); stroke-width: 1; }
+.healing { fill: var(--good); stroke: var(--good); stroke-width: 0.7; }
 .healing-key { color: var(--good); }
 svg .label { fill: var(--quiet); }
 svg .hot { fill: var(--hot); font-weight: bold; }

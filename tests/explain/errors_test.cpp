@@ -3,8 +3,12 @@
 
 #include <cmath>
 
+#include "agent/agent_storage.h"
+#include "explain/errors/count_chance.h"
 #include "explain/errors/error_division.h"
 #include "explain/errors/intervals.h"
+#include "fault_spectrum_graph/fault_json_object.h"
+#include "tests/support/temp_world.h"
 
 namespace explain {
 namespace {
@@ -48,6 +52,14 @@ TEST(ErrorEvents, TellsRunsThatTheRestDoesNotExplain) {
         {"a trickle", {{0, 599, 4, 1}}, {}},
         {"more than a trickle", {{0, 599, 4, 1}, {500, 509, 1, 9}}, {{500, 509}}},
         {"bursts that come back", {{10, 599, 60, 100}, {11, 599, 60, 100}}, {}},
+        {"the largest of some",
+         {{20, 20, 1, 20},
+          {90, 90, 1, 15},
+          {150, 150, 1, 12},
+          {210, 210, 1, 25},
+          {260, 590, 66, 8},
+          {500, 500, 1, 60}},
+         {}},
         {"the same once before", {{100, 103, 1, 125}, {500, 503, 1, 125}}, {{100, 103}, {500, 503}}},
         {"flapping", {{500, 550, 4, 200}, {501, 551, 4, 200}}, {{500, 549}}},
         {"two bursts, near each other", {{500, 500, 1, 200}, {512, 512, 1, 180}}, {{500, 500}, {512, 512}}},
@@ -128,8 +140,8 @@ TEST(ErrorDivision, GivesThePointsTheirOwnErrors) {
         {"under another type, as its errors reach the hosts",
          {{"top", {1, 2}, 100}, {"a", {}, 100, 1, 10, false, true}, {"b", {}, 100, 1}},
          {"top: a 100 top 0"}},
-        {"but nothing above it counts them so",
-         {{"top", {1}, 9, 1, 10, false, true}, {"low", {}, 9}},
+        {"but not where nothing above them counts them so",
+         {{"top", {1}, 9, 1, 10, false, true}, {"mid", {2}, 9, 1, 10, false, true}, {"low", {}, 9}},
          {"low: low 100"}},
         {"seen at two points", {{"a", {2}, 30}, {"b", {2}, 90}, {"low", {}, 120}}, {"b a: low 100 a 0 b 0"}},
         {"at another time", {{"top", {1}, 100}, {"low", {}, 100, 0, 20}}, {"top: top 100", "low: low 100"}},
@@ -169,6 +181,36 @@ TEST(ErrorDivision, GivesThePointsTheirOwnErrors) {
         }
         EXPECT_EQ(told, row.told) << row.what;
     }
+}
+
+// Each node: name<counted, + for one that follows, its children; behind them the hand-overs.
+TEST(ErrorGraph, ReadsAllGraphsAsOneAndThoseThatContinueThem) {
+    TempWorld world;
+    world.Write(ZORV_ROUTE_CONFIG_FILE, R"({
+        "ERRCODE_SAN_PROTO": {"edges": [{"source": "1", "target": "2"}, {"source": "2", "target": "3"}, {"source": "9", "target": "3"}],
+            "nodes": [{"id": 1, "label": "top", "info": {"attr": "whole automic", "qname": "other"}},
+                      {"id": 2, "label": "group", "description": "A MODULE", "info": {"attr": "automic", "qname": "other"}},
+                      {"id": 3, "label": "low", "info": {"attr": "automic follow", "qname": "counter", "subGraph": "BELOW"}}]},
+        "ERRCODE_BLOCK": {"edges": [{"source": "7", "target": "8"}],
+            "nodes": [{"id": 7, "label": "low", "info": {"suggestion": "mend it"}}, {"id": 8, "label": "more"}]},
+        "BELOW": {"edges": [{"source": "5", "target": "6"}],
+            "nodes": [{"id": 5, "label": "root"}, {"id": 6, "label": "more"}]},
+        "UNNAMED": {"edges": [], "nodes": [{"id": 1, "label": "nobody"}]}})");
+    ASSERT_EQ(FaultJsonObject::GetInstance().ParseJsonConfig(world.Path(ZORV_ROUTE_CONFIG_FILE)), 0U);
+    const ErrorGraph graph = ReadErrorGraph();
+    std::string text;
+    for (const ErrorNode& node : graph.nodes) {
+        text += node.point + "<" + node.counted + (node.followsParent ? "+" : "") + node.advice;
+        for (const size_t child : node.children) {
+            text += " " + graph.nodes[child].point;
+        }
+        text += "; ";
+    }
+    for (const auto& [from, to] : graph.handOvers) {
+        text += graph.nodes[from].point + ">" + graph.nodes[to].point;
+    }
+    EXPECT_EQ(text,
+              "top<top group; group< low; low<counter+mend it more; more<more; root<root more; low>root");
 }
 
 }  // namespace
