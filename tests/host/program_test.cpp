@@ -108,6 +108,10 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "  switch get | set on|on-silent|off [--json]: show or set the cluster's fault diagnosis switch.\n"
          "  explain [OPTIONS] START END | MINUTES: where the extra delay of slow points goes; --help tells "
          "more.\n"
+         "  overview [START END | MINUTES]: the last four hours, or a range, on one screen: points, errors, "
+         "healings, events.\n"
+         "  series POINT [--columns NAMES] START END | MINUTES: the rows that the statistics have of a "
+         "point.\n"
          "  check [OPTIONS] [FILE]: what is wrong with the configuration's graphs; --help tells more.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
