@@ -22,14 +22,15 @@ def label(number):
     return f"POINT_{number}" if number else "TGT_LUMO_HOST_READ"
 
 
-def write_configuration(file):
+def write_configuration(file, has_errors):
     nodes = [{"id": i + 1, "label": label(i), "name": label(i), "info": {}} for i in range(POINTS)]
     edges = [{"source": str((i - 1) // CHILDREN + 1), "target": str(i + 1)} for i in range(1, POINTS)]
     file.parent.mkdir(parents=True)
-    file.write_text(json.dumps({"SAN_IO_READ": {"nodes": nodes, "edges": edges}}))
+    names = ["SAN_IO_READ", *(["ERRCODE_SAN_PROTO"] if has_errors else [])]
+    file.write_text(json.dumps({name: {"nodes": nodes, "edges": edges} for name in names}))
 
 
-def write_world(bin_dir, root):
+def write_world(bin_dir, root, has_errors):
     data = root / "VRA/data/lumo/lumo_diagnose_data.db"
     heal = root / "VRA/data/zorv/zorv_heal.db"
     for file in (data, heal):
@@ -39,7 +40,7 @@ def write_world(bin_dir, root):
         changed = connection.execute(f"update {TABLE} set avgdelay = avgdelay + {SLOWER} where locateid % 2 = 0"
                                      " and curtime >= ? and curtime < ?", (EVENT[0], sum(EVENT))).rowcount
         assert changed == POINTS // 2 * 4, changed
-    write_configuration(root / "VRA/zorv/conf/route_config.json")
+    write_configuration(root / "VRA/zorv/conf/route_config.json", has_errors)
 
 
 def seconds(bin_dir, root):
@@ -57,10 +58,11 @@ def main():
     parser.add_argument("--bin", type=pathlib.Path, default="build/release/bin")
     parser.add_argument("--other", type=pathlib.Path, help="the folder of another build's programs")
     parser.add_argument("--times", type=int, default=5)
+    parser.add_argument("--errors", action="store_true", help="the points stand in a graph of error codes as well")
     options = parser.parse_args()
     builds = [options.bin, options.other] if options.other else [options.bin]
     with tempfile.TemporaryDirectory() as root:
-        write_world(options.bin, pathlib.Path(root))
+        write_world(options.bin, pathlib.Path(root), options.errors)
         times = [[seconds(build, root) for build in builds] for _ in range(options.times)]
     medians = [statistics.median(column) for column in zip(*times)]
     print(*(f"{build}: {median:.2f} s" for build, median in zip(builds, medians)))

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "explain/wording.h"
 #include "text/printable.h"
 #include "text/time_words.h"
 
@@ -41,6 +42,9 @@ void Declare(CLI::App& app, Options& options) {
     cli::SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES | --watch");
     app.footer(EXAMPLES);
     app.set_version_flag("--version", "zorv-explain " EXPLAIN_VERSION);
+    app.add_flag_callback(
+        "--help-method", [] { throw CLI::CallForVersion(GlossaryOf(), 0); },
+        "Tell what the words of an answer mean and exit");
     cli::DeclareInputOptions(app, options);
     CLI::Option* point = app.add_option("--point", options.points,
                                         "A point to explain, or 'hosts'; may be given several times")

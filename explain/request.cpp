@@ -8,6 +8,7 @@
 #include "explain/wording.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
+#include "text/nearest_name.h"
 
 namespace explain {
 namespace {
@@ -121,7 +122,11 @@ std::vector<std::string> Request::GraphsOf(const std::string& point) const {
     }
     const auto [first, last] = g_mapPointSubPoints.equal_range(point);
     if (first == last) {
-        throw cli::UsageError("no graph is known for " + point + ": name one with --graph");
+        std::vector<std::string> known;
+        std::transform(g_mapPointSubPoints.begin(), g_mapPointSubPoints.end(), std::back_inserter(known),
+                       [](const auto& entry) { return entry.first; });
+        throw cli::UsageError("no graph is known for " + point + ": name one with --graph" +
+                              DidYouMean(point, known));
     }
     std::vector<std::string> graphs;
     std::transform(first, last, std::back_inserter(graphs), [](const auto& entry) { return entry.second; });

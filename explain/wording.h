@@ -98,9 +98,11 @@ std::string AnswerOf(const Analysis& analysis, const Report& report, const Figur
 // without an event.
 std::string SinceOf(const Analysis& analysis, const Report& report);
 
-// What the graph advises for the point that is named, behind the words that lead to it; empty when nothing.
+// What the graph advises for each point that holds more than a tenth of the extra delay, the largest first,
+// behind the words that lead to it; with the point's name where that is not the one that the answer names
+// alone.
 constexpr const char* ADVICE_LEAD = "What to do: ";
-std::string AdviceOf(const Analysis& analysis);
+std::vector<std::string> AdvicesOf(const Analysis& analysis);
 
 // The answer as the line of a list, "BDM_DISK_READ 97.3 %, sure"; and the event's time there.
 std::string BriefOf(const Analysis& analysis, const Figures& figures);
@@ -222,7 +224,14 @@ std::string AlsoListed(const Report& report, size_t position);
 // Why the detector is silent on the event that is explained; empty when it is not.
 std::string SilenceOf(const Analysis& analysis);
 
-// What was looked at: the range, how much of it has rows, what is missing, and how many flags say anything.
+// How many flags of the range would be there by chance, and so what one of them says; empty where there are
+// no samples. It concerns the whole range and stands behind all answers.
+std::string ChanceOf(const Report& report);
+
+// What the words of an answer mean, each on a line.
+std::string GlossaryOf();
+
+// What was looked at: the range, how much of it has rows, and what is missing.
 Facts BasisOf(const Report& report);
 
 // The whole answer where no point is slow: an all clear only where the whole range was looked at.

@@ -15,7 +15,7 @@
 #include "host/capture/inputs.h"
 #include "host/cluster/cluster_file.h"
 #include "host/cluster/message.h"
-#include "host/console/status.h"
+#include "host/command/status.h"
 #include "host/options.h"
 #include "host/plugin.h"
 #include "host/process/leak_check.h"

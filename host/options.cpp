@@ -5,7 +5,7 @@
 #include <iostream>
 #include <map>
 
-#include "host/console/status.h"
+#include "host/command/status.h"
 #include "host/version.h"
 #include "text/printable.h"
 

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 
 #include "text/local_time.h"
@@ -21,7 +22,12 @@ constexpr std::string_view DIGITS = "0123456789";
 bool IsKnownName(const std::string& name) {
     const char* const directory = std::getenv("TZDIR");
     const std::string folder = directory == nullptr ? "/usr/share/zoneinfo" : directory;
-    std::ifstream file(name.front() == '/' ? name : folder + '/' + name, std::ios::binary);
+    const std::string path = name.front() == '/' ? name : folder + '/' + name;
+    std::error_code ignored;
+    if (!std::filesystem::is_regular_file(path, ignored)) {  // a pipe would be waited for
+        return false;
+    }
+    std::ifstream file(path, std::ios::binary);
     std::array<char, 4> start{};
     file.read(start.data(), start.size());
     return file && std::string_view(start.data(), start.size()) == "TZif";

@@ -1,6 +1,7 @@
 #include "explain/analysis/graph_world.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "fault_spectrum_graph/fault_causality_graph.h"
 #include "fault_spectrum_graph/fault_json_object.h"
@@ -24,7 +25,10 @@ public:
         const auto top = std::find_if(nodes.begin(), nodes.end(),
                                       [&](const auto& entry) { return entry.second.locName == point; });
         if (top == nodes.end()) {
-            throw NoData({ReasonKind::NO_POINT_IN_GRAPH, 0, 0, point, graph});
+            std::vector<std::string> known;
+            std::transform(nodes.begin(), nodes.end(), std::back_inserter(known),
+                           [](const auto& entry) { return entry.second.locName; });
+            throw NoData({ReasonKind::NO_POINT_IN_GRAPH, 0, 0, point, graph, 0, 0, 0, std::move(known)});
         }
         Add(graph, top->first);
         for (size_t next = 0; next < world.nodes.size(); ++next) {

@@ -39,7 +39,8 @@ struct CountEvent : CountRun {
 std::vector<CountEvent> FindCountEvents(const IntervalCounts& counts, const CountFrame& frame);
 
 // The natural logarithm of the probability that, of `count` + `others` errors that fall on intervals alike,
-// `count` or more fall on `length` intervals and not on the `rest`. The counts need not be whole.
+// `count` or more fall on `length` intervals and not on the `rest`. The counts need not be whole. 0 where
+// `count` is no more than about what is expected.
 double LogChance(double count, double others, double length, double rest);
 
 }  // namespace explain

@@ -1,6 +1,7 @@
 #include "explain/errors/error_division.h"
 
 #include <algorithm>
+#include <iterator>
 #include <numeric>
 
 namespace explain {
@@ -96,6 +97,18 @@ std::vector<std::vector<NodeEvent>> Grouped(const std::vector<NodeEvent>& events
         groups.push_back(std::move(members));
     }
     return groups;
+}
+
+// Without what is counted under another type and stands below nothing that is counted under this one: there
+// it does not show as errors of this type.
+std::vector<NodeEvent> OfType(const std::vector<NodeEvent>& group, const Below& below, size_t column) {
+    std::vector<NodeEvent> kept;
+    std::copy_if(group.begin(), group.end(), std::back_inserter(kept), [&](const NodeEvent& one) {
+        return one.column == column || std::any_of(group.begin(), group.end(), [&](const NodeEvent& above) {
+                   return above.column == column && below.at(above.node)[one.node];
+               });
+    });
+    return kept;
 }
 
 // The points of an incident, each with all its events there.
@@ -199,10 +212,7 @@ std::vector<Incident> DivideErrors(const ErrorGraph& graph, const ErrorFindings&
     const Below below = BelowOf(graph, events);
     std::vector<Incident> incidents;
     for (const std::vector<NodeEvent>& group : Grouped(events, below)) {
-        // Errors that other points count under other types are no errors of this type by themselves.
-        if (std::any_of(group.begin(), group.end(),
-                        [=](const NodeEvent& one) { return one.column == column; })) {
-            std::vector<IncidentPoint> points = PointsOf(group);
+        if (std::vector<IncidentPoint> points = PointsOf(OfType(group, below, column)); !points.empty()) {
             const std::vector<size_t> topmost = TopmostOf(points, below);
             Divide(graph, topmost, points);
             incidents.push_back(Ranked(points, topmost));

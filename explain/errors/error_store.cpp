@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* COLUMNS = "locateid, curtime, errCode0, errCode1, errCode2, errCode3, errCode4";
 constexpr const char* LAST_COLUMN = "errCode4";
+// Stands first: most rows have none, so that nothing else is looked at.
 constexpr const char* HAS_ERRORS =
     "(errCode0 > 0 or errCode1 > 0 or errCode2 > 0 or errCode3 > 0 or errCode4 > 0)";
 constexpr int32_t CELLS = 2 + static_cast<int32_t>(ERROR_COLUMNS);
@@ -107,14 +108,17 @@ std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Par
     const std::multimap<int64_t, std::string> names = PointNumbers(points);
     size_t taken = 0;
     for (const SampleStore::Part& part : parts) {
+        if (names.empty()) {
+            return errors;
+        }
         if (!part.tables.empty()) {
             CheckColumns(part.tables.front());
         }
         for (const std::string& table : part.tables) {
             const std::vector<int64_t> numbers =
-                Ask(std::string("select ") + COLUMNS + " from " + table +
-                        " where curtime >= " + std::to_string(part.stretch.start) +
-                        " and curtime <= " + std::to_string(part.stretch.end) + " and " + HAS_ERRORS + ";",
+                Ask(std::string("select ") + COLUMNS + " from " + table + " where " + HAS_ERRORS +
+                        " and curtime >= " + std::to_string(part.stretch.start) +
+                        " and curtime <= " + std::to_string(part.stretch.end) + ";",
                     TakeNumbers)
                     .numbers;
             taken += numbers.size() / static_cast<size_t>(CELLS);

@@ -6,6 +6,7 @@
 #include <exception>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace explain {
 
@@ -52,7 +53,8 @@ struct Reason {
     std::string graph = {};    // of the point
     int64_t from = 0;          // UTC
     int64_t until = 0;
-    int64_t zoneOffset = 0;  // seconds east of UTC
+    int64_t zoneOffset = 0;               // seconds east of UTC
+    std::vector<std::string> known = {};  // what the subject could have been
 };
 
 // Thrown when there is nothing to work on: no such graph, no such point in it, no rows, no database.

@@ -32,8 +32,9 @@ Markup Answer(const Analysis& analysis, const Report& report) {
     Markup box = Element("p", {{"class", "verdict"}}, Text(AnswerOf(analysis, report, PAGE_FIGURES)));
     const std::string since = SinceOf(analysis, report);
     box += since.empty() ? Markup() : Element("p", since);
-    const std::string advice = AdviceOf(analysis);
-    box += advice.empty() ? Markup() : Element("p", Element("strong", ADVICE_LEAD) + Text(advice));
+    for (const std::string& advice : AdvicesOf(analysis)) {
+        box += Element("p", Element("strong", ADVICE_LEAD) + Text(advice));
+    }
     return Element("div", {{"class", "answer"}}, box + Quiet(ModulesOf(analysis, PAGE_FIGURES)));
 }
 

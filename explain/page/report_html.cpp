@@ -138,6 +138,9 @@ std::string HtmlReport(const Report& report) {
     }
     body += report.analyses.empty() ? Markup() : ErrorSections(report);
     body += HealingsSection(report);
+    if (const std::string chance = ChanceOf(report); !chance.empty()) {
+        body += Element("section", Element("h2", "Chance") + Element("p", chance));
+    }
     const Window& range = report.question.range;
     const std::string when = LocalTimes(range.start, range.end, report.zoneOffset);
     const Markup header = Element(

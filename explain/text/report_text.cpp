@@ -68,7 +68,11 @@ std::string Headline(const Analysis& analysis, const Report& report) {
         text += line.empty() ? "" : Paragraph(lead, Printable(line, MOST_ADVICE));
     };
     add("", SinceOf(analysis, report));
-    add(ADVICE_LEAD, AdviceOf(analysis));
+    const char* lead = ADVICE_LEAD;
+    for (const std::string& advice : AdvicesOf(analysis)) {
+        add(lead, advice);
+        lead = "            ";
+    }
     add("", ModulesOf(analysis, FIGURES));
     return analysis.verdict == Verdict::NOTHING ? text + LargestText(report, analysis.point) : text;
 }
@@ -202,7 +206,8 @@ std::string TextReport(const Report& report) {
         text += (areSeveral ? "\n" + ErrorHeadline(analysis, report, FIGURES) : "") +
                 ErrorDetails(analysis, report);
     }
-    return text;
+    const std::string chance = ChanceOf(report);
+    return text + (chance.empty() ? "" : Title("Chance") + Paragraph("  ", chance));
 }
 
 }  // namespace explain

@@ -9,12 +9,13 @@ namespace {
 
 constexpr double MAJORITY = 0.5;
 constexpr double LEAST_TOLD = 0.0005;  // that does not read as 0.0 %
+constexpr double ADVISED = 0.1;        // of the extra delay: worth a look
 constexpr double CLOSE = 0.05;         // shares that differ by less are nearly equal
 
 // A reason behind what it is a reason for. What others say in it may end as it likes.
 std::string AnswerFor(const std::string& what, const Reason& reason) {
     const std::string sentence = SentenceOf(reason);
-    return what + ": " + sentence + (sentence.back() == '.' ? "" : ".");
+    return what + ": " + sentence + (sentence.back() == '.' || sentence.back() == '?' ? "" : ".");
 }
 
 bool IsSingle(const Event& event) {
@@ -115,8 +116,20 @@ std::string SinceOf(const Analysis& analysis, const Report& report) {
            ".";
 }
 
-std::string AdviceOf(const Analysis& analysis) {
-    return analysis.verdict == Verdict::POINT && !analysis.isWeak ? analysis.candidates.front().advice : "";
+std::vector<std::string> AdvicesOf(const Analysis& analysis) {
+    std::vector<std::string> advices;
+    if (analysis.verdict != Verdict::POINT || analysis.isWeak) {
+        return advices;
+    }
+    const std::vector<Candidate>& all = analysis.candidates;
+    const bool isOne = all.size() == 1 || all[1].share <= ADVISED;
+    for (const Candidate& candidate : all) {
+        const bool isFirst = &candidate == &all.front();
+        if (!candidate.advice.empty() && (isFirst || candidate.share > ADVISED)) {
+            advices.push_back((isOne ? "" : candidate.point + ": ") + candidate.advice);
+        }
+    }
+    return advices;
 }
 
 std::string BriefOf(const Analysis& analysis, const Figures& figures) {

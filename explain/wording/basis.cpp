@@ -26,12 +26,6 @@ std::string RowsOf(const Report& report) {
     return text;
 }
 
-std::string FlagsOf(const ChanceFlags& flags) {
-    return std::to_string(flags.flagged) + " of " + Counted(flags.samples, "sample") +
-           " lie beyond three deviations, the detector's bound; of as many without any fault " +
-           Fixed(flags.expected, 1) + " would by chance";
-}
-
 }  // namespace
 
 std::string NewestOf(const Report& report) {
@@ -66,9 +60,6 @@ Facts BasisOf(const Report& report) {
     facts.push_back({"rows", RowsOf(report)});
     if (const std::string missing = MissingOf(report); !missing.empty()) {
         facts.push_back({"missing", missing});
-    }
-    if (report.flags.samples > 0) {
-        facts.push_back({"flags", FlagsOf(report.flags)});
     }
     const Facts errors = ErrorFactsOf(report);
     facts.insert(facts.end(), errors.begin(), errors.end());

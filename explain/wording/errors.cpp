@@ -59,7 +59,7 @@ std::string AnswerOf(const ErrorAnalysis& analysis, const Figures& figures) {
     const std::string who = first.point + " (" + first.graph + ")" + CountedAs(first);
     if (analysis.points.size() == 1) {
         return who + " counts " + ManyErrors(first.extra) +
-               " more than usual, and no point above or below it does.";
+               " more than usual. No point above or below it does of this type.";
     }
     const std::string holds = figures.share(first.share) + " of the extra errors";
     return NamesEntry(analysis)

@@ -4,6 +4,7 @@
 
 #include "explain/finding/reason.h"
 #include "explain/wording.h"
+#include "text/nearest_name.h"
 
 namespace explain {
 namespace {
@@ -28,7 +29,7 @@ constexpr struct {
     {ReasonKind::NO_REQUEST_COUNTS,
      "an observation point: without request counts there is nothing to divide"},
     {ReasonKind::NO_GRAPH, "the configuration has no graph {subject}"},
-    {ReasonKind::NO_POINT_IN_GRAPH, "the graph {graph} has no point {subject}"},
+    {ReasonKind::NO_POINT_IN_GRAPH, "the graph {graph} has no point {subject}{nearest}"},
     {ReasonKind::NO_ROWS_OF_POINT, "there are no rows of {subject} in the range"},
     {ReasonKind::NO_ROWS_OF_DETECTOR, "there are no rows of the detector's points in the range"},
     {ReasonKind::FEW_ROWS_OF_DETECTOR,
@@ -66,6 +67,7 @@ std::string Filled(std::string_view name, const Reason& reason, size_t most) {
            : name == "from"      ? LocalTime(reason.from, reason.zoneOffset)
            : name == "until"     ? LocalTime(reason.until, reason.zoneOffset)
            : name == "zone"      ? ZoneText(reason.zoneOffset)
+           : name == "nearest"   ? DidYouMean(reason.subject, reason.known)
            : name == "option"    ? ZoneOption(reason.zoneOffset)
                                  : reason.subject;
 }

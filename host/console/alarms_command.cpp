@@ -14,10 +14,10 @@
 
 #include "agent/agent_console.h"
 #include "host/console/commands.h"
-#include "host/console/document.h"
 #include "host/process/files.h"
 #include "host/process/settings.h"
 #include "host/services/alarm.h"
+#include "host/state/document.h"
 #include "text/local_time.h"
 #include "text/printable.h"
 

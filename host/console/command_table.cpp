@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "host/console/commands.h"
-#include "host/console/document.h"
 #include "host/console/registered_commands.h"
+#include "host/state/document.h"
 #include "text/nearest_name.h"
 #include "text/printable.h"
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // The registered ones come first, in the order of their registration. Any thread, as for all of these.

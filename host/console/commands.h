@@ -2,12 +2,7 @@
 // contract of Command::run and Command::wordsAfter.
 #pragma once
 
-#include <json/forwards.h>
-
-#include <cstdint>
-#include <string>
-
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // Lists the commands, or prints the whole help of one.
@@ -27,21 +22,6 @@ ExitStatus RunAlarms(const Words& words, ConsoleState& state);
 // when that node did not answer or could not store the value.
 ExitStatus RunSwitch(const Words& words, ConsoleState& state);
 Words WordsAfterSwitch(const Words& before);
-
-// The value of the switch that the plug-in obeys, and where it comes from.
-struct SwitchInUse {
-    enum Origin { MASTER, FILE_OF_NODE, DEFAULT };
-    int32_t number = 0;
-    Origin origin = DEFAULT;
-    bool masterAnswers = true;
-};
-
-// Blocks as above; never throws for a node that does not answer.
-SwitchInUse AskSwitch();
-
-// What the value means and where it comes from; the same as a part of a document.
-std::string TextOf(const SwitchInUse& inUse);
-Json::Value ValueOf(const SwitchInUse& inUse);
 
 // Runs the program that explains why a point was slow, which lies beside this one, with the shared options
 // and the arguments. It prints to this process's streams, reads nothing, and gets the terminal's signals.

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // Belongs to one thread, the console's.

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // Runs it with the shared options and the arguments, without standard input, and waits for its end; it gets

@@ -1,7 +1,7 @@
 // What a command's answer does not tell.
 #pragma once
 
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // For a delaydetect command that flagged nothing: tells on stderr when zorv-explain sees an event in its

@@ -4,8 +4,8 @@
 
 #include "host/basis/answer_basis.h"
 #include "host/basis/route_file.h"
+#include "host/command/known_commands.h"
 #include "host/console/hint.h"
-#include "host/console/known_commands.h"
 #include "host/process/error_lines.h"
 #include "host/services/console.h"
 #include "text/nearest_name.h"

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "host/console/command.h"
+#include "host/command/command.h"
 
 namespace zorv {
 // In the order of their registration. Any thread.

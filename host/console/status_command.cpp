@@ -1,10 +1,10 @@
 #include <sstream>
 
 #include "agent/agent_console.h"
-#include "host/console/columns.h"
+#include "host/command/columns.h"
 #include "host/console/commands.h"
-#include "host/console/document.h"
-#include "host/console/host_status.h"
+#include "host/state/document.h"
+#include "host/state/host_status.h"
 #include "text/counted.h"
 #include "text/local_time.h"
 #include "text/printable.h"

@@ -1,7 +1,7 @@
 // The words that can follow on a command line.
 #pragma once
 
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 
 namespace zorv {
 // The words that can follow `words`, which may be empty: commands, their words, points and graphs. The

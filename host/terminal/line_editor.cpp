@@ -9,33 +9,19 @@
 #include <stdexcept>
 #include <utility>
 
-#include "host/console/columns.h"
+#include "host/command/columns.h"
 #include "host/process/colour.h"
 #include "host/process/leak_check.h"
 #include "host/services/log.h"
+#include "host/terminal/characters.h"
 #include "text/printable.h"
 
 namespace zorv {
 namespace {
-constexpr int PROMPT_WIDTH = 6;
 constexpr char LITERAL = '\1';  // around what does not move the cursor
-
-char* Prompt(EditLine* /*editor*/) {
-    static char prompt[] = "zorv> ";
-    return prompt;
-}
-
+constexpr const char* PROMPT = "zorv> ";
 // The editor loses an escape sequence at a prompt's very end.
-char* BoldPrompt(EditLine* /*editor*/) {
-    static char prompt[] = "\1\x1b[1m\1zorv>\1\x1b[0m\1 ";
-    return prompt;
-}
-
-LineEditor* OwnerOf(EditLine* editor) {
-    LineEditor* owner = nullptr;
-    el_get(editor, EL_CLIENTDATA, &owner);
-    return owner;
-}
+constexpr const char* BOLD_PROMPT = "\1\x1b[1m\1zorv>\1\x1b[0m\1 ";
 
 std::string CommonStart(const Words& words) {
     std::string start = words.front();
@@ -46,22 +32,6 @@ std::string CommonStart(const Words& words) {
     return start;
 }
 
-// The characters of `text` in this process's locale, up to the first that is none, or is not whole.
-std::wstring Wide(const std::string& text) {
-    std::wstring characters;
-    std::mbstate_t state{};
-    for (size_t at = 0; at < text.size();) {
-        wchar_t character = 0;
-        const size_t used = std::mbrtowc(&character, text.data() + at, text.size() - at, &state);
-        if (used == 0 || used > text.size()) {
-            break;
-        }
-        characters += character;
-        at += used;
-    }
-    return characters;
-}
-
 // Leaves the words that begin with `start`, sorted.
 void KeepMatching(Words& words, const std::string& start) {
     const auto differs = [&](const std::string& word) { return word.compare(0, start.size(), start) != 0; };
@@ -69,12 +39,6 @@ void KeepMatching(Words& words, const std::string& start) {
     std::sort(words.begin(), words.end());
 }
 
-// The columns that the editor shows a character in.
-int WidthOf(wchar_t character) {
-    constexpr int OF_A_CONTROL_CHARACTER = 2;
-    const int width = wcwidth(character);
-    return width < 0 ? OF_A_CONTROL_CHARACTER : width;
-}
 }  // namespace
 
 LineEditor::LineEditor(FILE* shownOn, const std::string& historyPath, Completer wordsAfter)
@@ -100,11 +64,8 @@ LineEditor::LineEditor(FILE* shownOn, const std::string& historyPath, Completer 
 void LineEditor::Bind() {
     EditLine* const handle = editor.get();
     el_set(handle, EL_CLIENTDATA, this);
-    if (WantsColour(fileno(screen))) {
-        el_set(handle, EL_PROMPT_ESC, &BoldPrompt, LITERAL);
-    } else {
-        el_set(handle, EL_PROMPT, &Prompt);
-    }
+    usualPrompt = prompt = WantsColour(fileno(screen)) ? BOLD_PROMPT : PROMPT;
+    el_set(handle, EL_PROMPT_ESC, &LineEditor::Prompt, LITERAL);
     el_set(handle, EL_EDITOR, "emacs");
     el_set(handle, EL_HIST, &::history, history.get());
     el_set(handle, EL_GETCFN, &LineEditor::ReadCharacter);
@@ -116,6 +77,18 @@ void LineEditor::Bind() {
     el_set(handle, EL_BIND, "^C", "zorv-drop-line", nullptr);
     el_set(handle, EL_ADDFN, "zorv-complete", "Complete the word", &LineEditor::CompleteWord);
     el_set(handle, EL_BIND, "^I", "zorv-complete", nullptr);
+    el_set(handle, EL_ADDFN, "zorv-search", "Search the lines before", &LineEditor::SearchLine);
+    el_set(handle, EL_BIND, "^R", "zorv-search", nullptr);
+}
+
+LineEditor* LineEditor::Owner(EditLine* editor) {
+    LineEditor* owner = nullptr;
+    el_get(editor, EL_CLIENTDATA, &owner);
+    return owner;
+}
+
+char* LineEditor::Prompt(EditLine* editor) {
+    return Owner(editor)->prompt.data();
 }
 
 std::optional<std::string> LineEditor::Read() {
@@ -152,7 +125,7 @@ void LineEditor::Remember(const std::string& line) {
 }
 
 int LineEditor::ReadCharacter(EditLine* editor, wchar_t* character) {
-    return Guarded("reading a key", -1, [=] { return OwnerOf(editor)->NextCharacter(character); });
+    return Guarded("reading a key", -1, [=] { return Owner(editor)->NextCharacter(character); });
 }
 
 // Shows what else is to be shown until there is a key; returns false when the process is to end.
@@ -219,9 +192,10 @@ int LineEditor::RowOfCursor() {
     const int columns = std::max(Number("co"), 2);
     const LineInfoW* const line = el_wline(editor.get());
     int row = 0;
-    int column = PROMPT_WIDTH;
-    for (const wchar_t* letter = line->buffer; letter < line->cursor; ++letter) {
-        const int width = WidthOf(*letter);
+    int column = 0;
+    const std::wstring shown = Wide(prompt == usualPrompt ? PROMPT : prompt);
+    for (const wchar_t letter : shown + std::wstring(line->buffer, line->cursor)) {
+        const int width = WidthOf(letter);
         const bool fits = column + width <= columns;
         row += fits ? 0 : 1;
         column = (fits ? column : 0) + width;
@@ -256,20 +230,25 @@ void LineEditor::PrintAbove(FILE* stream, const std::string& text) {
     el_set(editor.get(), EL_REFRESH);
 }
 
-unsigned char LineEditor::DropLine(EditLine* editor, int /*key*/) {
-    const LineInfoW* const line = el_wline(editor);  // the editor counts characters
+// What is typed is forgotten; the screen still shows it.
+void LineEditor::EraseTyped() {
+    const LineInfoW* const line = el_wline(editor.get());  // the editor counts characters
     const auto behind = static_cast<int>(line->lastchar - line->cursor);
     const auto length = static_cast<int>(line->lastchar - line->buffer);
-    el_cursor(editor, behind);
-    el_deletestr(editor, length);
+    el_cursor(editor.get(), behind);
+    el_deletestr(editor.get(), length);
+}
+
+unsigned char LineEditor::DropLine(EditLine* editor, int /*key*/) {
+    Owner(editor)->EraseTyped();
     el_insertstr(editor, "\n");
-    std::fputs("^C\n", OwnerOf(editor)->screen);
+    std::fputs("^C\n", Owner(editor)->screen);
     return CC_NEWLINE;
 }
 
 unsigned char LineEditor::CompleteWord(EditLine* editor, int /*key*/) {
     return Guarded("completion", static_cast<unsigned char>(CC_ERROR),
-                   [=] { return OwnerOf(editor)->Complete(); });
+                   [=] { return Owner(editor)->Complete(); });
 }
 
 unsigned char LineEditor::Complete() {
@@ -311,6 +290,6 @@ void LineEditor::ShowChoices(const Words& choices) {
     const std::string typed(line->buffer, line->lastchar);
     const auto width = static_cast<size_t>(std::max(Number("co"), 2) - 1);
     const auto height = static_cast<size_t>(std::max(Number("li") - OTHER_ROWS, 1));
-    PrintAbove(screen, Prompt(editor.get()) + Printable(typed) + '\n' + InColumns(choices, width, height));
+    PrintAbove(screen, PROMPT + Printable(typed) + '\n' + InColumns(choices, width, height));
 }
 }  // namespace zorv

@@ -8,8 +8,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 #include "host/terminal/history_file.h"
 #include "host/terminal/key_wait.h"
 
@@ -35,15 +36,22 @@ public:
 private:
     static unsigned char CompleteWord(EditLine* editor, int key);
     static unsigned char DropLine(EditLine* editor, int key);
+    static unsigned char SearchLine(EditLine* editor, int key);
+    static char* Prompt(EditLine* editor);
     static int ReadCharacter(EditLine* editor, wchar_t* character);
+    static LineEditor* Owner(EditLine* editor);
 
     void Bind();
     bool WaitForKey();
     int NextCharacter(wchar_t* character);
     unsigned char Complete();
+    unsigned char Search();
+    std::vector<std::string> LinesBefore();
+    void Show(const std::string& newPrompt, const std::string& line);
     void Insert(const std::wstring& rest);
     void ShowChoices(const Words& choices);
     void ClearTyped();
+    void EraseTyped();
     void PrintAbove(FILE* stream, const std::string& text);
     int Number(const char* capability);
     std::string Text(const char* capability);
@@ -62,6 +70,8 @@ private:
     const Completer completer;
     HistoryFile file;
     std::string lastLine;
+    std::string usualPrompt;
+    std::string prompt;           // that is shown
     std::optional<KeyWait> keys;  // while a line is typed
     const std::unique_ptr<History, HistoryEnd> history;
     const std::unique_ptr<EditLine, EditLineEnd> editor;

@@ -26,8 +26,9 @@ bool IsThere(const char* fixedPath) {
     return access(FaultPath(fixedPath).c_str(), R_OK) == 0;
 }
 
-// For what brings no event: one that was missed, the heal database, a file behind a link. A connection that
-// is open needs nothing: every answer is checked against the file at the path.
+// For what brings no event: one that was missed or dropped because too many waited, the heal database, a file
+// behind a link. A connection that is open needs nothing: every answer is checked against the file at the
+// path.
 void OpenIfMissed() {
     if (!FaultLumoDataBase().IsOpen() && IsThere(LUMO_DATABASE_FILE) && IsThere(ZORV_HEAL_DATABASE_FILE)) {
         FaultDataBaseInit();
@@ -91,9 +92,7 @@ private:
         inotify_event event{};
         memcpy(&event, bytes, sizeof(event));
         const char* name = bytes + sizeof(event);
-        if ((event.mask & IN_Q_OVERFLOW) != 0) {
-            OpenIfMissed();
-        } else if ((event.mask & IN_IGNORED) != 0 && event.wd == watch) {
+        if ((event.mask & IN_IGNORED) != 0 && event.wd == watch) {
             watch = -1;
         } else if (event.len > 0 && (event.mask & WATCHED_EVENTS) != 0 &&
                    strcmp(name, LUMO_DATABASE_NAME) == 0) {

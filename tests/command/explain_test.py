@@ -91,6 +91,8 @@ class Explain(ConsoleTest):
             (times[::-1], 2, "after the start"), (["20221231000000", times[1]], 2, "at most two days"),
             (["--zone", "+8", *times], 0, DISK), (["--zone", "+2500", *times], 2, "'\\+2500' is no zone"),
             ([*graph, *times], 2, "--graph requires --point"), (["--point", DISK, *times], 2, f"no graph is known for {DISK}"),
+            (["--help-method"], 0, "^  share +the part of it"), (["--point", POINT[:-2] + "DA", *times], 2, f"; did you mean '{POINT}'\\?$"),
+            (["--point", DISK + "D", *graph, *times], 3, f"; did you mean '{DISK}'\\?$"),
             ([*point, "--at", "noon", *times], 2, "'noon' is no time"),
             ([*point, "--at", "20230105000000", *times], 2, "--at is not within the range"),
             (["20230101000000", "20230102000000"], 3, "outside the statistics, which go from 2023-01-05 10:30:00"),

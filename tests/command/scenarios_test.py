@@ -82,6 +82,10 @@ class Scenarios(ConsoleTest):
                 self.assertTrue(not fault["walk"] or one["walk"]["point"] == fault["answer"], one["walk"])
             self.assertAlmostEqual(sum(node["share"] for node in one["nodes"]), 1, 6)
             self.assertIn(f"{first['share'] * 100:.1f} %  ", text)
+            advised = [each for each in one["candidates"] if each["share"] > 0.1]
+            for each in advised:
+                lead = "" if len(advised) == 1 else each["point"] + ": "
+                self.assertIn(" ".join((lead + each["advice"]).split()), " ".join(text.split()))
             self.assertIn(f"same point in {one['agreements']} of 6 baselines", text)
             self.assertEqual(one["walk"]["agrees"], one["walk"]["point"] == first["point"])
             peaks = [event["peak"] for event in one["events"]]

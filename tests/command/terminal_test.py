@@ -140,8 +140,14 @@ class OnTerminal(ConsoleTest):
         other.symlink_to(self.root / "not ours")
         session = Terminal(self.root, **kept)
         self.assertIn("switch get | set", session.type(UP + "\r"))
+        session.type("\x12p 9\x12", "search 'p 9': help 998")
+        session.type("x", "nothing has 'p 9x': ")
+        session.type("\x7f\r", "unknown command '999'")
+        session.until("zorv> ")
+        session.type("abc\x12swi\x07\r", "unknown command 'abc'")
+        session.until("zorv> ")
         session.leave()
-        self.assertEqual(len(file.read_text().splitlines()), 1000)
+        self.assertEqual(len(file.read_text().splitlines()), 1000 + 2)
         self.assertEqual((sorted(file.parent.iterdir()), other.exists()), ([file, other], False))
 
         held = open(file)
@@ -152,7 +158,7 @@ class OnTerminal(ConsoleTest):
             self.assertEqual("The history is not kept: " in session.screen, str(self.root) in path)
             session.type("help quit\r")
             session.leave()
-        self.assertFalse((self.root / "none").exists())
+        self.assertEqual([(self.root / name).exists() for name in ("none", DATABASE)], [False, False])
 
     def lock(self):
         database = sqlite3.connect(self.root / DATABASE, isolation_level=None)

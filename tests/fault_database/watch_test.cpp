@@ -68,6 +68,13 @@ TEST_F(Watch, ComesBackWithTheFolder) {
         EXPECT_TRUE(Eventually([&] { return FaultGetDataTimeRange(earliest) == 0 && earliest == number; }));
         number == "1" ? world.Remove(folder) : world.Rename(folder, "/VRA/data/old" + number);
     }
+    world.MakeFolder(folder);
+    const size_t failed = Agent()->Count("sqlite3_open faild:14");
+    EXPECT_TRUE(Eventually([&] {  // too short for anything but an event
+        world.Write(LUMO_DATABASE_FILE, "");
+        world.Remove(LUMO_DATABASE_FILE);
+        return Agent()->Count("sqlite3_open faild:14") > failed;
+    }));
 }
 
 // Neither the heal database nor the target of a link brings an event.

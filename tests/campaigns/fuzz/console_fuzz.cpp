@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "campaigns/fuzz/fuzz.h"
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 
 static bool IsControl(uint8_t letter) {
     return (letter < ' ' && letter != '\n' && letter != '\t') || letter == 0x7f;

@@ -6,7 +6,7 @@
 #include "fault_database/fault_database.h"
 #include "fault_debug/fault_debug.h"
 #include "fault_server/fault_diagnose.h"
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 #include "support/recording_agent.h"
 
 // Twelve samples are the fewest of which one can lie beyond three deviations; the other points have few.

@@ -1,4 +1,4 @@
-#include "host/console/help_words.h"
+#include "host/command/help_words.h"
 
 #include <algorithm>
 #include <cctype>

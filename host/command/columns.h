@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <string>
 
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 
 namespace zorv {
 // The words in columns, one below the other, on lines of at most `width` letters, each with its end. What

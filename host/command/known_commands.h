@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
-#include "host/console/command_line.h"
-#include "host/console/help_words.h"
+#include "host/command/command_line.h"
+#include "host/command/help_words.h"
 
 namespace zorv {
 // What an answer rests on.

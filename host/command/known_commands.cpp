@@ -1,4 +1,4 @@
-#include "host/console/known_commands.h"
+#include "host/command/known_commands.h"
 
 #include <map>
 #include <sstream>

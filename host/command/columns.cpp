@@ -1,4 +1,4 @@
-#include "host/console/columns.h"
+#include "host/command/columns.h"
 
 #include <algorithm>
 #include <numeric>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 
 namespace zorv {
 // What can stand at one place of a command line. Both empty: only the operator knows, as with a time.

@@ -1,4 +1,4 @@
-#include "host/console/host_status.h"
+#include "host/state/host_status.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

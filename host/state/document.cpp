@@ -1,4 +1,4 @@
-#include "host/console/document.h"
+#include "host/state/document.h"
 
 #include <json/writer.h>
 

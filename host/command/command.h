@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
-#include "host/console/command_line.h"
-#include "host/console/status.h"
+#include "host/command/command_line.h"
+#include "host/command/status.h"
 
 namespace zorv {
 // What a command may know and change of the console that runs it.

@@ -1,5 +1,5 @@
-#include "host/console/document.h"
-#include "host/console/host_status.h"
+#include "host/state/document.h"
+#include "host/state/host_status.h"
 #include "text/local_time.h"
 
 namespace zorv {

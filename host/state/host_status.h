@@ -10,9 +10,9 @@
 
 #include "host/basis/coverage.h"
 #include "host/basis/route_file.h"
-#include "host/console/commands.h"
 #include "host/services/alarm_counts.h"
 #include "host/services/startup.h"
+#include "host/state/switch_state.h"
 
 namespace zorv {
 struct FileStatus {

@@ -1,4 +1,4 @@
-#include "host/console/command_line.h"
+#include "host/command/command_line.h"
 
 namespace zorv {
 namespace {
