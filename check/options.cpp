@@ -22,7 +22,7 @@ what they name. A point is found when it is named with every seed. --strict: sta
 finds each point that counts requests.
 
 Exit status: 0 clean, or warnings and notes only; 1 errors, with --strict warnings too; 2 wrong usage; 3 the
-configuration, the database or the capture cannot be read.
+configuration, the database or the capture cannot be read, or a program for --plant fails.
 
 Examples:
   zorv-check route_config.json              a file that is being written
