@@ -19,6 +19,8 @@ constexpr const char* DESCRIPTION =
     "Explains many nodes, each by itself, and puts the answers together: which node, which point, since "
     "when.";
 
+constexpr size_t MOST_DIGITS = 4;  // of minutes
+
 constexpr const char* EXAMPLES = R"(
 A CAPTURE is a copy of a node's files, a folder or a tar archive (also compressed by gzip, xz or zstd). START and END,
 or MINUTES, follow the last word that is an existing path; zorv-explain --help tells how they are written.
@@ -77,14 +79,19 @@ void Declare(CLI::App& app, Options& options) {
 
 // That the times are times, before every node says that they are none.
 void CheckTimes(std::vector<std::string> times) {
-    TurnRange(times, 0, ClockAt(std::time(nullptr)));
-    const bool isRange = times.size() == 2;
-    const bool isMinutes = times.size() == 1 && times[0].find_first_not_of("0123456789") == std::string::npos;
-    if (!isRange && !isMinutes) {
-        throw cli::UsageError(times.empty() ? "START END, or MINUTES, is missing behind the last CAPTURE"
-                                            : "'" + times[0] +
-                                                  "' is neither a START with an END nor MINUTES, nor an "
-                                                  "existing path");
+    const LocalClock clock = ClockAt(std::time(nullptr));
+    TurnRange(times, 0, clock);
+    const bool isMinutes = times.size() == 1 && times[0].size() <= MOST_DIGITS &&
+                           times[0].find_first_not_of("0123456789") == std::string::npos;
+    if (times.size() == 2) {
+        if (TimeOf(times[0], clock) >= TimeOf(times[1], clock)) {
+            throw cli::UsageError("the end has to be after the start");
+        }
+    } else if (!isMinutes) {
+        throw cli::UsageError(times.empty()
+                                  ? "START END, or MINUTES, is missing behind the last CAPTURE"
+                                  : "'" + times[0] +
+                                        "' is neither a START with an END nor MINUTES, nor an existing path");
     }
 }
 

@@ -41,9 +41,16 @@ std::string NamesOf(const Outcome& outcome, const std::vector<size_t>& nodes) {
     return nodes.size() > MOST_NAMES ? names + " and " + Counted(nodes.size() - MOST_NAMES, "other") : names;
 }
 
+// Without the day where it is that of `start`.
+std::string EndOf(const Window& window, int64_t zoneOffset) {
+    const std::string start = LocalTime(window.start, zoneOffset);
+    const std::string end = LocalTime(window.end, zoneOffset);
+    return start.compare(0, DATE, end, 0, DATE) == 0 ? end.substr(std::min(end.size(), DATE + 1)) : end;
+}
+
 std::string SinceOf(const Window& window, bool isOngoing, int64_t zoneOffset) {
     return "since " + LocalTime(window.start, zoneOffset) +
-           (isOngoing ? ", still going on" : ", over since " + LocalTime(window.end, zoneOffset));
+           (isOngoing ? ", still going on" : ", over since " + EndOf(window, zoneOffset));
 }
 
 const Role& FirstOf(const Incident& incident) {
@@ -208,10 +215,7 @@ std::string BasisOf(const Outcome& outcome) {
 
 std::string TitleOf(const Incident& incident, const Outcome& outcome) {
     const int64_t zone = ZoneOf(incident, outcome);
-    const std::string start = LocalTime(incident.window.start, zone);
-    const std::string end = LocalTime(incident.window.end, zone);
-    const bool isSameDay = start.compare(0, DATE, end, 0, DATE) == 0;
-    return start + " to " + (isSameDay ? end.substr(std::min(end.size(), DATE + 1)) : end) +
+    return LocalTime(incident.window.start, zone) + " to " + EndOf(incident.window, zone) +
            (incident.isOngoing ? ", still going on; " : ", over; ") + Counted(incident.NodeCount(), "node");
 }
 

@@ -99,7 +99,7 @@ class Capture(ConsoleTest):
                 ("", None, ""), ("gzip", None, ""), ("xz", None, ""), ("zstd", None, ""),
                 ("", lambda: add("a/../../x"), refused), ("", lambda: add("/tmp/x"), refused),
                 ("", lambda: add("x", tarfile.SYMTYPE), refused),
-                ("", lambda: add("x", tarfile.LNKTYPE), refused),
+                ("", lambda: add("x", tarfile.LNKTYPE, 600), refused),
                 ("", lambda: add("x", tarfile.CHRTYPE), refused), ("", lambda: add("x", tarfile.FIFOTYPE), refused),
                 ("", lambda: [add(f"x{i}") for i in range(10000)], "has more than 10000 entries"),
                 ("xz", lambda: (packed.fileobj.truncate(0), packed.fileobj.seek(0), add("x", tarfile.REGTYPE, 1 << 27)), "unpacks to more than 200 times its size"),

@@ -143,7 +143,8 @@ class Fleet(ConsoleTest):
         for words, expected, said in (
                 (["missing", *captures[2:3], *RANGE], 3, "missing: the capture 'missing' is neither"), ([*captures[2:3], "240"], 3, "the range "),
                 ([*RANGE], 2, "no CAPTURE is named"), ([captures[0]], 2, "START END, or MINUTES, is missing"), (["--fold", "nosuch"], 2, "cannot be read"),
-                ([captures[0], "nosuch", *RANGE], 2, "nor an existing path"), (["--fold", "--hosts", "f"], 2, "excludes"),
+                ([captures[0], "nosuch", *RANGE], 2, "nor an existing path"), ([captures[0], RANGE[0], "zzz"], 2, "'zzz' is no time"),
+                ([captures[0], *RANGE[::-1]], 2, "the end has to be after the start"), (["--fold", "--hosts", "f"], 2, "excludes"),
                 (["--html", captures[1] / "x", captures[1], *RANGE], 2, "where nothing may change"), (["--pages", captures[1], captures[1], *RANGE], 2, "where nothing"),
                 (["--hosts", "nosuch", "60"], 3, "the file of hosts 'nosuch' cannot be read")):
             with self.subTest(said):
