@@ -5,7 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -30,14 +30,17 @@ std::string ReadSource(const std::string& path) {
     if (isFile) {
         stream.open(path, std::ios::binary);
     }
-    std::string bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+    std::ostringstream bytes;
+    if (stream.is_open() && stream.peek() != std::ifstream::traits_type::eof()) {
+        bytes << stream.rdbuf();
+    }
     if (!isFile || !stream.is_open() || stream.bad()) {
         const std::string reason = error    ? error.message()
                                    : isFile ? std::strerror(errno)
                                             : "it is no regular file";
         throw std::runtime_error("the configuration " + path + " cannot be read: " + reason);
     }
-    return bytes;
+    return bytes.str();
 }
 
 }  // namespace check
