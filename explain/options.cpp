@@ -81,10 +81,9 @@ void Declare(CLI::App& app, Options& options) {
         ->needs(series);
     app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
     app.add_flag("--json", options.json, "Print JSON; with --watch, an object in a line for each change");
-    CLI::Option* html =
-        app.add_option("--html", options.html, "Write a page to this file as well")
-            ->type_name("FILE")
-            ->excludes(series);
+    CLI::Option* html = app.add_option("--html", options.html, "Write a page to this file as well")
+                            ->type_name("FILE")
+                            ->excludes(series);
     CLI::Option* watch =
         app.add_flag("--watch", options.watch, "Look at the last hour again and again, and tell what changes")
             ->excludes(at)

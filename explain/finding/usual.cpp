@@ -8,7 +8,7 @@
 namespace explain {
 namespace {
 
-constexpr size_t TAIL = 20;                  // one of so many values is of the tail
+constexpr size_t TAIL = 20;  // one of so many values is of the tail
 constexpr size_t FEWEST_OF_TAIL = 4;
 constexpr double RARELY = 30.0;
 constexpr double MAD_TO_DEVIATION = 1.4826;  // for normal noise

@@ -3,8 +3,8 @@
 #include "explain/overview.h"
 #include "explain/overview/picture.h"
 #include "explain/report.h"
-#include "text/layout.h"
 #include "text/colours.h"
+#include "text/layout.h"
 #include "text/printable.h"
 
 namespace explain {

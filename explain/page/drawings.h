@@ -27,12 +27,14 @@ struct SeriesFrame {
 // An SVG of the delays, or counts, of the point `name`, `id` telling it from others on the page; a line at
 // `usual`, the median of its baseline. Of long series about 600 samples are drawn, every peak among them. A
 // narrow one has the width of a telephone.
-page::Markup SeriesDrawing(const std::string& name, const Samples& samples, const std::optional<double>& usual,
-                     const SeriesFrame& frame, const std::string& id, bool isNarrow);
+page::Markup SeriesDrawing(const std::string& name, const Samples& samples,
+                           const std::optional<double>& usual, const SeriesFrame& frame,
+                           const std::string& id, bool isNarrow);
 
 // The same with its name, once for wide screens and once for narrow ones.
-page::Markup SeriesFigure(const std::string& point, const Samples& samples, const std::optional<double>& usual,
-                    const SeriesFrame& frame, const std::string& id);
+page::Markup SeriesFigure(const std::string& point, const Samples& samples,
+                          const std::optional<double>& usual, const SeriesFrame& frame,
+                          const std::string& id);
 
 // An SVG of the graph below the point, where the extra delay flows; `number` tells it from others on the
 // page. The width of a line is the share that flows along it. `analysis` must have an answer.

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
-#include "page/markup.h"
 #include "explain/report.h"
+#include "page/markup.h"
 
 namespace explain {
 

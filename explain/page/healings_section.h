@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "page/markup.h"
 #include "explain/report.h"
+#include "page/markup.h"
 
 namespace explain {
 

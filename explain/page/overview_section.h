@@ -1,8 +1,8 @@
 // What the page begins with: the whole picture.
 #pragma once
 
-#include "page/markup.h"
 #include "explain/report.h"
+#include "page/markup.h"
 
 namespace explain {
 

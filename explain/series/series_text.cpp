@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "explain/point_series.h"
-#include "text/layout.h"
 #include "explain/wording.h"
 #include "text/colours.h"
+#include "text/layout.h"
 #include "text/printable.h"
 #include "text/sparkline.h"
 

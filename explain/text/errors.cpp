@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "explain/report.h"
-#include "text/layout.h"
 #include "explain/text/sections.h"
 #include "explain/wording_errors.h"
+#include "text/layout.h"
 #include "text/printable.h"
 
 namespace explain {
