@@ -38,6 +38,28 @@ Examples:
   zorv-explain --root /tmp/world --point TGT_LUMO_HOST_READ --at -20m 60  one point, slow 20 minutes ago
 )";
 
+// For a look that is repeated, with what cannot be.
+void DeclareWatch(CLI::App& app, Options& options) {
+    CLI::Option* watch =
+        app.add_flag("--watch", options.watch, "Look at the last hour again and again, and tell what changes")
+            ->excludes("--at")
+            ->excludes("--during")
+            ->excludes("--baseline")
+            ->excludes("--html")
+            ->excludes("--overview")
+            ->excludes("--series")
+            ->excludes("--capture");
+    app.add_option("--every", options.every,
+                   "Seconds from one look to the next; the statistics' own step when left out")
+        ->type_name("SECONDS")
+        ->check(CLI::Range(int64_t{1}, LONGEST_INTERVAL))
+        ->needs(watch);
+    app.add_option("--textfile", options.textFile,
+                   "Write the state to this file at each look, for whoever collects figures")
+        ->type_name("FILE")
+        ->needs(watch);
+}
+
 void Declare(CLI::App& app, Options& options) {
     cli::SetUsage(app, "zorv-explain [OPTIONS] START END | MINUTES | --watch");
     app.footer(EXAMPLES);
@@ -81,27 +103,10 @@ void Declare(CLI::App& app, Options& options) {
         ->needs(series);
     app.add_flag("--console", options.isInConsole)->group("");  // for the program that starts this one
     app.add_flag("--json", options.json, "Print JSON; with --watch, an object in a line for each change");
-    CLI::Option* html = app.add_option("--html", options.html, "Write a page to this file as well")
-                            ->type_name("FILE")
-                            ->excludes(series);
-    CLI::Option* watch =
-        app.add_flag("--watch", options.watch, "Look at the last hour again and again, and tell what changes")
-            ->excludes(at)
-            ->excludes("--during")
-            ->excludes("--baseline")
-            ->excludes(html)
-            ->excludes(overview)
-            ->excludes(series)
-            ->excludes("--capture");
-    app.add_option("--every", options.every,
-                   "Seconds from one look to the next; the statistics' own step when left out")
-        ->type_name("SECONDS")
-        ->check(CLI::Range(int64_t{1}, LONGEST_INTERVAL))
-        ->needs(watch);
-    app.add_option("--textfile", options.textFile,
-                   "Write the state to this file at each look, for whoever collects figures")
+    app.add_option("--html", options.html, "Write a page to this file as well")
         ->type_name("FILE")
-        ->needs(watch);
+        ->excludes(series);
+    DeclareWatch(app, options);
     app.add_option("--log", options.log, "Append the log to this file; default: no log")->type_name("FILE");
     app.add_option("TIMES", options.times, "START END, or MINUTES")->expected(0, 4)->type_name("");
 }
