@@ -14,6 +14,7 @@
 #include "explain/finding/table_zone.h"
 #include "fault_common/fault_vocabulary.h"
 #include "fault_spectrum_graph/fault_detect_object.h"
+#include "fault_spectrum_graph/fault_json_object.h"
 
 namespace explain {
 namespace {
@@ -158,7 +159,7 @@ private:
         for (const PointRequest& point : request.points) {
             for (const std::string& graph : request.GraphsOf(point.name)) {
                 if (point.when == PointRequest::ALWAYS) {
-                    ReadGraphWorld(point.name, graph);
+                    ReadGraphWorld(point.name, {graph});
                 }
             }
         }
@@ -183,7 +184,7 @@ private:
         if (const auto found = unreadable.find(look.point); found != unreadable.end()) {
             throw NoData(found->second);
         }
-        const auto world = std::make_shared<GraphWorld>(LoadGraphWorld(look.point, graph, store));
+        const auto world = std::make_shared<GraphWorld>(Load(look.point, graph));
         FillOwnDelays(*world);
         const Samples& samples = world->points.at(look.point).samples;
         if (look.samples == 0) {
@@ -203,6 +204,28 @@ private:
                        {question.during ? ReasonKind::NO_ROWS_IN_EVENT : ReasonKind::NO_HIGH_SAMPLE});
         }
         report.analyses.back().world = world;
+    }
+
+    // What comes to the point in its other graphs is not its own: they are part of it, as far as they can be
+    // read.
+    GraphWorld Load(const std::string& point, const std::string& graph) {
+        std::vector<std::string> readable{graph};
+        std::vector<Reason> unread;
+        const auto [first, last] = g_mapPointSubPoints.equal_range(point);
+        for (auto other = first; other != last; ++other) {
+            if (other->second == graph || !FaultJsonObject::GetInstance().IsMember(other->second)) {
+                continue;
+            }
+            try {
+                LoadGraphWorld(point, {other->second}, store);
+                readable.push_back(other->second);
+            } catch (...) {
+                unread.push_back(ReasonOfFailure(other->second));
+            }
+        }
+        GraphWorld world = LoadGraphWorld(point, readable, store);
+        world.unread = std::move(unread);
+        return world;
     }
 
     // Why nothing tells what is usual.

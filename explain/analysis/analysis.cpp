@@ -163,6 +163,8 @@ std::vector<NodeFinding> FindingsOf(const GraphWorld& world, const Window& range
         }
         findings.push_back(std::move(finding));
     }
+    std::vector<Reason>& reasons = findings.front().evidence.reasons;
+    reasons.insert(reasons.end(), world.unread.begin(), world.unread.end());
     return findings;
 }
 

@@ -21,20 +21,24 @@ struct GraphNode {
 };
 
 // All nodes that can be reached from a point, over the graphs that continue below others too. The first node
-// is the point's.
+// is the point's; every other one stands behind one that leads to it.
 struct GraphWorld {
     std::vector<GraphNode> nodes;
     HandOvers handOvers;
     std::map<std::string, PointData> points;  // by name; an entry for every node
+    std::vector<Reason> unread;               // why graphs that enter the point, too, are left out
 };
 
-// Reads the nodes below the point `point` of the graph `graph` from the configuration; no data yet. Throws
-// NoData; the standard conversion errors for a configuration that has no number where it needs one,
-// Json::LogicError for a value of the wrong type.
-GraphWorld ReadGraphWorld(const std::string& point, const std::string& graph);
+// Reads the nodes below the point `point` of the graph `graphs.front()` from the configuration; no data yet.
+// Others of `graphs` that have the point are entered with it: its nodes in all of them are the first node,
+// those right below it that have one name are one node, and so on down. Throws NoData; the standard
+// conversion errors for a configuration that has no number where it needs one, Json::LogicError for a value
+// of the wrong type; of any of the graphs.
+GraphWorld ReadGraphWorld(const std::string& point, const std::vector<std::string>& graphs);
 
 // The same with the data of its points, but for their own delays and for idle rows, from the store, which may
 // block on the database. Throws what both throw.
-GraphWorld LoadGraphWorld(const std::string& point, const std::string& graph, SampleStore& store);
+GraphWorld LoadGraphWorld(const std::string& point, const std::vector<std::string>& graphs,
+                          SampleStore& store);
 
 }  // namespace explain

@@ -10,12 +10,17 @@ bool NamesCause(const Analysis& analysis) {
     return analysis.HasAnswer() && !analysis.isWeak && !analysis.NamesItself();
 }
 
+// Whether what comes first below a point stands in the other's graph, and not in this one's.
+bool LeadsTo(const Analysis& analysis, const Analysis& other) {
+    return analysis.NamesItself() ||
+           (other.graph != analysis.graph && analysis.candidates.front().graph == other.graph);
+}
+
 bool IsOutdone(const Analysis& analysis, const std::vector<Analysis>& analyses) {
-    return analysis.HasAnswer() && analysis.NamesItself() &&
-           std::any_of(analyses.begin(), analyses.end(), [&](const Analysis& other) {
+    return analysis.HasAnswer() && std::any_of(analyses.begin(), analyses.end(), [&](const Analysis& other) {
                return NamesCause(other) && other.point == analysis.point &&
                       other.event->first == analysis.event->first &&
-                      other.event->last == analysis.event->last;
+                      other.event->last == analysis.event->last && LeadsTo(analysis, other);
            });
 }
 
