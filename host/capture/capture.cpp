@@ -198,7 +198,7 @@ std::optional<std::string> RootOfStarter(const std::string& capture) {
 }  // namespace
 
 Capture::Capture(const std::string& givenName, bool emptyHeal, bool wantsZone) {
-    std::string name = CheckedName(givenName);
+    const std::string name = CheckedName(givenName);
     if (const std::optional<std::string> given = RootOfStarter(name)) {
         root = *given;
         files = std::make_unique<CaptureFiles>(name);
@@ -211,8 +211,7 @@ Capture::Capture(const std::string& givenName, bool emptyHeal, bool wantsZone) {
     }
     temporary = std::make_unique<TemporaryDirectory>();
     root = temporary->Path();
-    UnpackIfArchive(name);
-    files = std::make_unique<CaptureFiles>(name);
+    files = FilesIn(name);
     Preparation(*files, root, emptyHeal, notes).Run();
     TakeManifest(wantsZone);
     fs::create_directory_symlink(Directory(), root + CAPTURE_LINK);
@@ -227,13 +226,13 @@ std::optional<std::string> Capture::Zone() const {
     return zone ? std::optional<std::string>(ZoneText(*zone)) : std::nullopt;
 }
 
-// The name is then that of the folder.
-void Capture::UnpackIfArchive(std::string& name) {
-    if (!fs::is_directory(name)) {
-        fs::create_directory(root + UNPACKED);
-        Unpack(name, root + UNPACKED);
-        name = root + UNPACKED;
+std::unique_ptr<CaptureFiles> Capture::FilesIn(const std::string& name) const {
+    if (fs::is_directory(name)) {
+        return std::make_unique<CaptureFiles>(name);
     }
+    fs::create_directory(root + UNPACKED);
+    Unpack(name, root + UNPACKED);
+    return std::make_unique<CaptureFiles>(root + UNPACKED, name);
 }
 
 void Capture::TakeManifest(bool wantsZone) {

@@ -41,7 +41,7 @@ public:
     const std::vector<std::string>& Notes() const { return notes; }
 
 private:
-    void UnpackIfArchive(std::string& name);
+    std::unique_ptr<CaptureFiles> FilesIn(const std::string& name) const;
     void TakeManifest(bool wantsZone);
 
     std::unique_ptr<TemporaryDirectory> temporary;  // none when the root is that of another process

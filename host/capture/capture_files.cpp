@@ -55,14 +55,17 @@ Found LookThrough(const std::string& folder) {
     return found;
 }
 
-[[noreturn]] void FailForSeveral(const std::string& folder, const std::string& one,
-                                 const std::string& other) {
-    throw CaptureError(folder + " holds several nodes, " + one.substr(folder.size()) + " and " +
-                       other.substr(folder.size()) + " among others. Name one of them.");
+[[noreturn]] void FailForSeveral(const std::string& folder, const std::string& archive,
+                                 const std::vector<std::string>& places) {
+    throw CaptureError((archive.empty() ? folder : archive) + " holds several nodes, in " +
+                       places[0].substr(folder.size()) + " and " + places[1].substr(folder.size()) +
+                       " among others. " + (archive.empty() ? "Name" : "Unpack it and name") +
+                       " one of them.");
 }
 }  // namespace
 
-CaptureFiles::CaptureFiles(const std::string& name) : folder(name), directory(name) {
+CaptureFiles::CaptureFiles(const std::string& name, const std::string& archive)
+    : folder(name), directory(name) {
     std::error_code ignored;
     if (fs::is_directory(folder + "/" + NODE_FOLDER, ignored)) {
         return;
@@ -70,7 +73,7 @@ CaptureFiles::CaptureFiles(const std::string& name) : folder(name), directory(na
     isSearched = true;
     const Found found = LookThrough(folder);
     if (found.nodes.size() > 1) {
-        FailForSeveral(folder, found.nodes[0], found.nodes[1]);
+        FailForSeveral(folder, archive, found.nodes);
     }
     directory = found.nodes.empty() ? folder : found.nodes.front();
     for (const char* const file : FIXED_FILES) {
@@ -79,7 +82,7 @@ CaptureFiles::CaptureFiles(const std::string& name) : folder(name), directory(na
             continue;
         }
         if (places->second.size() > 1) {
-            FailForSeveral(folder, places->second[0], places->second[1]);
+            FailForSeveral(folder, archive, places->second);
         }
         moved[file] = places->second.front();
     }

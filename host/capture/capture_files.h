@@ -9,9 +9,9 @@ namespace zorv {
 // by their names alone.
 class CaptureFiles {
 public:
-    // Looks through `folder`, but not behind links. Throws CaptureError when it holds several nodes. Opens no
-    // file.
-    explicit CaptureFiles(const std::string& folder);
+    // Looks through `folder`, but not behind links; `archive` is what it was unpacked from, if it was. Throws
+    // CaptureError when it holds several nodes. Opens no file.
+    explicit CaptureFiles(const std::string& folder, const std::string& archive = "");
 
     // What stands before the fixed paths; the folder itself when they lead nowhere.
     const std::string& Directory() const { return directory; }

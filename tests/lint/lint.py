@@ -45,7 +45,7 @@ ARROWS = {
     "simulator/graphs": set(),
     "simulator/plan": {"simulator/graphs", "cli", "text"},
     "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
-    "simulator/live": {"simulator/files", "simulator/plan", "cli"},
+    "simulator/live": {"simulator/files", "simulator/plan", "cli", "text"},
     "simulator": {"simulator/live", "simulator/files", "simulator/plan", "cli", "text"},
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
