@@ -122,7 +122,7 @@ class Capture(ConsoleTest):
                 self.assertEqual((status, re.sub("  node        .*\n", "", out), "node        san-7" in out, err.count(said)), (0, expected, place == node, 1), err)
         status, out, err = self.run_program("zorv-local", "--capture", flat, "status")
         self.assertIn(f"statistics     {flat}/a/b/lumo_diagnose_data.db\n", out)
-        self.assertEqual(json.loads(self.run_program("zorv-fleet", "--json", node, *RANGE.split())[1])["nodes"][0]["name"], "san-7")
+        self.assertEqual(json.loads(self.run_program("zorv-fleet", "--json", node, *RANGE.split())[1])["nodes"][0]["node"], "san-7")
         (flat / "a/b/zorv_heal.db").unlink()
         err = self.run_program("zorv-explain", "--capture", flat, *RANGE.split())[2]
         self.assertIn(f"{flat}/{HEAL_DATABASE} is missing:", err)

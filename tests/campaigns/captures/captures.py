@@ -92,18 +92,17 @@ def take(place, root, count, tell):
 def play(options, count, tell):
     """Of one world: what its writer said in the end, and the longest step."""
     with tempfile.TemporaryDirectory() as name:
-        place, begun = Path(name), time.gmtime(time.time() - 300 * 86400)
-        producer = subprocess.Popen([BIN / "lumo-sim", "--root", place / "world", "--live", "--speed", "86400", "--hours", "4", "--keep", "4",
-                                     "--end", time.strftime("%Y%m%d%H0000", begun), *options],
-                                    stdout=subprocess.PIPE, text=True, env={**os.environ, "TZ": "UTC"})
-        while "started" not in producer.stdout.readline():
-            pass
-        if count:
-            longest = take(place, place / "world", count, tell)
-        else:
-            longest, _ = 0, time.sleep(20)
-        producer.terminate()
-        return producer.communicate()[0].splitlines()[-1].split("; ")[-1], longest
+        place, begun = Path(name), time.gmtime(time.time() - 3000 * 86400)
+        with open(place / "told", "w+") as told:  # no pipe: it would fill, and the writer would wait for its reader
+            producer = subprocess.Popen(
+                [BIN / "lumo-sim", "--root", place / "world", "--live", "--speed", "86400", "--hours", "4", "--keep", "4",
+                 "--end", time.strftime("%Y%m%d%H0000", begun), *options], stdout=told, env={**os.environ, "TZ": "UTC"})
+            while "started" not in (place / "told").read_text():
+                time.sleep(0.1)
+            longest, _ = (take(place, place / "world", count, tell), 0) if count else (0, time.sleep(20))
+            producer.terminate()
+            producer.wait()
+        return (place / "told").read_text().splitlines()[-1].split("; ")[-1], longest
 
 
 wrong, restarts = [], {}
