@@ -35,7 +35,7 @@ Input::Input(const Options& options) : capture(OpenCapture(options)) {
         throw std::runtime_error("the root '" + root + "' is not a directory");
     }
     const std::string read = capture ? capture->Root() : root;
-    file = root + ZORV_ROUTE_CONFIG_FILE;
+    file = capture ? capture->Files().PathOf(ZORV_ROUTE_CONFIG_FILE) : root + ZORV_ROUTE_CONFIG_FILE;
     configuration = read + ZORV_ROUTE_CONFIG_FILE;
     database = read + LUMO_DATABASE_FILE;
 }

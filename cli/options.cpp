@@ -37,8 +37,10 @@ void DeclareInputOptions(CLI::App& app, InputOptions& options) {
             ->excludes(root);
     app.add_flag("--empty-heal", options.emptyHeal, "Do without the heal database that a capture lacks")
         ->needs(capture);
-    app.add_option("--zone", options.zone,
-                   "Zone of all local times: +0800, +08:00, +8, Asia/Shanghai; default: this machine's")
+    app.add_option(
+           "--zone", options.zone,
+           "Zone of all local times: +0800, +08:00, +8, Asia/Shanghai; default: a capture's, as it tells, "
+           "else this machine's")
         ->type_name("Z")
         ->check(FaultOfZone)
         ->take_last();

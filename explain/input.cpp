@@ -27,7 +27,7 @@ std::unique_ptr<Capture> OpenCapture(const Options& options) {
     if (!options.capture) {
         return nullptr;
     }
-    auto capture = std::make_unique<Capture>(*options.capture, options.emptyHeal);
+    auto capture = std::make_unique<Capture>(*options.capture, options.emptyHeal, !options.zone);
     for (const std::string& note : capture->Notes()) {
         std::fprintf(stderr, "zorv-explain: %s\n", Printable(note).c_str());
     }
@@ -41,6 +41,7 @@ Input::Input(const Options& options) : directory(DirectoryOf(options)) {
         throw std::runtime_error("the root '" + *options.root + "' is not a directory");
     }
     capture = OpenCapture(options);
+    cli::TakeZone("zorv-explain", options.zone || !capture ? options.zone : capture->Zone());
     HostSettings settings;
     settings.root = capture ? capture->Root() : directory;
     SetHostSettings(settings);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "explain/options.h"
@@ -12,13 +13,18 @@ namespace explain {
 // The files of a root or of a capture, and the agent's services over them. One per process.
 class Input {
 public:
-    // Sets up the services; a large capture is copied. Throws std::runtime_error, with an operator's
+    // Takes the zone and sets up the services; a large capture is copied. Call it before anything asks for
+    // local time. Throws std::runtime_error, with an operator's
     // sentence, for a root or capture that cannot be used. Blocks on file I/O.
     explicit Input(const Options& options);
 
-    // The directory of the files, that of a capture even if another stands for it; empty for the machine's
-    // own files.
-    const std::string& Directory() const { return capture ? capture->Directory() : directory; }
+    // The file that a fixed path stands for, that of a capture even if another stands for it.
+    std::string PathOf(const std::string& fixedPath) const {
+        return capture ? capture->Files().PathOf(fixedPath) : directory + fixedPath;
+    }
+
+    // The node's name, where a capture tells it.
+    std::optional<std::string> Node() const { return capture ? capture->Node() : std::nullopt; }
 
     // Both throw std::runtime_error, with an operator's sentence, when that cannot be; the second may be
     // called again, also when they are open.

@@ -8,6 +8,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "agent/agent_storage.h"
 #include "cli/program.h"
 #include "explain/analysis/analysis.h"
 #include "explain/input.h"
@@ -39,7 +40,8 @@ Report MakeReport(const Options& options, const Request& request, const Input& i
     report.question = request.question;
     report.zoneOffset = request.zoneOffset;
     report.madeAt = clock.time;
-    report.stamp = MakeStamp(arguments, input.Directory());
+    report.stamp =
+        MakeStamp(arguments, input.PathOf(ZORV_ROUTE_CONFIG_FILE), input.PathOf(LUMO_DATABASE_FILE));
     input.Open();
     try {
         Stores stores{SampleStore(StretchesOf(request.question)), {}};
@@ -118,20 +120,20 @@ int RunReport(const Options& options, const Report& report) {
     return StatusOf(report);
 }
 
-int ExplainOnce(const Options& options, const std::vector<std::string>& arguments) {
+int ExplainOnce(const Options& options, const Input& input, const std::vector<std::string>& arguments) {
     const LocalClock clock = ClockAt(std::time(nullptr));
     const Request request = RequestOf(options, clock);
-    const Input input(options);
     const CommandRun run;  // so a wait for a locked database is told
     return options.series ? RunSeries(options, request, input, clock)
                           : RunReport(options, MakeReport(options, request, input, arguments, clock));
 }
 
-int Run(const Options& options, const std::vector<std::string>& arguments) {
-    cli::TakeZone("zorv-explain", options.zone);
-    RefuseInputs(options);  // and all else that is refused, before a large capture is copied for nothing
+int Run(Options& options, const std::vector<std::string>& arguments) {
+    RefuseInputs(options);  // before a large capture is copied for nothing
+    const Input input(options);
+    options.node = options.node ? options.node : input.Node();
     try {
-        return options.watch ? Watch(options, Input(options)) : ExplainOnce(options, arguments);
+        return options.watch ? Watch(options, input) : ExplainOnce(options, input, arguments);
     } catch (const OutputError& error) {
         if (error.what()[0] != '\0') {
             std::fprintf(stderr, "zorv-explain: %s\n", Printable(error.what()).c_str());

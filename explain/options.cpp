@@ -31,7 +31,7 @@ Examples:
   zorv-explain --root /tmp/world 60                          explains the last hour
   zorv-explain --root /tmp/world --overview                  the last four hours on one screen
   zorv-explain --root /tmp/world --series BDM_DISK_READ 60   its rows of the last hour; CSV in a pipe
-  zorv-explain --capture /tmp/node1 --zone +0800 -2h now     the same for a copy of a node's files
+  zorv-explain --capture /tmp/node1 -2h now                  the same for a copy of a node's files
   zorv-explain --root /tmp/world --json START END            the same as JSON, for programs
   zorv-explain --root /tmp/world --html page.html START END  a page to show, with the proof of its input
   zorv-explain --root /tmp/world --watch                     goes on looking, until Ctrl-C
@@ -86,7 +86,9 @@ void Declare(CLI::App& app, Options& options) {
                    "What tells what is usual: START END, or the same stretch 'yesterday', '-7d'")
         ->expected(1, 4)  // those of the range among them: see SplitBaseline()
         ->type_name("START END");
-    app.add_option("--node", options.node, "The node's name, for reports of several")->type_name("NAME");
+    app.add_option("--node", options.node,
+                   "The node's name, for reports of several; default: that in a capture's manifest")
+        ->type_name("NAME");
     CLI::Option* overview = app.add_flag(
         "--overview", options.overview,
         "Print one screen: how every point did, and what happened; default: of the last four hours");

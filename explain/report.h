@@ -25,10 +25,11 @@ struct Stamp {
 // Words as a shell takes them back.
 std::string ShellLine(const std::vector<std::string>& words);
 
-// Versions, hashes and command line. Reads the configuration and the database below `directory` as plain
-// files: call it before the first connection to the database is opened, because closing a plain file drops
-// SQLite's locks on it. Blocks on file I/O.
-Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& directory);
+// Versions, hashes and command line. Reads the files `configuration` and `database` as plain files: call it
+// before the first connection to the database is opened, because closing a plain file drops SQLite's locks on
+// it. Blocks on file I/O.
+Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& configuration,
+                const std::string& database);
 
 struct Report {
     Stamp stamp;

@@ -49,9 +49,10 @@ void CheckLogFile(const Options& options) {
 
 // The capture is then to be kept.
 void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSettings& settings) {
-    capture.emplace(*options.capture, options.emptyHeal);
+    capture.emplace(*options.capture, options.emptyHeal, !options.zone);
     settings.root = capture->Root();
     settings.capture = capture->Directory();
+    settings.movedFiles = capture->Files().Moved();
     for (const std::string& note : capture->Notes()) {
         std::fprintf(stderr, "zorv-local: %s\n", Printable(note).c_str());
     }
@@ -60,14 +61,19 @@ void OpenCapture(const Options& options, std::optional<Capture>& capture, HostSe
                  Printable(capture->Directory()).c_str());
 }
 
+// That was named, else that of a capture which tells it; none: the machine's.
+std::optional<std::string> ZoneOf(const Options& options, const std::optional<Capture>& capture) {
+    return options.zone || !capture ? options.zone : capture->Zone();
+}
+
 void SetUpServices(const Options& options, std::optional<Capture>& capture) {
-    cli::TakeZone("zorv-local", options.zone);
     HostSettings settings;
     if (options.capture.has_value()) {
         OpenCapture(options, capture, settings);
     } else if (options.root.has_value()) {
         settings.root = CheckedRoot(*options.root);
     }
+    cli::TakeZone("zorv-local", ZoneOf(options, capture));
     settings.node = options.node;
     settings.master = options.master;
     SetHostSettings(settings);
@@ -88,8 +94,8 @@ Words SharedOptions(const Options& options, const std::optional<Capture>& captur
     if (options.emptyHeal) {
         shared.emplace_back("--empty-heal");
     }
-    if (options.zone.has_value()) {
-        shared.insert(shared.end(), {"--zone", *options.zone});
+    if (const std::optional<std::string> zone = ZoneOf(options, capture)) {
+        shared.insert(shared.end(), {"--zone", *zone});
     }
     if (!options.logFile.empty()) {
         shared.insert(shared.end(), {"--log", options.logFile});

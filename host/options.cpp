@@ -37,7 +37,8 @@ Examples:
   zorv-local --root /tmp/world delaydetect 60       looks for delay faults in the last hour
   zorv-local --root /tmp/world delaydetect -2h now  looks for them in the last two hours
   zorv-local --root /tmp/world explain 60           tells where the extra delay of slow points went
-  zorv-local --capture /tmp/node1 --zone +0800      a console over a copy of a node's files, none is changed
+  zorv-local capture /tmp/node1.tar.zst             copies this node's files, consistent beside their writers
+  zorv-local --capture /tmp/node1.tar.zst           a console over a copy of a node's files, none is changed
   zorv-local --root /tmp/world switch set off       turns fault diagnosis off
   zorv-local --root /tmp/world < commands.txt       runs the command lines of a file
   zorv-local --node 2 --master 1 --cluster nodes    a node of a cluster, for a file "nodes" with the lines

@@ -9,9 +9,11 @@
 #include "agent/agent_storage.h"
 #include "agent/agent_switch.h"
 #include "host/capture/archive.h"
+#include "host/capture/capture_zone.h"
 #include "host/capture/inputs.h"
 #include "host/capture/write_ahead_log.h"
 #include "host/services/alarm.h"
+#include "text/local_time.h"
 
 namespace zorv {
 namespace {
@@ -21,7 +23,6 @@ namespace fs = std::filesystem;
 constexpr const char* ROOT_VARIABLE = "ZORV_CAPTURE_ROOT";
 constexpr const char* CAPTURE_LINK = "/capture";
 constexpr const char* UNPACKED = "/unpacked";  // in it, the files of an archive
-constexpr const char* NODE_FOLDER = "VRA";     // with which all fixed paths begin
 constexpr uintmax_t LARGEST_SMALL_FILE = 64 << 20;
 
 struct Database {
@@ -47,11 +48,12 @@ const std::vector<Database>& Databases() {
     return databases;
 }
 
-// Fills the temporary root `root` for the capture in `directory`.
+// Fills the temporary root `root` for the captured files.
 class Preparation {
 public:
-    Preparation(std::string from, std::string to, bool mayStandIn, std::vector<std::string>& toTell)
-        : directory(std::move(from)), root(std::move(to)), emptyHeal(mayStandIn), notes(toTell) {}
+    Preparation(const CaptureFiles& from, std::string to, bool mayStandIn, std::vector<std::string>& toTell)
+
+        : files(from), root(std::move(to)), emptyHeal(mayStandIn), notes(toTell) {}
 
     // All databases are looked at before SQLite opens the first.
     void Run() {
@@ -64,20 +66,21 @@ public:
         CheckSmall(ZORV_ROUTE_CONFIG_FILE);
         if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
             notes.push_back(
-                directory + ZORV_ROUTE_CONFIG_FILE +
-                " is missing: there are no graphs, so no causes are found. Copy it from the node.");
+                files.PathOf(ZORV_ROUTE_CONFIG_FILE) +
+                " is missing: there are no graphs, so no causes are found. Copy it from the node." +
+                files.LookedAt(ZORV_ROUTE_CONFIG_FILE));
         }
         for (const auto& write : writes) {
             write();
         }
         for (const Database& database : Databases()) {
-            CheckTables(root + database.path, database.tables, directory + database.path);
+            CheckTables(root + database.path, database.tables, files.PathOf(database.path));
         }
     }
 
 private:
     void TakeIn(const Database& database) {
-        const std::string path = directory + database.path;
+        const std::string path = files.PathOf(database.path);
         const std::string taken = PlaceFor(database.path);
         std::error_code error;
         const fs::file_status status = fs::symlink_status(path, error);
@@ -88,31 +91,31 @@ private:
         if (isMissing || (fs::is_regular_file(path, error) && fs::file_size(path) == 0)) {
             return MakeStandIn(database, path + (isMissing ? " is missing: " : " is empty: "), taken);
         }
-        const CapturedDatabase files = LookAtDatabase(path);
-        if (!files.NeedsCopy()) {
-            return fs::create_symlink(files.path, taken);
+        const CapturedDatabase found = LookAtDatabase(path);
+        if (!found.NeedsCopy()) {
+            return fs::create_symlink(found.path, taken);
         }
-        Tell(path, files, CopyDatabase(files, taken));
-        TellLosses(path, files, taken);
+        Tell(path, found, CopyDatabase(found, taken));
+        TellLosses(path, found, taken);
         writes.emplace_back([=] { SettleCopy(taken, path); });
     }
 
     void MakeStandIn(const Database& database, const std::string& what, const std::string& taken) {
         if (!emptyHeal || database.standIn == nullptr) {
-            throw CaptureError(what + database.withoutIt + ".");
+            throw CaptureError(what + database.withoutIt + "." + files.LookedAt(database.path));
         }
         notes.push_back(what + "an empty one stands in, so no healing events are told.");
         writes.emplace_back([=, &database] { MakeDatabase(taken, database.standIn); });
     }
 
-    void Tell(const std::string& path, const CapturedDatabase& files, uint64_t bytes) {
-        const std::string why = files.isHot ? " has a transaction that was left unfinished, it is rolled back"
-                                : files.isWal  ? " is in WAL mode"
-                                : files.hasWal ? " has a -wal file beside it"
+    void Tell(const std::string& path, const CapturedDatabase& found, uint64_t bytes) {
+        const std::string why = found.isHot ? " has a transaction that was left unfinished, it is rolled back"
+                                : found.isWal  ? " is in WAL mode"
+                                : found.hasWal ? " has a -wal file beside it"
                                                : " has a -journal beside it that is no file, it is left out";
         notes.push_back(path + why + ": working on a copy of " + std::to_string(bytes) + " bytes in " + root +
                         ".");
-        if (files.isWal && files.walSize == 0) {
+        if (found.isWal && found.walSize == 0) {
             notes.push_back(
                 path +
                 "-wal is missing or empty: unless the node had closed the database, its newest rows "
@@ -122,13 +125,13 @@ private:
 
     // Looks at the copy, which nobody changes. What lies beside a database that is in another mode may be
     // anything.
-    void TellLosses(const std::string& path, const CapturedDatabase& files, const std::string& copy) {
-        if (files.walSize == 0) {
+    void TellLosses(const std::string& path, const CapturedDatabase& found, const std::string& copy) {
+        if (found.walSize == 0) {
             return;
         }
         const WriteAheadLog log = ReadWriteAheadLog(copy + "-wal");
         const std::string losses = LossesOf(log, path + "-wal");
-        if (!losses.empty() && (files.isWal || log.isSound)) {
+        if (!losses.empty() && (found.isWal || log.isSound)) {
             notes.push_back(losses);
         }
     }
@@ -136,18 +139,18 @@ private:
     // Before it is read whole, or copied.
     void CheckSmall(const char* path) const {
         std::error_code error;
-        const uintmax_t size = fs::file_size(directory + path, error);
+        const uintmax_t size = fs::file_size(files.PathOf(path), error);
         if (!error && size > LARGEST_SMALL_FILE) {
-            throw CaptureError(directory + path + " has " + std::to_string(size) +
+            throw CaptureError(files.PathOf(path) + " has " + std::to_string(size) +
                                " bytes, far more than on any node. Copy it from the node again.");
         }
     }
 
     bool LinkIfThere(const char* path) const {
         std::error_code ignored;
-        const bool isThere = fs::exists(directory + path, ignored);
+        const bool isThere = fs::exists(files.PathOf(path), ignored);
         if (isThere) {
-            fs::create_symlink(directory + path, PlaceFor(path));
+            fs::create_symlink(files.PathOf(path), PlaceFor(path));
         }
         return isThere;
     }
@@ -155,8 +158,8 @@ private:
     // Of a file that is appended to.
     void CopyIfThere(const char* path) const {
         std::error_code ignored;
-        if (fs::is_regular_file(directory + path, ignored)) {
-            CopyFile(directory + path, PlaceFor(path));
+        if (fs::is_regular_file(files.PathOf(path), ignored)) {
+            CopyFile(files.PathOf(path), PlaceFor(path));
         }
     }
 
@@ -167,7 +170,7 @@ private:
         return place;
     }
 
-    const std::string directory;
+    const CaptureFiles& files;
     const std::string root;
     const bool emptyHeal;
     std::vector<std::function<void()>> writes;  // by SQLite
@@ -184,27 +187,6 @@ std::string CheckedName(const std::string& capture) {
     return fs::absolute(capture).lexically_normal();
 }
 
-// The folder that holds the node's files: `unpacked`, or one at most two levels below it, as whoever packs a
-// folder makes it.
-std::string FolderOfNode(const std::string& unpacked, const std::string& archive) {
-    std::vector<std::string> found;
-    fs::recursive_directory_iterator below(unpacked);
-    for (; below != fs::recursive_directory_iterator(); ++below) {
-        if (below->path().filename() == NODE_FOLDER) {
-            found.push_back(below->path().parent_path());
-        }
-        if (below.depth() == 2 || below->path().filename() == NODE_FOLDER) {
-            below.disable_recursion_pending();
-        }
-    }
-    if (found.size() > 1) {
-        throw CaptureError(archive + " holds several nodes, in " + found[0].substr(unpacked.size()) +
-                           " and " + found[1].substr(unpacked.size()) +
-                           " among others. Unpack it and name one of them.");
-    }
-    return found.empty() ? unpacked : found.front();
-}
-
 // The root that the program which started this one has made of the capture.
 std::optional<std::string> RootOfStarter(const std::string& capture) {
     const char* const root = std::getenv(ROOT_VARIABLE);
@@ -215,10 +197,12 @@ std::optional<std::string> RootOfStarter(const std::string& capture) {
 }
 }  // namespace
 
-Capture::Capture(const std::string& givenName, bool emptyHeal) : directory(CheckedName(givenName)) {
-    const std::string name = directory;
+Capture::Capture(const std::string& givenName, bool emptyHeal, bool wantsZone) {
+    const std::string name = CheckedName(givenName);
     if (const std::optional<std::string> given = RootOfStarter(name)) {
         root = *given;
+        files = std::make_unique<CaptureFiles>(name);
+        TakeManifest(wantsZone);
         return;
     }
     if (WhyNotWritten(TemporaryPlace() + "/root", {name, true})) {
@@ -227,13 +211,36 @@ Capture::Capture(const std::string& givenName, bool emptyHeal) : directory(Check
     }
     temporary = std::make_unique<TemporaryDirectory>();
     root = temporary->Path();
-    if (!fs::is_directory(name)) {
-        fs::create_directory(root + UNPACKED);
-        Unpack(name, root + UNPACKED);
-        directory = FolderOfNode(root + UNPACKED, name);
-    }
-    Preparation(directory, root, emptyHeal, notes).Run();
-    fs::create_directory_symlink(directory, root + CAPTURE_LINK);
+    files = FilesIn(name);
+    Preparation(*files, root, emptyHeal, notes).Run();
+    TakeManifest(wantsZone);
+    fs::create_directory_symlink(Directory(), root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);
+}
+
+std::optional<std::string> Capture::Node() const {
+    return manifest ? std::optional<std::string>(manifest->node) : std::nullopt;
+}
+
+std::optional<std::string> Capture::Zone() const {
+    return zone ? std::optional<std::string>(ZoneText(*zone)) : std::nullopt;
+}
+
+std::unique_ptr<CaptureFiles> Capture::FilesIn(const std::string& name) const {
+    if (fs::is_directory(name)) {
+        return std::make_unique<CaptureFiles>(name);
+    }
+    fs::create_directory(root + UNPACKED);
+    Unpack(name, root + UNPACKED);
+    return std::make_unique<CaptureFiles>(root + UNPACKED, name);
+}
+
+void Capture::TakeManifest(bool wantsZone) {
+    manifest = ReadManifest(files->PathOf(MANIFEST_FILE));
+    if (wantsZone) {
+        const CaptureZone found = ZoneOf(manifest, root + LUMO_DATABASE_FILE);
+        zone = found.offset;
+        notes.push_back(found.note);
+    }
 }
 }  // namespace zorv

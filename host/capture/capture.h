@@ -2,10 +2,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "host/capture/capture_files.h"
 #include "host/capture/captured_database.h"
+#include "host/capture/manifest.h"
 #include "host/capture/temporary_directory.h"
 
 namespace zorv {
@@ -14,26 +17,38 @@ namespace zorv {
 // into it and is gone with it. A program that this one starts, on the same capture, takes this one's root.
 class Capture {
 public:
-    // Of the files below the folder `name`, or in the archive `name` (see Unpack()), which is unpacked into
-    // the temporary root. Throws CaptureError when it cannot be unpacked or the databases cannot be used;
-    // with `emptyHeal`, an empty heal database stands in for one that is missing or empty. Blocks while it
-    // unpacks and copies. Call it before there are other threads and before the first connection to a
-    // database is opened.
-    Capture(const std::string& name, bool emptyHeal);
+    // Of the files in the folder `name`, or in the archive `name` (see CaptureFiles and Unpack()), which is
+    // unpacked into the temporary root. Throws CaptureError when it cannot be unpacked or the databases
+    // cannot be used; with `emptyHeal`, an empty heal database stands in for one that is missing or empty;
+    // with `wantsZone`, the zone is looked for and told. Blocks while it unpacks and copies. Call it before
+    // there are other threads and before the first connection to a database is opened.
+    Capture(const std::string& name, bool emptyHeal, bool wantsZone = false);
 
     // The temporary root.
     const std::string& Root() const { return root; }
 
     // The captured files' own root, an absolute path; that of an archive is below the temporary root.
-    const std::string& Directory() const { return directory; }
+    const std::string& Directory() const { return files->Directory(); }
+
+    // Where the captured files are.
+    const CaptureFiles& Files() const { return *files; }
+
+    // The node's name, as its manifest tells; its zone, if it was wanted, as for --zone. None: nothing tells.
+    std::optional<std::string> Node() const;
+    std::optional<std::string> Zone() const;
 
     // What the operator has to know about the answers, a sentence or more each.
     const std::vector<std::string>& Notes() const { return notes; }
 
 private:
-    std::string directory;
+    std::unique_ptr<CaptureFiles> FilesIn(const std::string& name) const;
+    void TakeManifest(bool wantsZone);
+
     std::unique_ptr<TemporaryDirectory> temporary;  // none when the root is that of another process
     std::string root;
+    std::unique_ptr<CaptureFiles> files;
+    std::optional<Manifest> manifest;
+    std::optional<int64_t> zone;
     std::vector<std::string> notes;
 };
 }  // namespace zorv

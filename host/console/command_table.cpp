@@ -60,7 +60,7 @@ Words NoWords(const Words& /*before*/) {
     return {};
 }
 
-constexpr std::array<Row, 9> ROWS = {
+constexpr std::array<Row, 10> ROWS = {
     {{"help", "[COMMAND]", "list the commands, or explain one.", WordsAfterHelp, 0, false, RunHelp},
      {"status", "[--json]", "what this host works on: files, configuration, switch, alarms, start-up.",
       NoWords, 0, false, RunStatus},
@@ -78,6 +78,9 @@ constexpr std::array<Row, 9> ROWS = {
       "the rows that the statistics have of a point.", WordsAfterSeries, 0, true, RunSeries},
      {"check", "[OPTIONS] [FILE]", "what is wrong with the configuration's graphs; --help tells more.",
       WordsAfterCheck, 0, true, RunCheck},
+     {"capture", "[--name NAME] [--timeout SECONDS] DIR|FILE.tar.zst",
+      "copies this node's files, consistent beside their writers, for --capture elsewhere.",
+      WordsAfterCapture, 0, false, RunCapture},
      {"quit", "", "leave; so does Ctrl-D.", NoWords, 0, false, RunQuit}}};
 
 Command CommandOf(const Row& row) {

@@ -18,6 +18,11 @@ ExitStatus RunStatus(const Words& words, ConsoleState& state);
 // Fails when the alarm file cannot be read. Blocks on file I/O.
 ExitStatus RunAlarms(const Words& words, ConsoleState& state);
 
+// Copies the node's files into a new folder or archive, see TakeCapture(). Fails in a capture. Blocks for as
+// long as the copying takes; a signal that ends the process does so when nothing half is left.
+ExitStatus RunCapture(const Words& words, ConsoleState& state);
+Words WordsAfterCapture(const Words& before);
+
 // Shows or sets the cluster's fault diagnosis switch. Blocks for the answers of the node that keeps it; fails
 // when that node did not answer or could not store the value.
 ExitStatus RunSwitch(const Words& words, ConsoleState& state);

@@ -18,7 +18,10 @@ thread_local bool g_hasWaited = false;
 thread_local SingleTry* g_singleTry = nullptr;
 thread_local bool g_hasGivenUp = false;
 
-void Interrupt(int /*signal*/) {
+std::atomic<int> g_lastSignal{0};
+
+void Interrupt(int signal) {
+    g_lastSignal = signal;
     g_interrupted = true;
 }
 }  // namespace
@@ -32,6 +35,27 @@ void TakeInterrupts(std::initializer_list<int> signals) {
         sigaction(signal, nullptr, &before);
         if (signal == SIGINT || before.sa_handler != SIG_IGN) {
             sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+TidyEnd::TidyEnd(const std::vector<int>& signals) {
+    g_lastSignal = 0;
+    for (const int signal : signals) {
+        struct sigaction old {};
+        sigaction(signal, nullptr, &old);
+        before.emplace_back(signal, old);
+        TakeInterrupts({signal});
+    }
+}
+
+TidyEnd::~TidyEnd() {
+    for (const auto& [signal, old] : before) {
+        sigaction(signal, &old, nullptr);
+    }
+    for (const auto& [signal, old] : before) {
+        if (signal == g_lastSignal && old.sa_handler == SIG_DFL) {
+            raise(signal);
         }
     }
 }

@@ -7,11 +7,26 @@
 #include <initializer_list>
 #include <mutex>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace zorv {
 // From now on these signals interrupt the command that runs instead of ending the process, and do nothing
 // while none runs; one that is ignored stays so, but for SIGINT. Call it once, before the first command.
 void TakeInterrupts(std::initializer_list<int> signals = {SIGINT});
+
+// While it lives, these signals interrupt the command that runs, as SIGINT does in a console, instead of
+// ending the process; those that would have ended it do so at the end of its life. There is one at a time.
+class TidyEnd {
+public:
+    explicit TidyEnd(const std::vector<int>& signals);
+    ~TidyEnd();
+    TidyEnd(const TidyEnd&) = delete;
+    TidyEnd& operator=(const TidyEnd&) = delete;
+
+private:
+    std::vector<std::pair<int, struct sigaction>> before;
+};
 
 // The run of one command on the calling thread, the console's; an interrupt from before is forgotten. There
 // is one at a time.

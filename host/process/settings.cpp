@@ -30,7 +30,9 @@ std::string RootedPath(const std::string& path) {
 
 std::string GivenPath(const std::string& path) {
     const HostSettings& settings = GetHostSettings();
-    return settings.capture.value_or(settings.root) + path;
+    const auto moved = settings.movedFiles.find(path);
+    return moved != settings.movedFiles.end() ? moved->second
+                                              : settings.capture.value_or(settings.root) + path;
 }
 
 std::string AdviceWithoutFiles() {

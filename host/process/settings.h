@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 
@@ -14,6 +15,8 @@ struct HostSettings {
     std::chrono::milliseconds messageDeadline{3000};  // how long a request waits for its answer
     // The capture that `root` stands for, a directory in which nothing may change.
     std::optional<std::string> capture = std::nullopt;
+    // The files of it that are elsewhere than below that directory, by their fixed paths.
+    std::map<std::string, std::string> movedFiles{};
 };
 
 // Replaces the settings (at first the defaults). Not thread-safe: call it before other threads use a service.

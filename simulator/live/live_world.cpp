@@ -1,10 +1,13 @@
 #include "simulator/live/live_world.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 
 #include "simulator/live/live_clock.h"
 #include "simulator/live/live_database.h"
 #include "simulator/live/signals.h"
+#include "text/counted.h"
 
 namespace lumosim {
 namespace {
@@ -41,7 +44,9 @@ public:
                 Recreate();
             }
         }
-        tell(Now(), IsStop(signal) ? std::string("stopped: ") + strsignal(signal) : "stopped: time is over");
+        tell(Now(), std::string("stopped: ") + (IsStop(signal) ? strsignal(signal) : "time is over") + "; " +
+                        Counted(writes, "write") + ", the longest took " +
+                        std::to_string(longestWrite.count()) + " ms");
     }
 
 private:
@@ -58,7 +63,11 @@ private:
         if (nextRecreation && next >= *nextRecreation) {
             Recreate();
         }
+        const auto begin = std::chrono::steady_clock::now();
         const std::string table = database.WriteInstant(next);
+        const auto taken = std::chrono::steady_clock::now() - begin;
+        longestWrite = std::max(longestWrite, std::chrono::duration_cast<std::chrono::milliseconds>(taken));
+        ++writes;
         if (!table.empty()) {
             tell(next, "new table " + table);
         }
@@ -89,6 +98,8 @@ private:
     LiveClock clock;
     LiveDatabase database;
     int64_t next;  // the time of the samples that are to be written
+    size_t writes = 0;
+    std::chrono::milliseconds longestWrite{0};  // readers make the writer wait
     std::optional<int64_t> nextRecreation;
     std::optional<int64_t> end = live.duration ? std::optional(next + *live.duration) : std::nullopt;
 };

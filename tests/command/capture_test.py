@@ -1,7 +1,9 @@
 """Captures: the answers are those of the node, and of the captured files no byte, name or time changes."""
 import hashlib
 import io
+import json
 import os
+import re
 import resource
 import shutil
 import signal
@@ -9,10 +11,14 @@ import sqlite3
 import subprocess
 import tarfile
 import unittest
+from contextlib import closing
 from pathlib import Path
+
+import jsonschema
 
 from console import BIN, CONFIG, DATABASE, HEAL_DATABASE, ConsoleTest, eventually
 
+MANIFEST = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/manifest.schema.json").read_text()))
 RANGE, WORDS = "20230105103000 20230105143000", "2023/1/5 10:30:0 '2023-01-05 14:30'"
 POINT = "TGT_LUMO_HOST_READ"
 LINES = "\n".join(["switch set on", f"simudetect {RANGE}", f"delaydetect {RANGE}", f"delayanal {RANGE}", "showvalidtime",
@@ -50,9 +56,9 @@ class Capture(ConsoleTest):
         return {str(path): (path.lstat().st_mtime_ns, path.lstat().st_size, path.is_file() and path.stat().st_size < 1 << 30
                             and hashlib.sha256(path.read_bytes()).digest()) for path in [self.capture, *self.capture.rglob("*")]}
 
-    def run_program(self, program, *words, lines=""):
+    def run_program(self, program, *words, lines="", zone="+0800"):
         before = self.capture.exists() and self.picture()
-        done = subprocess.run([BIN / program, "--zone", "+0800", *words], input=lines, capture_output=True, text=True,
+        done = subprocess.run([BIN / program, *(zone and ["--zone", zone]), *words], input=lines, capture_output=True, text=True,
                               env=self.environment, preexec_fn=self.limit)
         self.assertEqual(self.capture.exists() and self.picture(), before)
         self.assertEqual(self.temporary.exists() and os.listdir(self.temporary), self.temporary.exists() and [])
@@ -81,6 +87,86 @@ class Capture(ConsoleTest):
                 json = self.run_program("zorv-explain", "--capture", self.capture, "--json", *RANGE.split())[1]
                 self.assertIn(hashlib.sha256(self.database.read_bytes()).hexdigest(), json)
             shutil.rmtree(self.root / "VRA/coffer_log")
+
+    def test_captures_that_are_taken(self):
+        """They are whole, of one moment, and told apart by their manifest; the node stays as it is."""
+        expected = self.run_program("zorv-explain", "--root", self.root, *RANGE.split())[1]
+        os.makedirs(self.root / "VRA/coffer_log/log/heal/data")
+        (self.root / "VRA/coffer_log/log/heal/data/faultDiagSwitch.ini").write_text("[zorvmode]\nvalue=3\n")
+        node, archive, flat = (self.temporary.parent / name for name in ("node", "rack 7.tar.zst", "flat"))
+        for script, target, name in (("", node, ["--name", "san-7"]), (WAL + "create table more(a);", archive, [])):
+            writer = sqlite3.connect(self.root / DATABASE)
+            writer.executescript(script)
+            files = {path: path.read_bytes() for path in (self.root / "VRA").rglob("*") if path.is_file() and path.suffix != ".db-shm"}
+            words = ["capture", *name, "--timeout", "9", target]
+            status, out, err = self.run_program("zorv-local", "--root", self.root, "--node", "7", *([] if script else words),
+                                                lines=" ".join(f"'{word}'" for word in words))
+            self.assertEqual((status, "; 4 files of " in out, err), (0, True, ""))
+            self.assertEqual({path: path.read_bytes() for path in files}, files)
+            writer.close()
+        self.assertEqual(list(self.root.glob(".*")), [])
+        with tarfile.open(fileobj=io.BytesIO(subprocess.run(["zstd", "-dc", archive], check=True, capture_output=True).stdout)) as packed:
+            self.assertIn("rack 7/VRA/data/zorv/zorv_heal.db", packed.getnames())
+        manifest = json.loads((node / "manifest.json").read_text())
+        MANIFEST.validate(manifest)
+        self.assertEqual((manifest["node"], manifest["number"], manifest["statistics"]["start"]["epoch"]), ("san-7", 7, 1672885800))
+        self.assertEqual([file["sha256"] for file in manifest["files"]],
+                         [hashlib.sha256((node / file["path"][1:]).read_bytes()).hexdigest() for file in manifest["files"]])
+        (flat / "a/b").mkdir(parents=True)
+        for file in (DATABASE, HEAL_DATABASE, CONFIG):
+            shutil.copy(node / file, flat / "a/b")
+        manifests, tables = "node 7, san-7; zone +08:00, by the manifest", "zone +08:00, in which the tables' names fit the times"
+        for place, said in ((node, manifests), (archive, "; zone +08:00, by the manifest"), (flat, tables), (flat / "a", tables)):
+            for program, *words in (["zorv-explain"], ["zorv-local", "explain"]):
+                status, out, err = self.run_program(program, "--capture", place, *words, *RANGE.split(), zone="")
+                self.assertEqual((status, re.sub("  node        .*\n", "", out), "node        san-7" in out, err.count(said), COPY in err), (0, expected, place == node, 1, False), err)
+        status, out, err = self.run_program("zorv-local", "--capture", flat, "status")
+        self.assertIn(f"statistics     {flat}/a/b/lumo_diagnose_data.db\n", out)
+        self.assertEqual(json.loads(self.run_program("zorv-fleet", "--json", node, *RANGE.split())[1])["nodes"][0]["node"], "san-7")
+        (flat / "a/b/zorv_heal.db").unlink()
+        err = self.run_program("zorv-explain", "--capture", flat, *RANGE.split())[2]
+        self.assertIn(f"{flat}/{HEAL_DATABASE} is missing:", err)
+        self.assertIn(f"Looked for a folder VRA and for a file zorv_heal.db in {flat} and up to two levels below.", err)
+
+    def test_captures_that_cannot_be_taken(self):
+        """Why not is told, and nothing half is left."""
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 18, 1 << 18))
+
+        (self.root / "there").mkdir()
+        (self.root / "there/file").touch()
+        before = sorted(self.root.rglob("*"))
+        for target, status, said in (("there", 1, "' is there already: nothing is replaced. Name another target."), ("x.tar.gz", 1, "an archive is packed as .tar.zst"),
+                                     ("no/x", 1, " is not there."), ("full", 1, "Is there space where the capture goes?"), ("x", 2, "--timeout is a number of seconds")):
+            self.limit = limit if target == "full" else None
+            words = ["capture", self.root / target, *(["--timeout", "soon"] if status == 2 else [])]
+            found, _, err = self.run_program("zorv-local", "--root", self.root, *words)
+            self.assertEqual((found, said in err, sorted(self.root.rglob("*"))), (status, True, before), err)
+        writer = sqlite3.connect(self.root / DATABASE)
+        writer.execute("begin exclusive")  # so it waits
+        with subprocess.Popen([BIN / "zorv-local", "--root", self.root, "capture", self.root / "x"], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL) as taking:
+            self.assertTrue(eventually(lambda: list(self.root.glob(".x.*"))))
+            taking.send_signal(signal.SIGTERM)
+            self.assertEqual(taking.wait(), -signal.SIGTERM)
+        writer.close()
+        self.assertEqual(sorted(self.root.rglob("*")), before)
+
+    def test_captures_beside_a_writer(self):
+        """Every instant that they hold has all points."""
+        with subprocess.Popen([BIN / "lumo-sim", "--root", self.root, "--live", "--hours", "4", "--speed", "86400", "--end", "20230105143000"],
+                              stdout=subprocess.PIPE, text=True) as producer:
+            self.assertIn("started", producer.stdout.readline())
+            for number in range(3):
+                status, _, err = self.run_program("zorv-local", "--root", self.root, "capture", self.root / f"c{number}")
+                self.assertEqual(status, 0, err)
+                files = json.loads((self.root / f"c{number}/manifest.json").read_text())["files"]
+                self.assertLessEqual(files[0]["restarts"], 3)
+                with closing(sqlite3.connect(self.root / f"c{number}" / DATABASE)) as database:
+                    points, = database.execute("select count(*) from version_nmaps").fetchone()
+                    rows = [row for table, in database.execute("select tablename from table_flag").fetchall()
+                            for row in database.execute(f"select curtime, count(distinct locateid), count(*) from {table} group by 1")]
+                self.assertEqual(rows, [(when, points, points) for when in range(rows[0][0], rows[-1][0] + 1, 30)])
+            producer.terminate()
 
     def test_archives(self):
         """Answers are those of the node; what would leave the folder, or fill a disk, is refused."""

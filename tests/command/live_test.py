@@ -86,7 +86,7 @@ class Live(ConsoleTest):
         told += [(begin, "new table lumo_data_" + compact(begin)) for begin in begins]
         *lines, last = screen.splitlines()
         self.assertEqual(lines, [f"{compact(when)} {event}" for when, event in sorted(told)])
-        self.assertRegex(last, r"^\d{14} stopped: time is over$")
+        self.assertRegex(last, r"^\d{14} stopped: time is over; 240 writes, the longest took \d+ ms$")
         tables = self.instants()  # the last one began at 6600; dropped are those that had ended at 3000
         self.assertEqual(list(tables), ["lumo_data_" + compact(begin) for begin in begins if begin >= END + 3000])
         self.assertEqual(max(tables.popitem()[1]), END + 7200 - STEP)

@@ -36,19 +36,20 @@ ARROWS = {
     "host/services": {"host/process", "text"},
     "host/cluster": {"host/services", "host/process", "text"},
     "host/capture": {"host/services", "host/process", "text"},
+    "host/collecting": {"host/capture", "host/services", "host/process", "text"},
     "host/basis": {"host/services", "host/process", "text"},
     "host/command": {"cli", "text"},
     "host/state": {"host/basis", "host/services", "host/process", "cli", "text"},
-    "host/console": {"host/state", "host/command", "host/basis", "host/services", "host/process", "cli", "text"},
+    "host/console": {"host/collecting", "host/capture", "host/state", "host/command", "host/basis", "host/services", "host/process", "cli", "text"},
     "host/terminal": {"host/console", "host/command", "host/capture", "host/services", "host/process", "text"},
     "simulator/graphs": set(),
     "simulator/plan": {"simulator/graphs", "cli", "text"},
     "simulator/files": {"simulator/plan", "simulator/graphs", "cli", "text"},
-    "simulator/live": {"simulator/files", "simulator/plan", "cli"},
+    "simulator/live": {"simulator/files", "simulator/plan", "cli", "text"},
     "simulator": {"simulator/live", "simulator/files", "simulator/plan", "cli", "text"},
 }
 ARROWS["host"] = {unit for unit in ARROWS if unit.startswith("host/")} | {"cli", "text"}
-ARROWS["explain/finding"] = {"fault_common", "fault_correlation", "fault_database"}
+ARROWS["explain/finding"] = {"text", "fault_common", "fault_correlation", "fault_database"}
 ARROWS["explain/analysis"] = {"explain/finding", "text", "fault_common", "fault_correlation", "fault_json_object",
                               "fault_causality_graph", "fault_rootcause"}
 ARROWS["explain/errors"] = {"explain/analysis", "explain/finding", "fault_common", "fault_database", "fault_json_object",

@@ -1,0 +1,23 @@
+// In which zone data tables are named.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+// A data table: the start that its name tells as local time, counted as if that were UTC, and the times of
+// its first and its last row.
+struct TableSpan {
+    struct Rows {
+        int64_t start = 0;
+        int64_t end = 0;
+    };
+    int64_t named = 0;
+    Rows rows;
+};
+
+// The zone, in seconds east of UTC, of the names of the tables, which are in the order of time; `asked`
+// itself, if there is one, unless the rows contradict it: each lies behind the start of its table and before
+// the next table's. None when no whole hour fits.
+std::optional<int64_t> ZoneOfTables(const std::vector<TableSpan>& tables,
+                                    std::optional<int64_t> asked = std::nullopt);
