@@ -1,20 +1,24 @@
 #include <sqlite3.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 
 #include "cli/program.h"
 #include "host/capture/capture.h"
 #include "host/capture/inputs.h"
+#include "host/cluster/address.h"
 #include "host/cluster/cluster_file.h"
 #include "host/cluster/message.h"
+#include "host/cluster/plain_tcp.h"
 #include "host/command/status.h"
 #include "host/options.h"
 #include "host/plugin.h"
@@ -41,7 +45,8 @@ std::string CheckedRoot(const std::string& root) {
 void CheckLogFile(const Options& options) {
     const Inputs inputs = {options.capture.value_or(options.root.value_or("")),
                            options.capture.has_value(),
-                           {options.cluster, options.plugin.value_or("")}};
+                           {options.cluster, options.plugin.value_or(""), options.tls.authority,
+                            options.tls.certificate, options.tls.key}};
     if (const auto reason = options.logFile.empty() ? std::nullopt : WhyNotWritten(options.logFile, inputs)) {
         throw std::runtime_error(*reason);
     }
@@ -128,20 +133,49 @@ ExitStatus RunCommands(const Options& options, const std::optional<Capture>& cap
     return isatty(STDIN_FILENO) == 1 ? RunTerminal(console) : RunLinesOfInput(console);
 }
 
+// Null when no address takes any.
+std::shared_ptr<const Credentials> ReadCredentials(const Options& options, const NodeAddresses& nodes) {
+    if (std::none_of(nodes.begin(), nodes.end(),
+                     [](const auto& node) { return Behind(TLS, node.second).has_value(); })) {
+        return nullptr;
+    }
+    const auto orBeside = [&](const std::string& file, const std::string& name) {
+        return file.empty() ? std::filesystem::path(options.cluster).replace_filename(name).string() : file;
+    };
+    const std::string own = "node-" + std::to_string(options.node);
+    return std::make_shared<Credentials>(CredentialFiles{orBeside(options.tls.authority, "ca.pem"),
+                                                         orBeside(options.tls.certificate, own + ".pem"),
+                                                         orBeside(options.tls.key, own + ".key")});
+}
+
+struct Cluster {
+    NodeAddresses nodes;  // none: there is no other node
+    std::shared_ptr<const Credentials> credentials;
+};
+
+Cluster ReadCluster(const Options& options) {
+    if (options.cluster.empty()) {
+        return {};
+    }
+    const NodeAddresses nodes = ReadClusterFile(options.cluster, {options.node, options.master});
+    const std::string warning = WarnOfPlainTcp(nodes, options.insecure);
+    if (!warning.empty()) {
+        std::fprintf(stderr, "zorv-local: %s\n", warning.c_str());
+    }
+    return {nodes, ReadCredentials(options, nodes)};
+}
+
 void Start(const Options& options, std::optional<Capture>& capture) {
     CheckLogFile(options);
-    NodeAddresses nodes;  // read before a large capture is copied for nothing
-    if (!options.cluster.empty()) {
-        nodes = ReadClusterFile(options.cluster, {options.node, options.master});
-    }
+    const Cluster cluster = ReadCluster(options);  // before a large capture is copied for nothing
     SetUpServices(options, capture);
     if (const std::string advice = AdviceWithoutFiles(); !advice.empty()) {
         std::fprintf(stderr, "zorv-local: %s\n", advice.c_str());
     }
     WatchStatements();
     StartPlugin(options.plugin);
-    if (!nodes.empty()) {  // now that there are handlers
-        JoinCluster(nodes);
+    if (!cluster.nodes.empty()) {  // now that there are handlers
+        JoinCluster(cluster.nodes, cluster.credentials);
     }
 }
 

@@ -43,7 +43,7 @@ Examples:
   zorv-local --root /tmp/world < commands.txt       runs the command lines of a file
   zorv-local --node 2 --master 1 --cluster nodes    a node of a cluster, for a file "nodes" with the lines
                                                     1 ipc:///run/zorv/one.socket
-                                                    2 tcp://127.0.0.1:7002
+                                                    2 tls+tcp://192.168.7.2:7002
 )";
 
 const std::map<std::string, uint32_t> LEVELS = {
@@ -59,6 +59,26 @@ uint32_t LevelOf(const std::string& word) {
     return level->second;
 }
 
+void DeclareTlsOptions(CLI::App& app, Options& options) {
+    const struct {
+        const char* name;
+        std::string& file;
+        const char* help;
+    } files[] = {
+        {"--tls-ca", options.tls.authority,
+         "For tls+tcp, in PEM: who signs the certificates of nodes; default: ca.pem beside the cluster file"},
+        {"--tls-cert", options.tls.certificate,
+         "This node's certificate; default: node-N.pem beside the cluster file"},
+        {"--tls-key", options.tls.key,
+         "Its private key, not for others; default: node-N.key beside the cluster file"},
+    };
+    for (const auto& row : files) {
+        app.add_option(row.name, row.file, row.help)->type_name("FILE")->needs("--cluster");
+    }
+    app.add_flag("--insecure", options.insecure, "Allow plain tcp also outside of private networks")
+        ->needs("--cluster");
+}
+
 void Declare(CLI::App& app, Options& options) {
     cli::SetUsage(app, "zorv-local [OPTIONS] [COMMAND [ARGS...]]");
     app.footer(EXAMPLES);
@@ -71,6 +91,7 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("M");
     app.add_option("--cluster", options.cluster, "The nodes and where they listen: a line each, ID ADDRESS")
         ->type_name("FILE");
+    DeclareTlsOptions(app, options);
     app.add_option("--log", options.logFile, "Append the log to this file; default: standard error")
         ->type_name("FILE");
     app.add_option_function<std::string>(

@@ -8,14 +8,17 @@
 
 #include "agent/agent_log.h"
 #include "cli/options.h"
+#include "host/cluster/credentials.h"
 
 namespace zorv {
 struct Options : cli::InputOptions {
     std::optional<std::string> plugin;  // instead of the plug-in that belongs to this program
     uint32_t node = 1;
-    uint32_t master = 1;  // the own node, or one of the cluster's
-    std::string cluster;  // the file with its nodes; empty: there are no other nodes
-    std::string logFile;  // empty: stderr
+    uint32_t master = 1;    // the own node, or one of the cluster's
+    std::string cluster;    // the file with its nodes; empty: there are no other nodes
+    CredentialFiles tls;    // empty: those beside that file
+    bool insecure = false;  // plain tcp everywhere
+    std::string logFile;    // empty: stderr
     std::optional<uint32_t>
         logLevel;        // VPLOG_LEVEL_*; none was named: warnings, unless a good end needs no log
     bool hints = false;  // also where no terminal is

@@ -40,8 +40,12 @@ void LogRarely(RareEvent& event, const char* what) {
 }
 }  // namespace
 
-Bus::Bus(uint32_t ownNode, NodeAddresses known)
-    : node(ownNode), addresses(std::move(known)), listener(addresses.at(ownNode)), guests(AT_ONCE) {}
+Bus::Bus(uint32_t ownNode, NodeAddresses known, std::shared_ptr<const Credentials> shown)
+    : node(ownNode),
+      addresses(std::move(known)),
+      credentials(std::move(shown)),
+      listener(addresses.at(ownNode), credentials.get()),
+      guests(AT_ONCE) {}
 
 void Bus::Start(MessageServer server, milliseconds most) {
     serve = std::move(server);
@@ -69,7 +73,7 @@ Answer Bus::Ask(const ZORV_COMM_INFO_S& info, std::string_view payload, Moment e
     if (address == addresses.end()) {
         throw std::runtime_error("the cluster has no such node");
     }
-    Connection connection(address->second, end);
+    Connection connection(address->second, end, credentials.get());
     BusFrame frame = {FrameKind::ASK_TIME, node,           info.dstNid, info.module,
                       info.msgOPCode,      info.needReply, 0,           {}};
     connection.Send(frame);
@@ -115,6 +119,8 @@ void Bus::Converse(Guests::Visit& visit) {
         }
     } catch (const NoFrame&) {
         LogRarely(garbage, "messages that were none");
+    } catch (const Untrusted&) {
+        LogRarely(untrusted, "connections without a valid certificate, or that refused the one of this node");
     } catch (const std::runtime_error&) {
         return;  // the other side has what it wanted, or its time is over
     }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -17,7 +18,7 @@
 #include "host/cluster/rare_event.h"
 
 namespace zorv {
-// Where each node of the cluster listens: "ipc:///PATH" or "tcp://HOST:PORT".
+// Where each node of the cluster listens: "ipc:///PATH", "tls+tcp://HOST:PORT" or "tcp://HOST:PORT".
 using NodeAddresses = std::map<uint32_t, std::string>;
 
 // Runs the handler of a message that came from another node, and waits for its answer; on a thread of the
@@ -28,9 +29,10 @@ using MessageServer = std::function<std::optional<Answer>(const ZORV_COMM_INFO_S
 // This node's end of the bus. Thread-safe. Its life must not end once it has begun to serve.
 class Bus {
 public:
-    // Listens at the address of `ownNode`, which is one of the nodes. Throws std::runtime_error, with a
-    // message for the operator, when that is not possible.
-    Bus(uint32_t ownNode, NodeAddresses known);
+    // Listens at the address of `ownNode`, which is one of the nodes; tls+tcp addresses take credentials,
+    // which are null where there are none. Throws std::runtime_error, with a message for the operator, when
+    // that is not possible.
+    Bus(uint32_t ownNode, NodeAddresses known, std::shared_ptr<const Credentials> shown = nullptr);
 
     // Serves other nodes from then on: sixteen connections at once, each for no longer than `most`. Who comes
     // then takes the place of the one that keeps this node waiting for the longest time, or waits while all
@@ -55,10 +57,11 @@ private:
 
     const uint32_t node;
     const NodeAddresses addresses;
+    const std::shared_ptr<const Credentials> credentials;
     MessageServer serve;
     std::chrono::milliseconds longest{0};
     Listener listener;
     Guests guests;
-    RareEvent garbage, astray, late, lost;
+    RareEvent garbage, untrusted, astray, late, lost;
 };
 }  // namespace zorv

@@ -2,6 +2,7 @@
 
 #include <nng/nng.h>
 #include <nng/transport/ipc/ipc.h>
+#include <nng/transport/tls/tls.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -9,6 +10,7 @@
 #include <thread>
 #include <utility>
 
+#include "host/cluster/address.h"
 #include "host/process/interrupt.h"
 
 namespace zorv {
@@ -22,9 +24,11 @@ constexpr int OWNER_ONLY = 0600;
 constexpr int MANY_DESCRIPTORS = 256;
 constexpr std::chrono::milliseconds PAUSE{5};
 constexpr int MOST_PAUSES = 200;
-constexpr std::string_view IPC = "ipc://";
 
 void Check(int error) {
+    if (error == NNG_EPEERAUTH || error == NNG_ECRYPTO) {
+        throw Untrusted();
+    }
     if (error != 0) {
         throw std::runtime_error(nng_strerror(error));
     }
@@ -40,11 +44,23 @@ Connection::Stream StreamOf(const Operation& operation) {
     return Connection::Stream(static_cast<nng_stream*>(nng_aio_get_output(operation.Get(), 0)));
 }
 
-Connection::Stream Dial(const std::string& address, Moment end) {
+// Without credentials of our own the library would let anyone in.
+bool NeedsCredentials(const std::string& address, const Credentials* own) {
+    const bool isTls = Behind(TLS, address).has_value();
+    if (isTls && own == nullptr) {
+        throw std::runtime_error("this node has no certificate");
+    }
+    return isTls;
+}
+
+Connection::Stream Dial(const std::string& address, Moment end, const Credentials* own) {
     nng_stream_dialer* dialer = nullptr;
     Check(nng_stream_dialer_alloc(&dialer, address.c_str()));
     const std::unique_ptr<nng_stream_dialer, void (*)(nng_stream_dialer*)> owner(dialer,
                                                                                  nng_stream_dialer_free);
+    if (NeedsCredentials(address, own)) {
+        Check(nng_stream_dialer_set_ptr(dialer, NNG_OPT_TLS_CONFIG, own->ForAsking()));
+    }
     for (;;) {
         Operation operation;
         nng_aio_set_timeout(operation.Get(), Left(end));
@@ -81,14 +97,17 @@ void RefuseOtherFiles(const std::string& path) {
     }
 }
 
-void Listen(const std::string& address, nng_stream_listener** listener) {
-    const bool isFile = address.compare(0, IPC.size(), IPC) == 0;
-    if (isFile) {
-        RefuseOtherFiles(address.substr(IPC.size()));
+void Listen(const std::string& address, const Credentials* own, nng_stream_listener** listener) {
+    const auto path = Behind(IPC, address);
+    if (path.has_value()) {
+        RefuseOtherFiles(std::string(*path));
     }
     Check(nng_stream_listener_alloc(listener, address.c_str()));
-    if (isFile) {
+    if (path.has_value()) {
         Check(nng_stream_listener_set_int(*listener, NNG_OPT_IPC_PERMISSIONS, OWNER_ONLY));
+    }
+    if (NeedsCredentials(address, own)) {
+        Check(nng_stream_listener_set_ptr(*listener, NNG_OPT_TLS_CONFIG, own->ForListening()));
     }
     Check(nng_stream_listener_listen(*listener));
 }
@@ -128,8 +147,8 @@ void Connection::Free::operator()(nng_stream* freed) const {
 
 Connection::Connection(Stream connected, Moment lastMoment) : stream(std::move(connected)), end(lastMoment) {}
 
-Connection::Connection(const std::string& address, Moment lastMoment)
-    : stream(Dial(address, lastMoment)), end(lastMoment) {}
+Connection::Connection(const std::string& address, Moment lastMoment, const Credentials* own)
+    : stream(Dial(address, lastMoment, own)), end(lastMoment) {}
 
 void Connection::Send(const BusFrame& frame) {
     std::string bytes = EncodeFrame(frame);
@@ -166,9 +185,9 @@ void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, siz
     }
 }
 
-Listener::Listener(const std::string& address) {
+Listener::Listener(const std::string& address, const Credentials* own) {
     try {
-        Listen(address, &listener);
+        Listen(address, own, &listener);
     } catch (const std::runtime_error& error) {
         nng_stream_listener_free(listener);
         throw std::runtime_error("cannot listen at " + address + ": " + error.what());

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/cluster/bus_frame.h"
+#include "host/cluster/credentials.h"
 
 struct nng_aio;
 struct nng_stream;
@@ -22,6 +23,12 @@ using Moment = std::chrono::steady_clock::time_point;
 class NoFrame : public std::runtime_error {
 public:
     NoFrame() : std::runtime_error("what it sent is no message of a node") {}
+};
+
+// One side has not shown a certificate that the other takes for valid.
+class Untrusted : public std::runtime_error {
+public:
+    Untrusted() : std::runtime_error("its certificate, or the one of this node, was refused") {}
 };
 
 // One operation of the library at a time, and what came of it. For the thread that makes it.
@@ -59,8 +66,8 @@ public:
 
     Connection(Stream connected, Moment lastMoment);
 
-    // Connects to the node that listens at `address`.
-    Connection(const std::string& address, Moment lastMoment);
+    // Connects to the node that listens at `address`; a tls+tcp address takes the node's credentials.
+    Connection(const std::string& address, Moment lastMoment, const Credentials* own = nullptr);
 
     // Throws std::length_error when the payload is too long.
     void Send(const BusFrame& frame);
@@ -85,8 +92,9 @@ private:
 class Listener {
 public:
     // Listens at `address`; the socket file that a killed process has left there is replaced. Throws
-    // std::runtime_error, with a message for the operator, when the address cannot be used, or is.
-    explicit Listener(const std::string& address);
+    // std::runtime_error, with a message for the operator, when the address cannot be used, or is. A tls+tcp
+    // address takes the node's credentials, which are not kept.
+    explicit Listener(const std::string& address, const Credentials* own = nullptr);
     ~Listener();
     Listener(const Listener&) = delete;
     Listener& operator=(const Listener&) = delete;

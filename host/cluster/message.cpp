@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <optional>
+#include <utility>
 
 #include "agent/agent_message.h"
 #include "host/cluster/delivery.h"
@@ -51,9 +52,9 @@ uint32_t SendRequest(const ZORV_COMM_INFO_S& info, const void* payload, ZORV_COM
 }
 }  // namespace
 
-void JoinCluster(const NodeAddresses& addresses) {
+void JoinCluster(const NodeAddresses& addresses, std::shared_ptr<const Credentials> credentials) {
     const HostSettings& settings = GetHostSettings();
-    auto& bus = MakeImmortal<Bus>(settings.node, addresses);
+    auto& bus = MakeImmortal<Bus>(settings.node, addresses, std::move(credentials));
     bus.Start(HandleHere, settings.messageDeadline);
     g_bus = &bus;
 }

@@ -9,12 +9,15 @@
 #include <cerrno>
 #include <cinttypes>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <stdexcept>
 
 namespace zorv {
 namespace {
 constexpr mode_t FILE_MODE = 0644;
+constexpr size_t LARGEST_INPUT = 1 << 20;
 
 std::string DirectoryOf(const std::string& path) {
     const std::string parent = std::filesystem::path(path).parent_path();
@@ -159,5 +162,15 @@ bool ReadSmallFile(const std::string& path, size_t most, std::string& content) {
     text.resize(length);
     content = std::move(text);
     return true;
+}
+
+std::string ReadInputFile(const std::string& what, const std::string& path) {
+    std::string content;
+    errno = 0;
+    if (!ReadSmallFile(path, LARGEST_INPUT, content)) {
+        throw std::runtime_error(what + " '" + path + "' cannot be read: " +
+                                 (errno == 0 ? "it is no file of 1 MiB at most" : std::strerror(errno)));
+    }
+    return content;
 }
 }  // namespace zorv

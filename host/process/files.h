@@ -44,4 +44,8 @@ bool AppendLine(const std::string& path, const std::string& line);
 // Reads the whole of the regular file `path`. Returns false, with `content` unchanged, when that is not
 // possible or the file is longer than `most` bytes.
 bool ReadSmallFile(const std::string& path, size_t most, std::string& content);
+
+// The content of the regular file `path`, of 1 MiB at most, without which the caller cannot go on. Throws
+// std::runtime_error, with a message for the operator that begins with `what` the file is.
+std::string ReadInputFile(const std::string& what, const std::string& path);
 }  // namespace zorv
