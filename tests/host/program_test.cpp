@@ -113,6 +113,8 @@ TEST_F(ProgramTest, ReadsLinesOfInput) {
          "  series POINT [--columns NAMES] START END | MINUTES: the rows that the statistics have of a "
          "point.\n"
          "  check [OPTIONS] [FILE]: what is wrong with the configuration's graphs; --help tells more.\n"
+         "  capture [--name NAME] [--timeout SECONDS] DIR|FILE.tar.zst: copies this node's files, consistent "
+         "beside their writers, for --capture elsewhere.\n"
          "  quit: leave; so does Ctrl-D.\n",
          ""},
         {"print 'no \t\t[ERROR]: x'", "no \t\t[ERROR]: x\n", ""},
