@@ -48,6 +48,10 @@ constexpr NodeFile FILES[] = {
     {ALARM_FILE, false, nullptr},
 };
 
+bool IsStatistics(const NodeFile& file) {
+    return std::strcmp(file.path, LUMO_DATABASE_FILE) == 0;
+}
+
 bool EndsIn(const std::string& text, const std::string& end) {
     return text.size() > end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
@@ -182,12 +186,15 @@ private:
             throw CaptureError(from + " cannot be copied: " + error.message() + ".");
         }
         told.bytes = fs::file_size(to);
+        if (told.bytes == 0 && IsStatistics(file)) {
+            throw CaptureError(from + " is empty: its writer makes it anew, or has not begun. Try again.");
+        }
         told.hash = HashOfFile(to);
         taken.manifest.files.push_back(told);
     }
 
     void Lacks(const NodeFile& file, const std::string& from) {
-        if (std::strcmp(file.path, LUMO_DATABASE_FILE) == 0) {
+        if (IsStatistics(file)) {
             throw CaptureError(from + " is not there: " + file.withoutIt + ".");
         }
         if (file.withoutIt != nullptr) {

@@ -26,8 +26,8 @@ struct CaptureTaken {
 // Copies the node's files from below the root of the host's settings: each database as it was at one moment,
 // the configuration, the switch, the alarms, and writes a manifest. All is collected beside the target, for
 // its owner alone, and renamed when it is on disk: a target is whole or not there. Throws CaptureError, with
-// nothing left behind, for a target that is there and not empty, a node without statistics, want of space,
-// and where the command was interrupted. Only a process that is killed leaves its folder, which begins with a
-// dot. Writes nothing else. Blocks; the console's thread.
+// nothing left behind, for a target that is there and not empty, a node without statistics (it may be making
+// them anew), want of space, and where the command was interrupted. Only a process that is killed leaves its
+// folder, which begins with a dot. Writes nothing else. Blocks; the console's thread.
 CaptureTaken TakeCapture(const CaptureOrder& order);
 }  // namespace zorv

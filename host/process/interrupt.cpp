@@ -44,8 +44,10 @@ TidyEnd::TidyEnd(const std::vector<int>& signals) {
     for (const int signal : signals) {
         struct sigaction old {};
         sigaction(signal, nullptr, &old);
-        before.emplace_back(signal, old);
-        TakeInterrupts({signal});
+        if (old.sa_handler != SIG_IGN) {
+            before.emplace_back(signal, old);
+            TakeInterrupts({signal});
+        }
     }
 }
 

@@ -16,7 +16,8 @@ namespace zorv {
 void TakeInterrupts(std::initializer_list<int> signals = {SIGINT});
 
 // While it lives, these signals interrupt the command that runs, as SIGINT does in a console, instead of
-// ending the process; those that would have ended it do so at the end of its life. There is one at a time.
+// ending the process, unless they are ignored; those that would have ended it do so at the end of its life.
+// There is one at a time.
 class TidyEnd {
 public:
     explicit TidyEnd(const std::vector<int>& signals);

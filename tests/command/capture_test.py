@@ -239,7 +239,7 @@ class Capture(ConsoleTest):
             (lambda: os.mkfifo(journal), 0, f"{database} has a -journal beside it that is no file, it is left out" + COPY),
             (lambda: os.truncate(config, 1 << 40), 3, f"{config} has {1 << 40} bytes, far more than on any node" + NEXT),
             (lambda: wal.write_text("x" * 99), 0, f"{database}-wal is damaged: unless the node had closed", [], [WAL, True]),
-            (lambda: overwrite(24, 1), 0, f"{wal} is damaged: unless the node had closed", [], [TWICE]),
+            (lambda: overwrite(24, 4), 0, f"{wal} is damaged: unless the node had closed", [], [TWICE]),
             (lambda: overwrite(5000, 9), 0, f"{wal} is damaged behind its first 0 frames: 2 committed transactions in ", [], [TWICE]),
             (lambda: os.truncate(wal, 9999), 0, f"{wal} ends with an incomplete transaction behind its first 0 frames", [], [TWICE]),
             (lambda: os.truncate(database, 4096), 3, "cannot be used: database disk image is malformed" + NEXT, [], [WAL, True]),

@@ -70,7 +70,7 @@ def take(place, root, count, tell):
                 lines.append(console.stdout.readline())
             why = (place / "said").read_text().splitlines()[-1:]
             if len(lines) < 2:
-                if "is not there" not in str(why):  # the database is being made anew
+                if "is not there" not in str(why) and "is empty" not in str(why):  # the database is being made anew
                     tell(f"no capture: {why}")
                     taken += 1
                 continue
