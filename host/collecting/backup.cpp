@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "host/capture/captured_database.h"
 #include "host/process/interrupt.h"
@@ -18,6 +20,9 @@ constexpr int PAGES_OF_STEP = 1024;  // 4 MiB of usual pages
 constexpr int ALL_PAGES = -1;
 constexpr uint64_t MOST_RESTARTS = 3;
 constexpr int MOST_ATTEMPTS = 3;  // at a file that others replace meanwhile
+constexpr int MOST_HOT_ATTEMPTS =
+    40;  // at one beside which a journal lies: of a file that is made anew, for a moment
+constexpr milliseconds PAUSE_OF_HOT{50};
 constexpr milliseconds SHORTEST_PAUSE{10};
 constexpr milliseconds PAUSE_OF_LOCKED{5};
 constexpr milliseconds LONGEST_LOCKED{10'000};  // behind the limit
@@ -31,13 +36,17 @@ struct FinishBackup {
     void operator()(sqlite3_backup* backup) const { sqlite3_backup_finish(backup); }
 };
 
+bool IsHot(int result) {
+    return result == SQLITE_READONLY_ROLLBACK || result == SQLITE_READONLY_RECOVERY;
+}
+
 [[noreturn]] void Fail(const std::string& from, int result) {
     const int kind = result & 0xFF;
-    const bool isHot = result == SQLITE_READONLY_ROLLBACK || result == SQLITE_READONLY_RECOVERY;
     throw CaptureError(
         from + " cannot be copied: " +
-        (isHot ? "its writer has left a transaction unfinished and is gone. Start the writer again; or copy "
-                 "the database and the files beside it while nobody writes"
+        (IsHot(result)
+             ? "its writer has left a transaction unfinished and is gone. Start the writer again; or copy "
+               "the database and the files beside it while nobody writes"
          : kind == SQLITE_FULL || kind == SQLITE_IOERR
              ? std::string(sqlite3_errstr(result)) + ". Is there space where the capture goes?"
          : kind == SQLITE_BUSY || kind == SQLITE_LOCKED ? "its writer has kept it locked all the time"
@@ -77,6 +86,9 @@ public:
         return copying;
     }
 
+    // Whether it came to an end because a transaction is left unfinished.
+    bool IsUnfinished() const { return isUnfinished; }
+
     // Whether another file has taken its place meanwhile.
     bool HasMoved() const {
         int moved = 0;
@@ -102,6 +114,10 @@ private:
             SleepUnlessInterrupted(PAUSE_OF_LOCKED);
             return false;
         }
+        isUnfinished = IsHot(result);
+        if (isUnfinished) {
+            return true;
+        }
         if (result != SQLITE_OK && result != SQLITE_DONE) {
             Fail(from, result);
         }
@@ -126,26 +142,30 @@ private:
     const Connection source;
     const Connection target;
     const std::unique_ptr<sqlite3_backup, FinishBackup> backup;  // gone before the connections
-    int done = 0;                                                // pages
+    bool isUnfinished = false;
+    int done = 0;  // pages
     Manifest::Copying copying;
 };
 }  // namespace
 
 Manifest::Copying BackUp(const std::string& from, const std::string& to, milliseconds limit,
                          const std::function<void(double)>& show) {
-    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
+    for (int replaced = 0, hot = 0; replaced < MOST_ATTEMPTS;) {
         std::filesystem::remove(to);
-        bool isWhole = false;
-        Manifest::Copying copying;
-        {
-            Backup backup(from, to, limit);
-            copying = backup.Run(show);
-            isWhole = !backup.HasMoved();
-        }
+        std::optional<Backup> backup(std::in_place, from, to, limit);
+        const Manifest::Copying copying = backup->Run(show);
+        const bool isUnfinished = backup->IsUnfinished();
+        const bool isWhole = !isUnfinished && !backup->HasMoved();
+        backup.reset();
         if (isWhole) {
             SettleCopy(to, from);
             return copying;
         }
+        if (isUnfinished && ++hot >= MOST_HOT_ATTEMPTS) {
+            Fail(from, SQLITE_READONLY_ROLLBACK);
+        }
+        replaced += isUnfinished ? 0 : 1;
+        SleepUnlessInterrupted(isUnfinished ? PAUSE_OF_HOT : milliseconds(0));
     }
     throw CaptureError(from + " cannot be copied: it is replaced by another file again and again.");
 }

@@ -9,6 +9,7 @@ from console import BIN, ConsoleTest, error
 
 MARK = "quit: leave; so does Ctrl-D.\n"  # what "help quit" prints, to know where a screen ends
 OFF = error("fault diagnose switch is off")
+WARNING = "zorv-local: plain tcp between nodes is open to anyone who reaches it: tls+tcp:// is for nodes with a certificate\n"
 SILENCE = "zorv-local: line {}: node 1, which keeps the switch, did not answer\n"
 
 
@@ -30,7 +31,7 @@ class Cluster(ConsoleTest):
             stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         self.nodes[node], self.lines[node] = console, 0
         self.addCleanup(console.communicate)
-        self.assertEqual(self.say(node, ""), "")
+        self.assertEqual(self.say(node, ""), WARNING if "tcp" in (self.root / "nodes").read_text() else "")
 
     def say(self, node, line):
         """The screen of one command line; the text of a complaint begins with its number."""

@@ -10,6 +10,7 @@
 #include <random>
 #include <vector>
 
+#include "host/cluster/plain_tcp.h"
 #include "host/process/immortal.h"
 #include "tests/host/temp_root.h"
 
@@ -43,6 +44,22 @@ TEST(FrameTest, IsDecodedWholeOrNotAtAll) {
         EXPECT_FALSE(DecodeFrame(damaged).has_value()) << place;
     }
     EXPECT_EQ(PayloadLength(std::string(bytes).replace(37, 1, "\1")), std::nullopt) << "too long";
+}
+
+TEST(PlainTcpTest, StaysOnThisMachineOrInPrivateNetworks) {
+    for (const char* host :
+         {"localhost", "127.255.0.1", "10.0.0.1", "172.16.0.0", "172.31.255.255", "192.168.9.9",
+          "169.254.1.1", "[::1]", "[fdff::1]", "[febf::1]", "[::ffff:10.0.0.1]"}) {
+        EXPECT_NE(WarnOfPlainTcp({{1, "tcp://" + std::string(host) + ":1"}}, false), "") << host;
+    }
+    for (const char* host :
+         {"0.0.0.0", "[::]", "[::2]", "9.255.255.255", "172.15.255.255", "172.32.0.0", "192.169.0.1",
+          "[fe00::1]", "[fec0::1]", "[::ffff:11.0.0.1]", "no.such.host.invalid"}) {
+        const NodeAddresses nodes = {{1, "ipc:///a"}, {2, "tcp://" + std::string(host) + ":1"}};
+        EXPECT_THROW(WarnOfPlainTcp(nodes, false), std::runtime_error) << host;
+        EXPECT_NE(WarnOfPlainTcp(nodes, true), "");
+    }
+    EXPECT_EQ(WarnOfPlainTcp({{1, "ipc:///a"}, {2, "tls+tcp://8.8.8.8:1"}}, false), "");
 }
 
 // Two nodes in one process, and a third that a test plays itself.
