@@ -24,6 +24,7 @@ constexpr int OWNER_ONLY = 0600;
 constexpr int MANY_DESCRIPTORS = 256;
 constexpr std::chrono::milliseconds PAUSE{5};
 constexpr int MOST_PAUSES = 200;
+constexpr std::chrono::milliseconds GRACE{200};  // before a stream is closed that missed its time
 
 void Check(int error) {
     if (error == NNG_EPEERAUTH || error == NNG_ECRYPTO) {
@@ -113,9 +114,8 @@ void Listen(const std::string& address, const Credentials* own, nng_stream_liste
 }
 }  // namespace
 
-// The library calls back on a thread of its own, which takes its time: only where somebody has to hear of it.
 Operation::Operation() : isInterruptible(RunsCommand()) {
-    Check(nng_aio_alloc(&aio, isInterruptible ? &Operation::Ended : nullptr, this));
+    Check(nng_aio_alloc(&aio, &Operation::Ended, this));
 }
 
 Operation::~Operation() {
@@ -129,11 +129,18 @@ void Operation::Ended(void* operation) {
     ended.changed.notify_one();
 }
 
-int Operation::Wait() {
-    if (isInterruptible) {
-        std::unique_lock<std::mutex> lock(mutex);
-        if (!WaitUnlessInterrupted(changed, lock, Moment::max(), [this] { return hasEnded; })) {
-            nng_aio_cancel(aio);
+// With TLS the library, in version 1.5.2, may miss that something has arrived, and then misses timeouts and
+// what is cancelled too; it does not miss that its stream was closed.
+int Operation::Wait(Moment last, nng_stream* closed) {
+    std::unique_lock<std::mutex> lock(mutex);
+    const auto ended = [this] { return hasEnded; };
+    const bool isInTime = isInterruptible ? WaitUnlessInterrupted(changed, lock, last, ended)
+                                          : changed.wait_until(lock, last, ended);
+    lock.unlock();
+    if (!isInTime) {
+        nng_aio_cancel(aio);
+        if (closed != nullptr) {
+            nng_stream_close(closed);
         }
     }
     nng_aio_wait(aio);
@@ -178,7 +185,7 @@ void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, siz
         Check(nng_aio_set_iov(operation.Get(), 1, &part));
         nng_aio_set_timeout(operation.Get(), Left(end));
         start(stream.get(), operation.Get());
-        Check(operation.Wait());
+        Check(operation.Wait(end + GRACE, stream.get()));
         const size_t done = nng_aio_count(operation.Get());
         bytes += done;
         length -= done;

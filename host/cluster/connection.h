@@ -42,8 +42,9 @@ public:
     nng_aio* Get() const { return aio; }
 
     // Blocks until the operation that was begun ends; when the command that the calling thread runs is
-    // interrupted, the operation ends soon. Returns the library's error, or 0.
-    int Wait();
+    // interrupted, or at `last`, the operation ends soon, and its stream is closed. Returns the library's
+    // error, or 0.
+    int Wait(Moment last = Moment::max(), nng_stream* closed = nullptr);
 
 private:
     static void Ended(void* operation);
