@@ -114,8 +114,9 @@ void Listen(const std::string& address, const Credentials* own, nng_stream_liste
 }
 }  // namespace
 
-Operation::Operation() : isInterruptible(RunsCommand()) {
-    Check(nng_aio_alloc(&aio, &Operation::Ended, this));
+// The library calls back on a thread of its own, which takes its time: only where somebody has to hear of it.
+Operation::Operation(bool watched) : isInterruptible(RunsCommand()), isWatched(watched || isInterruptible) {
+    Check(nng_aio_alloc(&aio, isWatched ? &Operation::Ended : nullptr, this));
 }
 
 Operation::~Operation() {
@@ -135,7 +136,7 @@ int Operation::Wait(Moment last, nng_stream* closed) {
     std::unique_lock<std::mutex> lock(mutex);
     const auto ended = [this] { return hasEnded; };
     const bool isInTime = isInterruptible ? WaitUnlessInterrupted(changed, lock, last, ended)
-                                          : changed.wait_until(lock, last, ended);
+                                          : !isWatched || changed.wait_until(lock, last, ended);
     lock.unlock();
     if (!isInTime) {
         nng_aio_cancel(aio);
@@ -152,10 +153,11 @@ void Connection::Free::operator()(nng_stream* freed) const {
     nng_stream_free(freed);
 }
 
-Connection::Connection(Stream connected, Moment lastMoment) : stream(std::move(connected)), end(lastMoment) {}
+Connection::Connection(Stream connected, Moment lastMoment, bool isTls)
+    : stream(std::move(connected)), end(lastMoment), operation(isTls) {}
 
 Connection::Connection(const std::string& address, Moment lastMoment, const Credentials* own)
-    : stream(Dial(address, lastMoment, own)), end(lastMoment) {}
+    : stream(Dial(address, lastMoment, own)), end(lastMoment), operation(Behind(TLS, address).has_value()) {}
 
 void Connection::Send(const BusFrame& frame) {
     std::string bytes = EncodeFrame(frame);
@@ -192,7 +194,8 @@ void Connection::Transfer(void (*start)(nng_stream*, nng_aio*), char* bytes, siz
     }
 }
 
-Listener::Listener(const std::string& address, const Credentials* own) {
+Listener::Listener(const std::string& address, const Credentials* own)
+    : isTls(Behind(TLS, address).has_value()) {
     try {
         Listen(address, own, &listener);
     } catch (const std::runtime_error& error) {
@@ -215,7 +218,7 @@ std::unique_ptr<Connection> Listener::Accept(std::chrono::milliseconds life) {
         return nullptr;
     }
     Check(error);
-    return std::make_unique<Connection>(StreamOf(operation), std::chrono::steady_clock::now() + life);
+    return std::make_unique<Connection>(StreamOf(operation), std::chrono::steady_clock::now() + life, isTls);
 }
 
 void Listener::Close() {

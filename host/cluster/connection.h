@@ -34,7 +34,8 @@ public:
 // One operation of the library at a time, and what came of it. For the thread that makes it.
 class Operation {
 public:
-    Operation();
+    // Watched, it ends at the moment that Wait() is told, whatever the library does.
+    explicit Operation(bool watched = false);
     ~Operation();
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
@@ -49,7 +50,7 @@ public:
 private:
     static void Ended(void* operation);
 
-    const bool isInterruptible;
+    const bool isInterruptible, isWatched;
     std::mutex mutex;
     std::condition_variable changed;
     bool hasEnded = false;
@@ -65,7 +66,7 @@ public:
     };
     using Stream = std::unique_ptr<nng_stream, Free>;
 
-    Connection(Stream connected, Moment lastMoment);
+    Connection(Stream connected, Moment lastMoment, bool isTls);
 
     // Connects to the node that listens at `address`; a tls+tcp address takes the node's credentials.
     Connection(const std::string& address, Moment lastMoment, const Credentials* own = nullptr);
@@ -108,6 +109,7 @@ public:
     void Close();
 
 private:
+    const bool isTls;
     nng_stream_listener* listener = nullptr;
 };
 }  // namespace zorv
