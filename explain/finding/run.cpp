@@ -57,7 +57,8 @@ std::vector<Run> Widened(const std::vector<Run>& runs, const std::vector<double>
         const double height = HeightOf(runs[i], deviations);
         const size_t from = wide.empty() ? 0 : wide.back().last + 1;
         const size_t until = i + 1 < runs.size() ? runs[i + 1].first : deviations.size();
-        const auto [first, last] = runs[i];
+        const size_t first = runs[i].first;
+        const size_t last = runs[i].second;
         const auto backwards = [&](size_t k) { return deviations[first - 1 - k]; };
         const auto forwards = [&](size_t k) { return deviations[last + 1 + k]; };
         const Run run{first - Reach(first - from, height, backwards),
