@@ -198,7 +198,7 @@ Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, cons
     }
     JudgeDelays(usual, MedianOf(own), point, event, evidence);
     evidence.takesPart =
-        evidence.excess && *evidence.deviations > needed && (needed == ALWAYS || *evidence.excess > 0.0);
+        evidence.excess && *evidence.deviations > needed && (needed == ANY_DEVIATION || *evidence.excess > 0.0);
     return evidence;
 }
 

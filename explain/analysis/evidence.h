@@ -42,7 +42,7 @@ struct Evidence {
 // How far above its baseline, in scales, a point lies in the mean when it takes part in the event of the slow
 // point at the top, which always does: HIGH; less where that one lies no higher itself, in an event of
 // several samples, of whose mean the noise is less.
-constexpr double ALWAYS = -std::numeric_limits<double>::infinity();
+constexpr double ANY_DEVIATION = -std::numeric_limits<double>::infinity();
 double NeededBelow(const Evidence& top);
 
 // What the budget needs of the evidence: the counts, delays, `eventRequests`, both excesses, `deviations`,

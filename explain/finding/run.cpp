@@ -58,7 +58,7 @@ std::vector<Run> Widened(const std::vector<Run>& runs, const std::vector<double>
         const size_t from = wide.empty() ? 0 : wide.back().last + 1;
         const size_t until = i + 1 < runs.size() ? runs[i + 1].first : deviations.size();
         const size_t first = runs[i].first;
-        const size_t last = runs[i].second;
+        const size_t last = runs[i].last;
         const auto backwards = [&](size_t k) { return deviations[first - 1 - k]; };
         const auto forwards = [&](size_t k) { return deviations[last + 1 + k]; };
         const Run run{first - Reach(first - from, height, backwards),
