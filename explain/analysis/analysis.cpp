@@ -48,7 +48,8 @@ std::array<Part, 6> PartsOf(const Window& baseline) {
 std::vector<Evidence> AllEvidence(const GraphWorld& world, const Window& event, const Stretches& baseline,
                                   Judge judge) {
     const std::string& top = world.nodes.front().point;
-    std::map<std::string, Evidence> byPoint{{top, judge(world.points.at(top), baseline, event, ANY_DEVIATION)}};
+    std::map<std::string, Evidence> byPoint{
+        {top, judge(world.points.at(top), baseline, event, ANY_DEVIATION)}};
     const double needed = NeededBelow(byPoint[top]);
     for (const auto& [name, data] : world.points) {
         if (name != top) {

@@ -197,8 +197,8 @@ Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, cons
         evidence.eventRequests = MeanOf(RequestsOf(during));
     }
     JudgeDelays(usual, MedianOf(own), point, event, evidence);
-    evidence.takesPart =
-        evidence.excess && *evidence.deviations > needed && (needed == ANY_DEVIATION || *evidence.excess > 0.0);
+    evidence.takesPart = evidence.excess && *evidence.deviations > needed &&
+                         (needed == ANY_DEVIATION || *evidence.excess > 0.0);
     return evidence;
 }
 
