@@ -44,7 +44,7 @@ private:
 
 // The programs may read the configuration for as long as they like, wherever it came from.
 std::string CopyOf(const Input& input, const std::string& directory) {
-    const std::string path = directory + "/configuration.json";
+    std::string path = directory + "/configuration.json";
     std::ofstream file(path, std::ios::binary);
     file << input.Configuration();
     file.close();

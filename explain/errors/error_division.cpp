@@ -93,6 +93,7 @@ std::vector<std::vector<NodeEvent>> Grouped(const std::vector<NodeEvent>& events
         byRoot[rootOf(i)].push_back(events[i]);
     }
     std::vector<std::vector<NodeEvent>> groups;
+    groups.reserve(byRoot.size());
     for (auto& [root, members] : byRoot) {
         groups.push_back(std::move(members));
     }
@@ -125,6 +126,7 @@ std::vector<IncidentPoint> PointsOf(const std::vector<NodeEvent>& events) {
         point.extra += one.Extra();
     }
     std::vector<IncidentPoint> list;
+    list.reserve(points.size());
     for (auto& [node, point] : points) {
         list.push_back(std::move(point));
     }

@@ -26,9 +26,9 @@ std::vector<std::string> FirstGraphs() {
     return graphs;
 }
 
-class Reader {
+class WholeReader {
 public:
-    explicit Reader(ErrorGraph& toFill) : whole(toFill) {}
+    explicit WholeReader(ErrorGraph& toFill) : whole(toFill) {}
 
     void Read(const std::vector<std::string>& first) {
         for (const std::string& name : first) {
@@ -150,7 +150,7 @@ std::vector<bool> ErrorGraph::Below(size_t node) const {
 
 ErrorGraph ReadErrorGraph() {
     ErrorGraph graph;
-    Reader(graph).Read(FirstGraphs());
+    WholeReader(graph).Read(FirstGraphs());
     return graph;
 }
 

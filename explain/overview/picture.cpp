@@ -187,6 +187,7 @@ private:
             counts[count.time] = static_cast<double>(count.count);
         }
         std::vector<TimedValue> values;
+        values.reserve(counts.size());
         for (const auto& [time, count] : counts) {
             values.push_back({time, count});
         }

@@ -1,7 +1,7 @@
 #include "fleet/collecting/hosts.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
 #include <fstream>
 #include <sstream>
 
@@ -69,7 +69,7 @@ std::map<std::string, Reply> RepliesOf(const std::string& output, const std::str
     ForEachLine(output, [&](const std::string& host, const std::string& line) {
         const std::string lead = STATUS_LEAD;
         if (line.rfind(lead, 0) == 0) {
-            replies[host].status = std::atoi(line.c_str() + lead.size());
+            std::from_chars(line.data() + lead.size(), line.data() + line.size(), replies[host].status);
         } else if (line.rfind('{', 0) == 0) {  // or it is what a login shell says
             replies[host].output = line;
         }

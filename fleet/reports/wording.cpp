@@ -89,6 +89,7 @@ std::vector<Line> SymptomLines(const Incident& incident, const Outcome& outcome)
         (role.kind == RoleKind::WAITS ? waiting : unexplained)[role.at.point].push_back(role.node);
     }
     std::vector<Line> lines;
+    lines.reserve(waiting.size() + unexplained.size());
     for (const auto& [point, nodes] : waiting) {
         lines.push_back({"waits", NamesOf(outcome, nodes) + ": " + point});
     }

@@ -52,7 +52,8 @@ Words Cut(const std::string& text) {
 std::string Listed(const std::string& name, const Words& words) {
     std::string list;
     for (const std::string& word : words) {
-        list += (list.empty() ? "  " + name + ": " : ", ") + word;
+        list += list.empty() ? "  " + name + ": " : ", ";
+        list += word;
     }
     return list + (list.empty() ? "" : "\n");
 }
