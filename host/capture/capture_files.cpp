@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 
 constexpr const char* NODE_FOLDER = "VRA";  // with which all fixed paths begin
 constexpr int DEEPEST = 2;                  // levels below the folder
-constexpr const char* FIXED_FILES[] = {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
+constexpr const char* STATISTICS_FILE = LUMO_DATABASE_FILE;
+constexpr const char* FIXED_FILES[] = {STATISTICS_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
                                        FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
 
 std::string NameOf(const std::string& path) {
