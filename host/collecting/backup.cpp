@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <optional>
 
 #include "host/capture/captured_database.h"
 #include "host/process/interrupt.h"
@@ -77,6 +78,9 @@ public:
         return copying;
     }
 
+    // SQLite makes a page of it.
+    bool IsEmpty() const { return sqlite3_backup_pagecount(backup.get()) == 0; }
+
     // Whether another file has taken its place meanwhile.
     bool HasMoved() const {
         int moved = 0;
@@ -131,16 +135,22 @@ private:
 };
 }  // namespace
 
-Manifest::Copying BackUp(const std::string& from, const std::string& to, milliseconds limit,
-                         const std::function<void(double)>& show) {
+std::optional<Manifest::Copying> BackUp(const std::string& from, const std::string& to, milliseconds limit,
+                                        const std::function<void(double)>& show) {
     for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
         std::filesystem::remove(to);
         bool isWhole = false;
+        bool isEmpty = false;
         Manifest::Copying copying;
         {
             Backup backup(from, to, limit);
             copying = backup.Run(show);
             isWhole = !backup.HasMoved();
+            isEmpty = backup.IsEmpty();
+        }
+        if (isWhole && isEmpty) {
+            std::filesystem::remove(to);
+            return std::nullopt;
         }
         if (isWhole) {
             SettleCopy(to, from);
