@@ -120,8 +120,8 @@ std::string AgreementOf(const Analysis& analysis);
 // The point that comes first in a trial, or that none can be told.
 std::string FirstOf(const Trial& trial);
 
-// The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure". Empty
-// without an analysis.
+// The causes that the analyses of one event name, each in another graph: "BDM_DISK_READ 97.3 %, sure"; what
+// several name alike, once. Empty without an analysis.
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures);
 
 // Whether an analysis has an answer that is a cause: neither the slow point itself nor within the usual.

@@ -114,7 +114,7 @@ Blindness WhyMissed(const Site& site, const Verdicts& verdicts) {
     if (std::any_of(site.above.begin(), site.above.end(), isFlat)) {
         return Blindness::FLAT_PARENT;
     }
-    return named == site.host && site.entries > 1 ? Blindness::SEVERAL_GRAPHS : Blindness::UNKNOWN;
+    return Blindness::UNKNOWN;
 }
 
 SiteProof Judge(const Site& site, const std::array<Trial, PLANT_SEEDS.size()>& trials) {

@@ -32,7 +32,6 @@ enum class Blindness {
     CONSTANT,         // its own rows never change
     SAME_STATISTICS,  // its rows are those of the point that is named
     FLAT_PARENT,      // above it is a point whose rows never change
-    SEVERAL_GRAPHS,   // hosts see it in several graphs, each of which accounts for a part
     NOT_SEEN,         // nothing is named
     UNKNOWN
 };

@@ -16,8 +16,6 @@ const char* WordOf(Blindness blindness) {
             return "same statistics";
         case Blindness::FLAT_PARENT:
             return "flat parent";
-        case Blindness::SEVERAL_GRAPHS:
-            return "several graphs";
         case Blindness::NOT_SEEN:
             return "not seen";
         case Blindness::UNKNOWN:

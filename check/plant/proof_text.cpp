@@ -51,9 +51,6 @@ std::string ReasonOf(const SiteProof& proof) {
             return "same statistics";
         case Blindness::FLAT_PARENT:
             return "hidden behind a flat parent, a point above it whose statistics never change";
-        case Blindness::SEVERAL_GRAPHS:
-            return "hosts see it in " + Counted(proof.site.entries, "graph") +
-                   ", each of which accounts for a part";
         case Blindness::NOT_SEEN:
             return "hosts do not see it";
         case Blindness::UNKNOWN:

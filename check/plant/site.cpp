@@ -90,8 +90,7 @@ private:
 std::vector<Site> SitesOf(const Model& model) {
     const Walks walks(model);
     std::vector<Site> sites;
-    std::set<std::pair<size_t, std::string>> known;                                  // graph, label
-    std::map<std::pair<std::string, std::string>, std::set<std::string>> entriesOf;  // host, point
+    std::set<std::pair<size_t, std::string>> known;  // graph, label
     for (const GraphUse& use : GraphUses()) {
         const Graph* graph = use.kind == GraphKind::FLOW && use.isWalked ? model.Find(use.graph) : nullptr;
         const std::optional<size_t> entry = graph != nullptr ? EntryOf(*graph, use.point) : std::nullopt;
@@ -103,16 +102,12 @@ std::vector<Site> SitesOf(const Model& model) {
         for (const Descent::Step& step : steps) {
             const std::string label(descent.LabelOf(step));
             const bool isRepeated = step.isHandOver && descent.LabelOf(steps[step.from]) == label;
-            entriesOf[{use.point, label}].insert(use.graph);
             if (!label.empty() && !isRepeated && known.emplace(step.place.first, label).second) {
                 const Graph& here = model.Graphs()[step.place.first];
                 sites.push_back({label, here.name, use.graph, use.point,
                                  here.nodes[step.place.second].IsObservation(), descent.Above(step)});
             }
         }
-    }
-    for (Site& site : sites) {
-        site.entries = entriesOf[{site.host, site.point}].size();
     }
     return sites;
 }

@@ -16,7 +16,6 @@ struct Site {
     std::string host;                // the point at which it begins
     bool isObservation = false;      // it counts no requests
     std::vector<std::string> above;  // the points on the first way down to it, the host first
-    size_t entries = 0;              // how many graphs of the host lead to the point
 };
 
 // Of every flow graph that can be reached from where commands enter, in the order in which ways down come to

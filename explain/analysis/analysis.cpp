@@ -217,10 +217,12 @@ std::optional<Reason> WhyNot(const Evidence& top) {
     return *top.eventRequests <= 0.0 ? std::optional<Reason>(Reason{ReasonKind::NO_REQUESTS}) : std::nullopt;
 }
 
-Certainty CertaintyOf(const std::vector<Candidate>& candidates, const Event& event) {
-    return event.first == event.last ? Certainty::UNSURE
-                                     : CertaintyOfShares(candidates.front().share,
-                                                         candidates.size() > 1 ? candidates[1].share : 0.0);
+Certainty CertaintyOf(const Analysis& analysis) {
+    const std::vector<Candidate>& candidates = analysis.candidates;
+    return analysis.event->first == analysis.event->last || analysis.MayBeElsewhere()
+               ? Certainty::UNSURE
+               : CertaintyOfShares(candidates.front().share,
+                                   candidates.size() > 1 ? candidates[1].share : 0.0);
 }
 
 std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
@@ -243,7 +245,7 @@ std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates
 void Answer(const Stretches& baseline, Analysis& analysis) {
     const Event& event = *analysis.event;
     analysis.modules = ModuleSharesOf(analysis.candidates);
-    analysis.certainty = CertaintyOf(analysis.candidates, event);
+    analysis.certainty = CertaintyOf(analysis);
     analysis.trials = TrialsOf(*analysis.world, event, baseline, *analysis.baseline);
     analysis.walk = WalkAround(analysis.point, analysis.graph, event.peakTime);
     const auto isLoad = [&](size_t node) { return analysis.findings[node].evidence.nature == Nature::LOAD; };

@@ -102,6 +102,8 @@ struct Analysis {
     bool HasAnswer() const { return verdict == Verdict::POINT || verdict == Verdict::LOAD; }
     // Whether the slow point itself comes first of an answer: there is no cause to be sure of.
     bool NamesItself() const { return candidates.front().point == point; }
+    // Whether what it names itself for may be the part of a graph that could not be read.
+    bool MayBeElsewhere() const { return NamesItself() && !world->unread.empty(); }
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };

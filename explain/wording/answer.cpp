@@ -170,7 +170,8 @@ std::string CertaintyOf(const Analysis& analysis) {
     if (analysis.certainty != Certainty::UNSURE) {
         return word;
     }
-    return word + (IsSingle(*analysis.event) ? ": a single sample may be one slow request"
+    return word + (IsSingle(*analysis.event)   ? ": a single sample may be one slow request"
+                   : analysis.MayBeElsewhere() ? ": another graph of the point could not be read"
                    : analysis.candidates.front().share < MAJORITY ? ": no point holds half of it"
                                                                   : ": the second is close behind");
 }

@@ -160,16 +160,19 @@ bool NamesACause(const Analysis& analysis) {
 }
 
 std::string CausesOf(const std::vector<const Analysis*>& analyses, const Figures& figures) {
-    std::string causes;
-    const auto named = std::count_if(analyses.begin(), analyses.end(),
-                                     [](const Analysis* analysis) { return NamesACause(*analysis); });
+    std::vector<std::pair<std::string, std::string>> named;  // the cause, the first graph that names it
     for (const Analysis* analysis : analyses) {
-        if (NamesACause(*analysis)) {
-            causes += (causes.empty() ? "" : "; ") + CauseIn(*analysis, figures) +
-                      (named > 1 ? " in " + analysis->graph : "");
+        const std::string cause = CauseIn(*analysis, figures);
+        if (NamesACause(*analysis) &&
+            std::none_of(named.begin(), named.end(), [&](const auto& one) { return one.first == cause; })) {
+            named.emplace_back(cause, analysis->graph);
         }
     }
-    return named > 0 || analyses.empty() ? causes : CauseIn(*analyses.front(), figures);
+    std::string causes;
+    for (const auto& [cause, graph] : named) {
+        causes += (causes.empty() ? "" : "; ") + cause + (named.size() > 1 ? " in " + graph : "");
+    }
+    return !named.empty() || analyses.empty() ? causes : CauseIn(*analyses.front(), figures);
 }
 
 std::string EarlierEvents(size_t count) {

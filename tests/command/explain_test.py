@@ -88,6 +88,25 @@ class Explain(ConsoleTest):
         _, _, found = self.explain(*self.range)
         self.assertEqual([one["graph"] for one in found["analyses"]], ["NAS_IO_NFSV4", "NAS_IO_SMB2", "NAS_IO_NFSV3"])
 
+    def test_all_graphs_of_a_point_are_one_division(self):
+        """Its own part is larger than that of what both graphs have below it, and it is that in each."""
+        own = self.root / "own.json"
+        graphs = {name: {"nodes": [{"id": i, "label": label} for i, label in enumerate(("NAS_TRANS_ALL", "BOTH", name))],
+                         "edges": [{"source": "0", "target": "1"}, {"source": "0", "target": "2"}]}
+                  for name in ("NAS_IO_NFSV3", "NAS_IO_SMB2")}
+        own.write_text(json.dumps(graphs))
+        fault = self.simulate("--config", own, "--fault-point", "BOTH", "--end", "20230105143000")["fault"]
+        self.sql("update {table} set avgdelay = avgdelay * 2 where curtime between ? and ? and locateid = (select locateid "
+                 "from version_nmaps where locatename = 'NAS_TRANS_ALL')", fault["start_epoch"], fault["end_epoch"])
+        (self.root / CONFIG).write_text(json.dumps({**graphs, "NAS_IO_NFSV4": {"nodes": [5], "edges": []}}))
+        for graph in graphs:
+            status, text, found = self.explain("--graph", graph, "--point", "NAS_TRANS_ALL", "20230105103000", "20230105143000")
+            first, second = found["analyses"][0]["candidates"]
+            self.assertEqual((status, first["point"], second["point"], found["analyses"][0]["certainty"]),
+                             (0, "NAS_TRANS_ALL", "BOTH", "unsure"))
+            self.assertAlmostEqual(first["share"], 0.6, delta=0.05)
+            self.assertRegex(text, r"What could not be told\n.*NAS_IO_NFSV4")
+
     def test_ways_to_end(self):
         self.world("slow-disk")
         epoch, times, peak = self.truth["start_epoch"], self.range, self.truth["fault"]["peak_compact"]

@@ -44,12 +44,16 @@ class Plant(ConsoleTest):
         config.write_text(json.dumps({
             "SAN_IO_WRITE": graph(f"{host}-LEFT {host}-RIGHT LEFT-SHARED RIGHT-SHARED SHARED-A_OB_B {host}-VIA CUT-OFF",
                                   VIA={"subGraph": "BELOW"}),
-            "BELOW": graph("VIA-A_POINT_WITH_A_NAME_THAT_FILLS_THE_COLUMN VIA-LOW"), "UNUSED": graph("X-Y")}))
+            "BELOW": graph("VIA-A_POINT_WITH_A_NAME_THAT_FILLS_THE_COLUMN VIA-LOW"), "UNUSED": graph("X-Y"),
+            **{name: graph(f"NAS_TRANS_ALL-{name}", **{name: {"subGraph": "BOTH"}}) for name in ("NAS_IO_NFSV3", "NAS_IO_SMB2")},
+            "BOTH": graph("FS-DISK")}))
         status, sites = self.proof("--strict", config)
         found = {key: one["explanation"]["right"] for key, one in sites.items() if not one["observation"]}
         here = {("SAN_IO_WRITE", point): 3 for point in (host, "LEFT", "RIGHT", "SHARED", "VIA")}
         below = {("BELOW", point): 3 for point in ("A_POINT_WITH_A_NAME_THAT_FILLS_THE_COLUMN", "LOW")}
-        self.assertEqual((status, found), (0, {**here, **below}))
+        shared = {**{(name, name): 3 for name in ("NAS_IO_NFSV3", "NAS_IO_SMB2")}, ("NAS_IO_NFSV3", "NAS_TRANS_ALL"): 3,
+                  ("NAS_IO_SMB2", "NAS_TRANS_ALL"): 3, ("BOTH", "FS"): 3, ("BOTH", "DISK"): 3}
+        self.assertEqual((status, found), (0, {**here, **below, **shared}))
         self.assertEqual(sites["BELOW", "A_POINT_WITH_A_NAME_THAT_FILLS_THE_COLUMN"]["walk"]["right"], 3)
         unseen = sites["SAN_IO_WRITE", "A_OB_B"]
         self.assertEqual((unseen["explanation"]["named"], unseen["reason"]), (["SHARED"] * 3, "observation only"))
