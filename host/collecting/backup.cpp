@@ -89,6 +89,9 @@ public:
     // Whether it came to an end because a transaction is left unfinished.
     bool IsUnfinished() const { return isUnfinished; }
 
+    // SQLite makes a page of it.
+    bool IsEmpty() const { return sqlite3_backup_pagecount(backup.get()) == 0; }
+
     // Whether another file has taken its place meanwhile.
     bool HasMoved() const {
         int moved = 0;
@@ -148,15 +151,20 @@ private:
 };
 }  // namespace
 
-Manifest::Copying BackUp(const std::string& from, const std::string& to, milliseconds limit,
-                         const std::function<void(double)>& show) {
+std::optional<Manifest::Copying> BackUp(const std::string& from, const std::string& to, milliseconds limit,
+                                        const std::function<void(double)>& show) {
     for (int replaced = 0, hot = 0; replaced < MOST_ATTEMPTS;) {
         std::filesystem::remove(to);
         std::optional<Backup> backup(std::in_place, from, to, limit);
         const Manifest::Copying copying = backup->Run(show);
         const bool isUnfinished = backup->IsUnfinished();
         const bool isWhole = !isUnfinished && !backup->HasMoved();
+        const bool isEmpty = backup->IsEmpty();
         backup.reset();
+        if (isWhole && isEmpty) {
+            std::filesystem::remove(to);
+            return std::nullopt;
+        }
         if (isWhole) {
             SettleCopy(to, from);
             return copying;

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "host/capture/manifest.h"
@@ -15,7 +16,8 @@ namespace zorv {
 // writer of a database with a rollback journal waits for it. `show` is told how much is done, from 0 to 1.
 // Writes nothing but `to`, which stays as it is when it fails; SQLite itself may need the files beside a
 // database in WAL mode, as for every reader. Throws CaptureError, also where the command was interrupted.
-// Blocks; any thread.
-Manifest::Copying BackUp(const std::string& from, const std::string& to, std::chrono::milliseconds limit,
-                         const std::function<void(double)>& show);
+// Returns nothing for a database without a page, which makes no file. Blocks; any thread.
+std::optional<Manifest::Copying> BackUp(const std::string& from, const std::string& to,
+                                        std::chrono::milliseconds limit,
+                                        const std::function<void(double)>& show);
 }  // namespace zorv

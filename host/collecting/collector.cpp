@@ -174,7 +174,7 @@ private:
         const std::string to = folder + file.path;
         std::error_code error;
         if (!fs::is_regular_file(from, error)) {
-            return Lacks(file, from);
+            return Lacks(file, from + " is not there");
         }
         fs::create_directories(fs::path(to).parent_path());
         Manifest::File told{file.path};
@@ -182,23 +182,24 @@ private:
             told.copying = BackUp(from, to, order.limit, [&](double done) {
                 order.show("copying " + fs::path(from).filename().string(), done);
             });
+            if (!told.copying) {
+                return Lacks(file, from + " is empty");
+            }
         } else if (!fs::copy_file(from, to, error)) {
             throw CaptureError(from + " cannot be copied: " + error.message() + ".");
         }
         told.bytes = fs::file_size(to);
-        if (told.bytes == 0 && IsStatistics(file)) {
-            throw CaptureError(from + " is empty: its writer makes it anew, or has not begun. Try again.");
-        }
         told.hash = HashOfFile(to);
         taken.manifest.files.push_back(told);
     }
 
-    void Lacks(const NodeFile& file, const std::string& from) {
+    void Lacks(const NodeFile& file, const std::string& what) {
         if (IsStatistics(file)) {
-            throw CaptureError(from + " is not there: " + file.withoutIt + ".");
+            throw CaptureError(what + ": " + file.withoutIt +
+                               ". Its writer may be making it anew: try again.");
         }
         if (file.withoutIt != nullptr) {
-            taken.notes.push_back(from + " is not there: " + file.withoutIt + ".");
+            taken.notes.push_back(what + ": " + file.withoutIt + ".");
         }
     }
 
