@@ -174,8 +174,8 @@ class Fleet(ConsoleTest):
         self.assertEqual((status, nodes), (0, {":": "point", "nobody@host.invalid": "no answer"}), err)
         self.assertEqual(json.loads(out)["incidents"][0]["causes"][0]["point"], DISK)
         self.assertRegex(err, "^zorv-fleet: nobody@host.invalid: .+\n$")
-        # What ssh does, on this machine: its options, a host, and words that a shell there puts together.
-        (self.root / "ssh").write_text('#!/bin/sh\nwhile [ "$1" != "${1#-}" ]; do [ "$1" != -l ] || shift; shift; done\nshift\n[ "$1" != -- ] || shift\nexec sh -c "$*"\n')
+        # What ssh does, on this machine: its options, a host, and words that a shell puts together, the one that SHELL names there.
+        (self.root / "ssh").write_text('#!/bin/sh\nwhile [ "$1" != "${1#-}" ]; do [ "$1" != -l ] || shift; shift; done\nshift\n[ "$1" != -- ] || shift\nSHELL=/bin/sh exec sh -c "$*"\n')
         (self.root / "ssh").chmod(0o755)
         hosts.write_text("nodeA\n2/user@nodeB\n2/:\n")
         status, out, err = self.fleet("--json", "--hosts", hosts, "--root", self.root, *RANGE, env={**path, "PATH": f"{self.root}:{path['PATH']}"})
