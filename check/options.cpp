@@ -1,9 +1,6 @@
 #include "check/options.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
-
-#include "text/printable.h"
 
 namespace check {
 namespace {
@@ -59,15 +56,7 @@ void Declare(CLI::App& app, Options& options) {
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     CLI::App app(DESCRIPTION);
     Declare(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& answer) {
-        return cli::PrintAnswer(app, answer);
-    } catch (const CLI::Error& error) {
-        std::cerr << "zorv-check: " << Printable(error.what()) << "\nRun with --help for more information.\n";
-        return STATUS_USAGE;
-    }
-    return std::nullopt;
+    return cli::Parse(app, argc, argv, "zorv-check");
 }
 
 }  // namespace check

@@ -6,6 +6,8 @@
 #include <memory>
 #include <utility>
 
+#include "cli/program.h"
+#include "text/printable.h"
 #include "text/zone.h"
 
 namespace cli {
@@ -52,9 +54,22 @@ void TakeZone(const char* program, const std::optional<std::string>& zone) {
     }
 }
 
-int PrintAnswer(CLI::App& app, const CLI::Success& answer) {
-    const int status = app.exit(answer);
-    return std::cout.flush() ? status : 1;
+std::optional<int> Parse(CLI::App& app, int argc, const char* const* argv, const char* program,
+                         const std::function<void()>& complete) {
+    try {
+        app.parse(argc, argv);
+        if (complete) {
+            complete();
+        }
+        return std::nullopt;
+    } catch (const CLI::Success& answer) {
+        const int status = app.exit(answer);
+        return std::cout.flush() ? status : 1;
+    } catch (const CLI::Error& error) {
+        std::cerr << program << ": " << Printable(error.what())
+                  << "\nRun with --help for more information.\n";
+        return STATUS_USAGE;
+    }
 }
 
 void SetUsage(CLI::App& app, const std::string& usage) {

@@ -1,12 +1,12 @@
 // The options that several programs have, and how their help begins.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
 namespace CLI {
 class App;
-class Success;
 }  // namespace CLI
 
 namespace cli {
@@ -27,8 +27,11 @@ void DeclareInputOptions(CLI::App& app, InputOptions& options);
 // call it before anything asks for local time.
 void TakeZone(const char* program, const std::optional<std::string>& zone = std::nullopt);
 
-// Prints the help or the version, which was asked for. Returns the exit status: 1 when it cannot be printed.
-int PrintAnswer(CLI::App& app, const CLI::Success& answer);
+// Parses the command line; `complete` then looks at all of it, and may throw a CLI::Error. None when the
+// program is to go on, else its exit status: the help or the version was asked for, and printed (1 when it
+// cannot be); or STATUS_USAGE, and why is told on stderr behind the program's name.
+std::optional<int> Parse(CLI::App& app, int argc, const char* const* argv, const char* program,
+                         const std::function<void()>& complete = {});
 
 // Lets the help of `app` begin with the line `usage`.
 void SetUsage(CLI::App& app, const std::string& usage);

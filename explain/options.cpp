@@ -1,10 +1,8 @@
 #include "explain/options.h"
 
 #include <CLI/CLI.hpp>
-#include <iostream>
 
 #include "explain/wording.h"
-#include "text/printable.h"
 #include "text/time_words.h"
 
 namespace explain {
@@ -161,8 +159,7 @@ std::vector<std::string> AgainOf(const Options& options) {
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     CLI::App app(DESCRIPTION);
     Declare(app, options);
-    try {
-        app.parse(argc, argv);
+    return cli::Parse(app, argc, argv, "zorv-explain", [&] {
         SplitBaseline(options);
         if (options.overview && options.times.empty() && options.during.empty()) {
             options.times = {OVERVIEW_MINUTES};
@@ -174,14 +171,7 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
         if (options.times.empty() && options.during.empty() && !options.watch) {
             throw CLI::RequiredError("START END, or MINUTES,");
         }
-    } catch (const CLI::Success& answer) {
-        return cli::PrintAnswer(app, answer);
-    } catch (const CLI::Error& error) {
-        std::cerr << "zorv-explain: " << Printable(error.what())
-                  << "\nRun with --help for more information.\n";
-        return STATUS_USAGE;
-    }
-    return std::nullopt;
+    });
 }
 
 }  // namespace explain

@@ -4,12 +4,10 @@
 #include <algorithm>
 #include <ctime>
 #include <filesystem>
-#include <iostream>
 #include <iterator>
 
 #include "cli/options.h"
 #include "text/local_time.h"
-#include "text/printable.h"
 #include "text/time_words.h"
 
 namespace fleet {
@@ -113,13 +111,8 @@ std::vector<std::string> Options::Times() const {
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     CLI::App app(DESCRIPTION);
     Declare(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::Success& answer) {
-        return cli::PrintAnswer(app, answer);
-    } catch (const CLI::Error& error) {
-        std::cerr << "zorv-fleet: " << Printable(error.what()) << "\nRun with --help for more information.\n";
-        return STATUS_USAGE;
+    if (const std::optional<int> status = cli::Parse(app, argc, argv, "zorv-fleet")) {
+        return status;
     }
     if (options.isFold) {
         return std::nullopt;

@@ -2,12 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <iostream>
 #include <map>
 
 #include "host/command/status.h"
 #include "host/version.h"
-#include "text/printable.h"
 
 namespace zorv {
 namespace {
@@ -131,8 +129,7 @@ void CheckMaster(const CLI::App& app, Options& options) {
 std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
     CLI::App app(DESCRIPTION);
     Declare(app, options);
-    try {
-        app.parse(argc, argv);
+    return cli::Parse(app, argc, argv, "zorv-local", [&] {
         CheckMaster(app, options);
         options.command = app.remaining();
         if (!options.command.empty() && options.command.front() == "--") {
@@ -141,12 +138,6 @@ std::optional<int> ParseOptions(int argc, char** argv, Options& options) {
             throw CLI::ExtrasError({options.command.front()});
         }
         options.misplaced = MisplacedOption(app, options.command);
-    } catch (const CLI::Success& answer) {
-        return cli::PrintAnswer(app, answer);
-    } catch (const CLI::Error& error) {
-        std::cerr << "zorv-local: " << Printable(error.what()) << "\nRun with --help for more information.\n";
-        return STATUS_USAGE;
-    }
-    return std::nullopt;
+    });
 }
 }  // namespace zorv

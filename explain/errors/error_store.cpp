@@ -3,9 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "explain/finding/rows.h"
 #include "fault_common/fault_number.h"
-#include "fault_database/fault_database.h"
-#include "fault_database/fault_database_table.h"
 
 namespace explain {
 namespace {
@@ -15,43 +14,14 @@ constexpr const char* LAST_COLUMN = "errCode4";
 // Stands first: most rows have none, so that nothing else is looked at.
 constexpr const char* HAS_ERRORS =
     "(errCode0 > 0 or errCode1 > 0 or errCode2 > 0 or errCode3 > 0 or errCode4 > 0)";
-constexpr int32_t CELLS = 2 + static_cast<int32_t>(ERROR_COLUMNS);
+constexpr size_t CELLS = 2 + ERROR_COLUMNS;
 constexpr size_t MOST_ERRORS = 5'000'000;  // intervals of points; far more than a day of errors everywhere
 constexpr int64_t MOST_COUNT = 1'000'000'000'000;  // of one interval: sums of all of them stay numbers
-
-uint32_t TakeNumbers(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& numbers,
-                     std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
-    FaultCheckColumns(rowCount, columnCount, CELLS);
-    char** cells = result;
-    for (int32_t row = 0; row < rowCount; ++row) {
-        cells += columnCount;  // the first row holds the column names
-        for (int32_t column = 0; column < CELLS; ++column) {
-            numbers.push_back(FaultToInt64(FaultCellText(cells[column])));
-        }
-    }
-    return 0;
-}
-
-// What a statement answers: `take` puts it into numbers or texts.
-struct Answer {
-    std::vector<int64_t> numbers;
-    std::vector<std::string> texts;
-};
-
-Answer Ask(const std::string& sql, FaultRowsCallBack take) {
-    Answer answer;
-    std::vector<int64_t> second;
-    if (FaultDataBaseExcuteSql(sql, take, answer.numbers, second, answer.texts) != 0) {
-        throw NoData({ReasonKind::UNREADABLE_DATABASE});
-    }
-    return answer;
-}
 
 // The points by their number in the tables; of several numbers of a name the first one counts, as in all
 // statements.
 std::multimap<int64_t, std::string> PointNumbers(const std::set<std::string>& points) {
-    const std::vector<std::string> cells =
-        Ask("select locateid, locatename from version_nmaps;", FaultGetQueryTableCallBack).texts;
+    const std::vector<std::string> cells = TextsOf("select locateid, locatename from version_nmaps;");
     std::multimap<int64_t, std::string> numbers;
     std::set<std::string> known;
     for (size_t i = 0; i + 1 < cells.size(); i += 2) {
@@ -65,7 +35,7 @@ std::multimap<int64_t, std::string> PointNumbers(const std::set<std::string>& po
 // A statement for what is not there would be tried again for a minute.
 void CheckColumns(const std::string& table) {
     const std::vector<std::string> sql =
-        Ask("select sql from sqlite_master where name = '" + table + "';", FaultGetQueryTableCallBack).texts;
+        TextsOf("select sql from sqlite_master where name = '" + table + "';");
     if (sql.empty() || sql.front().find(LAST_COLUMN) == std::string::npos) {
         throw NoData({ReasonKind::NO_ERROR_COUNTS, 0, 0, table});
     }
@@ -73,7 +43,7 @@ void CheckColumns(const std::string& table) {
 
 void Add(const std::vector<int64_t>& numbers, const std::multimap<int64_t, std::string>& names,
          std::map<std::string, PointErrors>& errors) {
-    for (size_t i = 0; i < numbers.size(); i += static_cast<size_t>(CELLS)) {
+    for (size_t i = 0; i < numbers.size(); i += CELLS) {
         const auto [first, last] = names.equal_range(numbers[i]);
         for (auto name = first; name != last; ++name) {
             PointErrors& point = errors[name->second];
@@ -115,13 +85,12 @@ std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Par
             CheckColumns(part.tables.front());
         }
         for (const std::string& table : part.tables) {
-            const std::vector<int64_t> numbers =
-                Ask(std::string("select ") + COLUMNS + " from " + table + " where " + HAS_ERRORS +
-                        " and curtime >= " + std::to_string(part.stretch.start) +
-                        " and curtime <= " + std::to_string(part.stretch.end) + ";",
-                    TakeNumbers)
-                    .numbers;
-            taken += numbers.size() / static_cast<size_t>(CELLS);
+            std::vector<int64_t> numbers;
+            AppendNumbers(std::string("select ") + COLUMNS + " from " + table + " where " + HAS_ERRORS +
+                              " and curtime >= " + std::to_string(part.stretch.start) +
+                              " and curtime <= " + std::to_string(part.stretch.end) + ";",
+                          {ReasonKind::UNREADABLE_DATABASE}, numbers);
+            taken += numbers.size() / CELLS;
             if (taken > MOST_ERRORS) {
                 throw NoData({ReasonKind::BAD_VALUE, 0, 0, "errors: too many rows for the range"});
             }

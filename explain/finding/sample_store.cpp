@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "explain/finding/rows.h"
 #include "fault_common/fault_common.h"
-#include "fault_common/fault_number.h"
 #include "fault_database/fault_database.h"
 #include "fault_database/fault_database_table.h"
 
@@ -17,7 +17,7 @@ namespace {
 // these.
 constexpr const char* TIME_AND_DELAY = "curtime, avgdelay";
 constexpr const char* REQUESTS = "acceptnum";
-constexpr int32_t COLUMNS = 3;
+constexpr size_t COLUMNS = 3;
 
 // Of a range, and of a point in it: days of tables made every minute, and of a row a second.
 constexpr size_t MOST_TABLES = 10'000;
@@ -25,20 +25,6 @@ constexpr size_t MOST_ROWS = 1'000'000;
 
 [[noreturn]] void ThrowTooMany(const char* what, const std::string& subject) {
     throw NoData({ReasonKind::BAD_VALUE, 0, 0, subject + ": too many " + what + " for the range"});
-}
-
-// Appends the numbers of all rows to `numbers`.
-uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& numbers,
-                  std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
-    FaultCheckColumns(rowCount, columnCount, COLUMNS);
-    char** cells = result;
-    for (int32_t row = 0; row < rowCount; ++row) {
-        cells += columnCount;  // the first row holds the column names
-        for (int32_t column = 0; column < COLUMNS; ++column) {
-            numbers.push_back(FaultToInt64(FaultCellText(cells[column])));
-        }
-    }
-    return 0;
 }
 
 std::vector<std::string> TablesOf(const Window& stretch) {
@@ -143,8 +129,6 @@ const SampleStore::Part& SampleStore::PartSince(int64_t time) {
 
 Samples SampleStore::Rows(const std::string& point, const Part& part) const {
     std::vector<int64_t> numbers;
-    std::vector<int64_t> second;
-    std::vector<std::string> texts;
     FaultSqlInputParam query{TIME_AND_DELAY, REQUESTS, {}, SqlText(point), {}, {}};
     query.beginTime = std::to_string(part.stretch.start);
     query.endTime = std::to_string(part.stretch.end);
@@ -152,9 +136,7 @@ Samples SampleStore::Rows(const std::string& point, const Part& part) const {
         query.tableName = table;
         std::string sql;
         FaultConstructSql(query, sql);
-        if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
-            throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, point});
-        }
+        AppendNumbers(sql, {ReasonKind::UNREADABLE_POINT, 0, 0, point}, numbers);
         if (numbers.size() > MOST_ROWS * COLUMNS) {
             ThrowTooMany("rows", point);
         }

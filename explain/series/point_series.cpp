@@ -7,8 +7,8 @@
 #include <sstream>
 
 #include "cli/program.h"
+#include "explain/finding/rows.h"
 #include "explain/wording.h"
-#include "fault_common/fault_number.h"
 #include "fault_database/fault_database.h"
 #include "fault_database/fault_database_table.h"
 #include "text/nearest_name.h"
@@ -42,26 +42,6 @@ std::vector<std::string> ColumnsOf(const std::string& list) {
     return columns.empty() ? COLUMNS : columns;
 }
 
-std::vector<std::string> KnownPoints() {
-    std::vector<std::string> points;
-    std::vector<int64_t> first;
-    std::vector<int64_t> second;
-    if (FaultDataBaseExcuteSql("select locatename from version_nmaps;", FaultGetQueryTableCallBack, first,
-                               second, points) != 0) {
-        throw NoData({ReasonKind::UNREADABLE_DATABASE});
-    }
-    return points;
-}
-
-// Appends the numbers of all rows.
-uint32_t TakeRows(char** result, int32_t rowCount, int32_t columnCount, std::vector<int64_t>& numbers,
-                  std::vector<int64_t>& /*second*/, std::vector<std::string>& /*texts*/) {
-    for (int32_t cell = columnCount; cell < (rowCount + 1) * columnCount; ++cell) {
-        numbers.push_back(FaultToInt64(FaultCellText(result[cell])));
-    }
-    return 0;
-}
-
 std::vector<int64_t> NumbersOf(const PointSeries& series) {
     const Window& range = series.report.question.range;
     FaultSqlInputParam query{
@@ -70,16 +50,12 @@ std::vector<int64_t> NumbersOf(const PointSeries& series) {
         query.selectColumn += ", " + column;
     }
     std::vector<int64_t> numbers;
-    std::vector<int64_t> second;
-    std::vector<std::string> texts;
     const SampleStore store({range});
     for (const std::string& table : store.Parts().front().tables) {
         std::string sql;
         query.tableName = table;
         FaultConstructSql(query, sql);
-        if (FaultDataBaseExcuteSql(sql, TakeRows, numbers, second, texts) != 0) {
-            throw NoData({ReasonKind::UNREADABLE_POINT, 0, 0, series.point});
-        }
+        AppendNumbers(sql, {ReasonKind::UNREADABLE_POINT, 0, 0, series.point}, numbers);
         if (numbers.size() > MOST_ROWS * (series.columns.size() + 1)) {
             throw NoData({ReasonKind::BAD_VALUE, 0, 0, series.point + ": too many rows for the range"});
         }
@@ -99,7 +75,7 @@ Coverage CoverageOf(const PointSeries& series) {
 
 PointSeries LoadSeries(const std::string& point, const std::string& columns, Report report) {
     PointSeries series{point, ColumnsOf(columns), {}, std::move(report), !columns.empty()};
-    const std::vector<std::string> known = KnownPoints();
+    const std::vector<std::string> known = TextsOf("select locatename from version_nmaps;");
     if (std::find(known.begin(), known.end(), point) == known.end()) {
         ThrowUnknown("point", point, known, ": the statistics have none of this name");
     }

@@ -1,0 +1,21 @@
+// What a statement answers that reads the statistics for an explanation.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "explain/finding/reason.h"
+
+namespace explain {
+
+// Both block on the database, and throw NoData for `failure` when the statement failed.
+
+// Appends all cells, row by row. Throws std::invalid_argument for a cell that is no number.
+void AppendNumbers(const std::string& sql, const Reason& failure, std::vector<int64_t>& numbers);
+
+// All cells, row by row.
+std::vector<std::string> TextsOf(const std::string& sql,
+                                 const Reason& failure = {ReasonKind::UNREADABLE_DATABASE});
+
+}  // namespace explain
