@@ -101,6 +101,15 @@ bool GoesFarOn(const Look& look, const Event& event, int64_t told) {
     return high >= FEWEST_TOLD || all >= ENOUGH_MILD;
 }
 
+// Whether the last sample says what makes the point slow now: it stands as high as what belongs to the event,
+// and is not about to fall, as behind what is over already.
+bool StandsHigh(const Look& look, const Event& event) {
+    const size_t last = look.firstRow + look.rows.size() - 1;
+    const double height = look.finding.deviations[last];
+    const double before = last > 0 ? look.finding.deviations[last - 1] : height;
+    return height > std::min(HIGH, event.peakDeviations / 2) && before - height <= HIGH;
+}
+
 // Whether the last samples are back at what was usual before the event. Along a slow curve that says nothing.
 bool IsBack(const Samples& last, const Look& look, const Usual& usual) {
     return look.finding.isCurved || std::all_of(last.begin(), last.end(), [&](const Sample& sample) {
@@ -233,7 +242,11 @@ void Changes::TellOfEnd(const Report& report, const Look& look, State& state, Ch
 }
 
 void Changes::TellOfCause(const Report& report, const Look& look, State& state, ChangeList& changes) {
-    const Analysis* analysis = AnalysisOf(report, look.point, look.events.back());
+    const Event& event = look.events.back();
+    if (!StandsHigh(look, event)) {
+        return;
+    }
+    const Analysis* analysis = AnalysisOf(report, look.point, event);
     const std::optional<Cause> cause = analysis != nullptr ? CauseOf(*analysis) : std::nullopt;
     const std::string label = LabelOf(cause);
     const int64_t now = look.rows.back().time;

@@ -99,6 +99,7 @@ TEST(Watch, TellsEachChangeOnceAndWhatIsStableAlone) {
         {std::string(80, 'H') + "....", "2 slow, 82 usual 80"},  // it becomes what the finder takes for usual
         {"AAABBBB....", "2 slow, 5 cause, 9 usual 7"},
         {"AABABA....", "2 slow, 8 usual 6"},
+        {"AABm....", "2 slow, 5 usual 3"},  // what fades says nothing of causes
         {"..EE.E....", "3 errors, 8 errors over 4"},
         {"..!!!!..", "3 unreadable, 7 readable 4"},
         {"HHH!!!!HH..", "2 slow, 4 unreadable, 8 readable 4, 11 usual 9"},
