@@ -71,8 +71,7 @@ void RefuseInputs(const Options& options) {
     std::error_code ignored;
     const std::optional<std::string>& output = options.html ? options.html : options.textFile;
     if (output && !options.log.empty() && !std::filesystem::is_other(*output, ignored) &&
-        std::filesystem::weakly_canonical(*output, ignored) ==
-            std::filesystem::weakly_canonical(options.log, ignored)) {
+        IsOneFile(*output, options.log)) {
         throw cli::UsageError("'" + options.log + "' cannot be both the log and the " +
                               (options.html ? "page" : "text file"));
     }

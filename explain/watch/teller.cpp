@@ -112,9 +112,10 @@ bool Teller::Paint() {
 
 void Teller::WriteTextFile(const Changes& changes, int64_t now) {
     constexpr mode_t FOR_ALL_TO_READ = 0644;
-    const std::string path = std::filesystem::weakly_canonical(*textFile);
-    const bool isWritten =
-        ReplaceFile(path, ExpositionOf(report, changes, now)) && chmod(path.c_str(), FOR_ALL_TO_READ) == 0;
+    std::error_code ignored;
+    const bool isWritten = WriteFile(*textFile, ExpositionOf(report, changes, now)) &&
+                           (!std::filesystem::is_regular_file(*textFile, ignored) ||
+                            chmod(textFile->c_str(), FOR_ALL_TO_READ) == 0);
     const std::string reason =
         isWritten ? "" : "'" + *textFile + "' cannot be written: " + std::strerror(errno);
     if (!isWritten && !hasWritten) {

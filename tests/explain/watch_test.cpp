@@ -95,6 +95,7 @@ TEST(Watch, TellsEachChangeOnceAndWhatIsStableAlone) {
         {"..H....", "5 was slow 1"},  // a single sample, in one line
         {"..H.H...", "5 slow, 7 usual 3"},
         {"mmmmmmmmmm....", "3 slow, 12 usual 10"},
+        {"mmHHHmm....", "4 slow, 7 usual 4"},  // what it fades with is of no event that high
         {"HHHH___________....", "2 slow, 8 no rows, 16 rows 12, 17 usual 4"},
         {std::string(80, 'H') + "....", "2 slow, 82 usual 80"},  // it becomes what the finder takes for usual
         {"AAABBBB....", "2 slow, 5 cause, 9 usual 7"},

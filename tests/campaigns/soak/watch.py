@@ -5,8 +5,9 @@ nothing else of a point; what is told of the database is where something was don
 
 What is visible is told by the point's rows alone, as anybody would who lays a ruler on them: usual is the median of the rows
 before the fault, their scale 1.4826 median absolute deviations, but 2 % of the median at least, and high is what lies more than
-5 scales above. A fault is visible with its first high row, its end with the row behind the last high one, each from the
-second on of which the row tells: it cannot be there earlier."""
+5 scales above. A fault is visible with its first high row; its end with the first row from which on all are usual again: not
+high, and nearer to the usual than to the fault, whose height is the median of its high rows (a fault of 7 scales has rows of
+4 that are not high, but not usual either). Each from the second on of which the row tells: it cannot be there earlier."""
 import datetime
 import json
 import os
@@ -33,7 +34,7 @@ PATIENCE = 12  # seconds: how long the watch waits before it tells that there is
 POINT = {"slow-disk": "TGT_LUMO_HOST_READ", "slow-network": "TGT_LUMO_HOST_WRITE", "locked-volume": "TGT_LUMO_HOST_CMD"}
 
 chance = random.Random(SEED)
-told, planted, disturbed = [], [], []  # (when, change); (point, high rows' times); (from, until)
+told, planted, disturbed = [], [], []  # (when, change); (point, its fault's rows); (from, until)
 measures = []
 
 
@@ -66,8 +67,8 @@ def disturb(world, root):
     disturbed.append((begin, time.time()))
 
 
-def high_rows(root, point, begin):
-    """The times of the rows from the begin on that are high against those before it."""
+def fault_rows(root, point, begin):
+    """From the first row that shows a fault to the one behind the last: (time, scales above the usual); empty where none does."""
     with closing(sqlite3.connect(root / DATABASE, timeout=10)) as database:
         rows = [row for name, in database.execute("select tablename from table_flag").fetchall()
                 for row in database.execute(f"select curtime, avgdelay from {name} natural join version_nmaps where locatename = ?",
@@ -75,7 +76,13 @@ def high_rows(root, point, begin):
     before = [delay for when, delay in rows if when < begin]
     usual = statistics.median(before)
     scale = max(1.4826 * statistics.median(abs(delay - usual) for delay in before), 0.02 * usual)
-    return sorted(when for when, delay in rows if when >= begin and delay > usual + HIGH * scale)
+    since = sorted((when, (delay - usual) / scale) for when, delay in rows if when >= begin)
+    high = [row for row in since if row[1] > HIGH]
+    if not high:
+        return []
+    least = min(HIGH, statistics.median(height for _, height in high) / 2)
+    last = max(when for when, height in since if height > least)
+    return [row for row in since if high[0][0] <= row[0] <= last + 1]
 
 
 def live(root, watch):
@@ -104,7 +111,7 @@ def live(root, watch):
     time.sleep(chance.uniform(5, 7))
     if chance.random() < 0.5:
         disturb(world, root)
-    planted.append((POINT[scenario], high_rows(root, POINT[scenario], fault)))
+    planted.append((POINT[scenario], fault_rows(root, POINT[scenario], fault)))
     chance.choice([world.terminate, world.kill])()
     world.wait()
     disturbed.append((time.time(), time.time()))  # no rows until the next one has begun
@@ -122,21 +129,22 @@ def deadline(visible):
 def check():
     left, delays = list(told), {"slow": [], "usual": []}
 
-    def find(point, kinds, visible, latest):
+    def find(point, rows, kinds, visible, latest):
         found = [one for one in left if one[1]["point"] == point and one[1]["kind"] in kinds
                  and abs(one[1]["time"]["epoch"] - visible) <= NEAR]
-        expect(len(found) == 1 and found[0][0] <= deadline(latest), f"{point} {kinds}, visible at {visible}, told", str(found))
+        expect(len(found) == 1 and found[0][0] <= deadline(latest), 
+               f"{point} {kinds}, visible at {visible}, told", f"{found}\n{rows}")
         delays[kinds[0]] += [one[0] - latest for one in found]
         left[:] = [one for one in left if one not in found]
         return "usual" if any(one[1]["kind"] == "was slow" for one in found) else "slow"
 
-    for point, high in planted:
-        if not high:
+    for point, rows in planted:
+        if not rows:
             continue  # nobody could see it: nothing is to be told
-        end = high[-1] + 1
+        begin, end = rows[0][0], rows[-1][0]
         # A fault of a single row is told when it is over.
-        if find(point, ("slow", "was slow"), high[0], high[0] if len(high) > 1 else end) == "slow":
-            find(point, ("usual",), end, end)
+        if find(point, rows, ("slow", "was slow"), begin, begin if len(rows) > 2 else end) == "slow":
+            find(point, rows, ("usual",), end, end)
     for when, change in left:
         near = any(begin <= when <= until + PATIENCE for begin, until in disturbed)
         expect(change["point"] is None and near, f"{when:.1f}", str(change))
