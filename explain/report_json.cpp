@@ -5,9 +5,9 @@ namespace explain {
 namespace {
 
 // Writes parts of one report; all its times are in the report's zone.
-class Writer {
+class DocumentWriter {
 public:
-    explicit Writer(const Report& toWrite) : report(toWrite) {}
+    explicit DocumentWriter(const Report& toWrite) : report(toWrite) {}
 
     Json::Value Document() const {
         Json::Value document;
@@ -215,7 +215,7 @@ private:
 }  // namespace
 
 std::string JsonReport(const Report& report) {
-    return JsonLine(Writer(report).Document()) + "\n";
+    return JsonLine(DocumentWriter(report).Document()) + "\n";
 }
 
 }  // namespace explain
