@@ -1,22 +1,13 @@
-#include <json/writer.h>
-
 #include "explain/report_json_values.h"
 #include "explain/wording.h"
 
 namespace explain {
 namespace {
 
-constexpr unsigned SIGNIFICANT_DIGITS = 9;
-
-// Empty text stands for what is not known.
-Json::Value TextOrNull(const std::string& text) {
-    return text.empty() ? Json::Value() : JsonText(text);
-}
-
 // Writes parts of one report; all its times are in the report's zone.
-class Writer {
+class DocumentWriter {
 public:
-    explicit Writer(const Report& toWrite) : report(toWrite) {}
+    explicit DocumentWriter(const Report& toWrite) : report(toWrite) {}
 
     Json::Value Document() const {
         Json::Value document;
@@ -49,7 +40,7 @@ private:
     Json::Value CoverageValue() const {
         const Coverage& coverage = report.coverage;
         Json::Value value;
-        value["step_seconds"] = coverage.step > 0 ? static_cast<Json::Int64>(coverage.step) : Json::Value();
+        value["step_seconds"] = coverage.step > 0 ? JsonWhole(coverage.step) : Json::Value();
         value["intervals_expected"] = coverage.expected > 0 ? JsonCount(coverage.expected) : Json::Value();
         value["intervals"] = JsonCount(coverage.intervals);
         value["points"] = JsonCount(coverage.points);
@@ -79,16 +70,14 @@ private:
         value["program"] = stamp.program;
         value["sqlite"] = stamp.sqlite;
         value["jsoncpp"] = stamp.jsoncpp;
-        value["configuration_sha256"] = TextOrNull(stamp.configurationHash);
-        value["database_sha256"] = TextOrNull(stamp.databaseHash);
+        value["configuration_sha256"] = JsonTextOrNull(stamp.configurationHash);
+        value["database_sha256"] = JsonTextOrNull(stamp.databaseHash);
         value["command"] = JsonText(stamp.command);
         return value;
     }
 
     Json::Value EventValue(const Event& event) const {
-        Json::Value value;
-        value["start"] = Time(event.start);
-        value["end"] = Time(event.end);
+        Json::Value value = WindowValue(event);
         value["peak"] = Time(event.peakTime);
         value["peak_delay_us"] = JsonNumber(event.peakDelay);
         value["peak_deviations"] = JsonNumber(event.peakDeviations);
@@ -205,7 +194,7 @@ private:
         value["verdict"] = WordOf(analysis.verdict);
         value["weak"] = analysis.isWeak;
         value["ongoing"] = analysis.event ? Json::Value(analysis.event->isOngoing) : Json::Value();
-        value["detector"] = TextOrNull(SilenceOf(analysis));
+        value["detector"] = JsonTextOrNull(SilenceOf(analysis));
         value["baseline"] = analysis.baseline ? WindowValue(*analysis.baseline) : Json::Value();
         value["reason"] = analysis.reason ? JsonText(SentenceOf(*analysis.reason)) : Json::Value();
         value["event"] = analysis.event ? EventValue(*analysis.event) : Json::Value();
@@ -226,10 +215,7 @@ private:
 }  // namespace
 
 std::string JsonReport(const Report& report) {
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["precision"] = SIGNIFICANT_DIGITS;
-    return Json::writeString(builder, Writer(report).Document()) + "\n";
+    return JsonLine(DocumentWriter(report).Document()) + "\n";
 }
 
 }  // namespace explain

@@ -4,13 +4,9 @@
 namespace explain {
 namespace {
 
-Json::Value Whole(int64_t count) {
-    return static_cast<Json::Int64>(count);
-}
-
 Json::Value TypeValue(const ErrorType& type) {
     Json::Value value;
-    value["name"] = type.name.empty() ? Json::Value() : JsonText(type.name);
+    value["name"] = JsonTextOrNull(type.name);
     value["index"] = type.index;
     value["column"] = type.column;
     return value;
@@ -19,10 +15,10 @@ Json::Value TypeValue(const ErrorType& type) {
 Json::Value EventValue(const ErrorEvent& event, int64_t zoneOffset) {
     Json::Value value = JsonWindow(event, zoneOffset);
     value["intervals"] = JsonCount(event.last - event.first + 1);
-    value["count"] = Whole(event.count);
+    value["count"] = JsonWhole(event.count);
     value["expected"] = JsonNumber(event.expected);
     value["peak"] = JsonTime(event.peakTime, zoneOffset);
-    value["peak_count"] = Whole(event.peakCount);
+    value["peak_count"] = JsonWhole(event.peakCount);
     value["ongoing"] = event.isOngoing;
     return value;
 }
@@ -30,11 +26,11 @@ Json::Value EventValue(const ErrorEvent& event, int64_t zoneOffset) {
 Json::Value LookValue(const ErrorLook& look, int64_t zoneOffset) {
     Json::Value value;
     value["type"] = TypeValue(look.type);
-    value["count"] = Whole(look.count);
+    value["count"] = JsonWhole(look.count);
     value["points"] = JsonList(look.points, [=](const ErrorPoint& one) {
         Json::Value point;
         point["point"] = JsonText(one.point);
-        point["count"] = Whole(one.count);
+        point["count"] = JsonWhole(one.count);
         point["events"] =
             JsonList(one.events, [=](const ErrorEvent& event) { return EventValue(event, zoneOffset); });
         return point;
@@ -48,7 +44,7 @@ Json::Value ShareValue(const ErrorShare& share, int64_t zoneOffset) {
     value["graph"] = JsonText(share.graph);
     value["advice"] = JsonText(share.advice);
     value["share"] = JsonNumber(share.share);
-    value["count"] = Whole(share.count);
+    value["count"] = JsonWhole(share.count);
     value["extra"] = JsonNumber(share.extra);
     value["since"] = JsonTime(share.since, zoneOffset);
     value["ongoing"] = share.isOngoing;
@@ -87,7 +83,7 @@ Json::Value HealingsValue(const Report& report) {
         value["kind"] = JsonText(healing.kind);
         value["module"] = JsonText(healing.module);
         value["cause"] = JsonText(healing.cause);
-        value["node"] = Whole(healing.node);
+        value["node"] = JsonWhole(healing.node);
         value["here"] = healing.isHere;
         return value;
     });

@@ -16,7 +16,9 @@ namespace explain {
 
 // Bytes that are no UTF-8 are shown as such.
 Json::Value JsonText(const std::string& text);
+Json::Value JsonTextOrNull(const std::string& text);  // empty text stands for what is not known
 Json::Value JsonCount(size_t count);
+Json::Value JsonWhole(int64_t number);
 // Null for what is no finite number, or not known.
 Json::Value JsonNumber(double value);
 Json::Value JsonNumber(const std::optional<double>& value);
@@ -34,6 +36,9 @@ Json::Value JsonList(const std::vector<Item>& items, const Writer& written) {
     }
     return list;
 }
+
+// A document on one line, without its end: the same for the same one.
+std::string JsonLine(const Json::Value& document);
 
 // The members of the document that tell of errors and healings.
 Json::Value ErrorsValue(const Report& report);

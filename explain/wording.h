@@ -198,8 +198,9 @@ std::string SentenceOf(const Change& change, int64_t zoneOffset);
 std::string LineOf(const Change& change, int64_t now, int64_t zoneOffset);
 const char* WordOf(ChangeKind kind);
 
-// How often a watch looks.
+// How often a watch looks; of when a report is where nothing could be looked at since.
 std::string IntervalOf(int64_t seconds);
+std::string LastSeenOf(const Report& report);
 
 // Why something could not be looked at just now; `failed` as with FailureOf().
 std::string TroubleOf(const Reason& reason, const std::string& failed);

@@ -16,16 +16,6 @@ constexpr size_t MOST_INCIDENTS = 8;  // of a type, as of the events of a point
 constexpr size_t GAP = 1;             // intervals at the end of which errors were spared
 constexpr size_t REACH = 2;           // intervals that a time which is named may be off
 
-ErrorType TypeOf(size_t column) {
-    ErrorType type;
-    type.index = -1 - static_cast<int32_t>(column);
-    type.column = "errCode" + std::to_string(column);
-    for (const auto& [name, index] : g_mapTypeIdx) {
-        type.name = index == type.index ? name : type.name;
-    }
-    return type;
-}
-
 // Makes of the errors of all points what the report tells of them.
 class ErrorSurvey {
 public:
@@ -251,6 +241,16 @@ private:
 };
 
 }  // namespace
+
+ErrorType TypeOf(size_t column) {
+    ErrorType type;
+    type.index = -1 - static_cast<int32_t>(column);
+    type.column = "errCode" + std::to_string(column);
+    for (const auto& [name, index] : g_mapTypeIdx) {
+        type.name = index == type.index ? name : type.name;
+    }
+    return type;
+}
 
 Errors SurveyErrors(const Question& question, SampleStore& store, ErrorStore& errors) {
     return ErrorSurvey(question, store, errors).Done();

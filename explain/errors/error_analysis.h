@@ -14,6 +14,9 @@
 
 namespace explain {
 
+// The type that a column, below ERROR_COLUMNS, counts.
+ErrorType TypeOf(size_t column);
+
 // A point of the error-code graphs that counted errors of a type in the range.
 struct ErrorPoint {
     std::string point;

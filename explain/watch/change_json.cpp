@@ -1,5 +1,3 @@
-#include <json/writer.h>
-
 #include "explain/change.h"
 #include "explain/report_json_values.h"
 #include "explain/wording.h"
@@ -7,11 +5,9 @@
 namespace explain {
 namespace {
 
-constexpr unsigned SIGNIFICANT_DIGITS = 9;
-
 Json::Value CauseValue(const Cause& cause) {
     Json::Value value;
-    value["point"] = cause.point.empty() ? Json::Value() : JsonText(cause.point);
+    value["point"] = JsonTextOrNull(cause.point);
     value["share"] = cause.share;
     value["certainty"] = WordOf(cause.certainty);
     return value;
@@ -25,20 +21,16 @@ std::string JsonChange(const Change& change, int64_t now, int64_t zoneOffset) {
     value["kind"] = WordOf(change.kind);
     value["time"] = JsonTime(change.time, zoneOffset);
     value["seen"] = JsonTime(now, zoneOffset);
-    value["point"] = change.point.empty() ? Json::Value() : JsonText(change.point);
+    value["point"] = JsonTextOrNull(change.point);
     value["delay_us"] = JsonNumber(change.delay);
     value["times_usual"] = JsonNumber(change.times);
     value["cause"] = change.cause ? CauseValue(*change.cause) : Json::Value();
-    value["seconds"] = change.seconds > 0 ? static_cast<Json::Int64>(change.seconds) : Json::Value();
+    value["seconds"] = change.seconds > 0 ? JsonWhole(change.seconds) : Json::Value();
     value["newest"] = change.newest ? JsonTime(*change.newest, zoneOffset) : Json::Value();
-    value["type"] = change.type.empty() ? Json::Value() : JsonText(change.type);
-    value["errors"] =
-        change.type.empty() ? Json::Value() : Json::Value(static_cast<Json::Int64>(change.count));
+    value["type"] = JsonTextOrNull(change.type);
+    value["errors"] = change.type.empty() ? Json::Value() : JsonWhole(change.count);
     value["sentence"] = JsonText(SentenceOf(change, zoneOffset));
-    Json::StreamWriterBuilder builder;
-    builder["indentation"] = "";
-    builder["precision"] = SIGNIFICANT_DIGITS;
-    return Json::writeString(builder, value);
+    return JsonLine(value);
 }
 
 }  // namespace explain

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "explain/finding/run.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -101,6 +102,39 @@ bool GoesFarOn(const Look& look, const Event& event, int64_t told) {
     return high >= FEWEST_TOLD || all >= ENOUGH_MILD;
 }
 
+// Whether an event that is high as a whole, between its first and its last high sample, has ended with the
+// last samples: they are neither high nor nearer to it than to the usual. The finder's means of several
+// samples drag it over such ones; as many of them again are a mild rest, with which it goes on.
+bool HasFallen(const Look& look, const Event& event) {
+    const auto begin = look.finding.deviations.begin();
+    const auto isHigh = [](double deviation) { return deviation > HIGH; };
+    const auto from = begin + static_cast<std::ptrdiff_t>(event.first);
+    const auto end = begin + static_cast<std::ptrdiff_t>(look.firstRow + look.rows.size());
+    const auto first = std::find_if(from, end, isHigh);
+    const auto last =
+        std::find_if(std::make_reverse_iterator(end), std::make_reverse_iterator(first), isHigh);
+    if (first == end) {
+        return false;  // it is mild
+    }
+    std::vector<double> heights(first, last.base());
+    const double height = MedianOf(heights);
+    const double least = std::min(HIGH, height / 2);
+    const auto low = std::find_if(std::make_reverse_iterator(end), last,
+                                  [=](double deviation) { return deviation > least; }) -
+                     std::make_reverse_iterator(end);
+    return height > HIGH && low > static_cast<std::ptrdiff_t>(GAP) &&
+           low < static_cast<std::ptrdiff_t>(WINDOW);
+}
+
+// Whether the last sample says what makes the point slow now: it stands as high as what belongs to the event,
+// and is not about to fall, as behind what is over already.
+bool StandsHigh(const Look& look, const Event& event) {
+    const size_t last = look.firstRow + look.rows.size() - 1;
+    const double height = look.finding.deviations[last];
+    const double before = last > 0 ? look.finding.deviations[last - 1] : height;
+    return height > std::min(HIGH, event.peakDeviations / 2) && before - height <= HIGH;
+}
+
 // Whether the last samples are back at what was usual before the event. Along a slow curve that says nothing.
 bool IsBack(const Samples& last, const Look& look, const Usual& usual) {
     return look.finding.isCurved || std::all_of(last.begin(), last.end(), [&](const Sample& sample) {
@@ -183,7 +217,7 @@ void Changes::TellOfPoint(const Report& report, const Look& look, ChangeList& ch
     State& state = points[look.point];
     if (!state.isSlow) {
         TellOfEvents(report, look, state, changes);
-    } else if (!look.events.empty() && look.events.back().isOngoing) {
+    } else if (!look.events.empty() && look.events.back().isOngoing && !HasFallen(look, look.events.back())) {
         state.end = look.events.back().end;
         state.found = look.rows.back().time;
         TellOfCause(report, look, state, changes);
@@ -218,7 +252,8 @@ void Changes::TellOfEvents(const Report& report, const Look& look, State& state,
 void Changes::TellOfEnd(const Report& report, const Look& look, State& state, ChangeList& changes) {
     const Sample& last = look.rows.back();
     if (!look.events.empty() && look.events.back().start <= state.end) {
-        state.end = std::max(state.end, look.events.back().end);
+        const int64_t before = LastOf(look).front().time - report.coverage.step;
+        state.end = std::max(state.end, std::min(look.events.back().end, before));
     }
     const bool isBack = IsBack(LastOf(look), look, state.usual);
     if (!isBack && last.time - state.found < ACCEPTED_AFTER) {
@@ -233,7 +268,11 @@ void Changes::TellOfEnd(const Report& report, const Look& look, State& state, Ch
 }
 
 void Changes::TellOfCause(const Report& report, const Look& look, State& state, ChangeList& changes) {
-    const Analysis* analysis = AnalysisOf(report, look.point, look.events.back());
+    const Event& event = look.events.back();
+    if (!StandsHigh(look, event)) {
+        return;
+    }
+    const Analysis* analysis = AnalysisOf(report, look.point, event);
     const std::optional<Cause> cause = analysis != nullptr ? CauseOf(*analysis) : std::nullopt;
     const std::string label = LabelOf(cause);
     const int64_t now = look.rows.back().time;

@@ -1,6 +1,6 @@
 #include "explain/watch/exposition.h"
 
-#include <cmath>
+#include <algorithm>
 
 #include "explain/wording.h"
 #include "explain/wording_errors.h"
@@ -60,8 +60,13 @@ std::string PointsText(const Report& report, const Changes& changes) {
 
 std::string ErrorsText(const Report& report) {
     Gauge errors("zorv_errors", "Errors of the last hour by type, all points together.");
-    for (const ErrorLook& look : report.errorLooks) {
-        errors.Add(Label("type", WordOf(look.type)), static_cast<double>(look.count));
+    const bool areKnown = report.areErrorsLookedAt && !report.errorsReason;
+    for (size_t column = 0; areKnown && column < ERROR_COLUMNS; ++column) {
+        const ErrorType type = TypeOf(column);
+        const auto look = std::find_if(report.errorLooks.begin(), report.errorLooks.end(),
+                                       [&](const ErrorLook& one) { return one.type.index == type.index; });
+        errors.Add(Label("type", WordOf(type)),
+                   look != report.errorLooks.end() ? static_cast<double>(look->count) : 0.0);
     }
     return errors.Text();
 }

@@ -59,7 +59,8 @@ Teller::Teller(const Options& options)
 bool Teller::Tell(Sight sight, const ChangeList& changed, const Changes& changes) {
     const int64_t now = sight.report.madeAt;
     const int64_t zoneOffset = sight.report.zoneOffset;
-    if (!sight.failure || !sight.report.looks.empty()) {
+    isOld = sight.failure && sight.report.looks.empty();
+    if (!isOld) {
         report = std::move(sight.report);
     }
     if (textFile) {
@@ -101,15 +102,20 @@ bool Teller::Print(const std::string& text) const {
 bool Teller::Paint() {
     size = TerminalSize();
     const bool hasSeen = report.madeAt > 0;
-    const std::string picture = hasSeen ? OverviewText(report, StyleOf(STDOUT_FILENO)) + "\n" : "";
-    return Print(Painted(picture + headline + "\n", size.second));
+    // The newest first: a screen of few rows cuts the end.
+    std::string text = headline.empty() ? "" : headline + "\n\n";
+    if (hasSeen) {
+        text += (isOld ? LastSeenOf(report) + "\n\n" : "") + OverviewText(report, StyleOf(STDOUT_FILENO));
+    }
+    return Print(Painted(text, size.second));
 }
 
 void Teller::WriteTextFile(const Changes& changes, int64_t now) {
     constexpr mode_t FOR_ALL_TO_READ = 0644;
-    const std::string path = std::filesystem::weakly_canonical(*textFile);
-    const bool isWritten =
-        ReplaceFile(path, ExpositionOf(report, changes, now)) && chmod(path.c_str(), FOR_ALL_TO_READ) == 0;
+    std::error_code ignored;
+    const bool isWritten = WriteFile(*textFile, ExpositionOf(report, changes, now)) &&
+                           (!std::filesystem::is_regular_file(*textFile, ignored) ||
+                            chmod(textFile->c_str(), FOR_ALL_TO_READ) == 0);
     const std::string reason =
         isWritten ? "" : "'" + *textFile + "' cannot be written: " + std::strerror(errno);
     if (!isWritten && !hasWritten) {

@@ -38,6 +38,7 @@ private:
     bool hasWritten = false;
     std::optional<std::chrono::seconds> toldInterval;
     Report report;                   // the last one that has something
+    bool isOld = false;              // the last sight had nothing
     std::string headline;            // the last change
     std::pair<size_t, size_t> size;  // of the picture, columns and rows
 };

@@ -38,6 +38,7 @@ public:
 private:
     // False when the watch is to end.
     bool LookAndTell() {
+        const Clock::time_point begun = Clock::now();
         Sight sight = lookout.Look();
         const Clock::time_point now = Clock::now();
         if (Interrupted()) {
@@ -50,7 +51,7 @@ private:
                 return true;  // a writer keeps readers out for moments
             }
         } else {
-            due = options.every ? std::max(due + interval, now) : now + UntilRowsCome(sight);
+            due = options.every ? std::max(due + interval, now) : WhenRowsCome(sight, begun);
             lastRead = now;
             patience = std::max<milliseconds>(interval, LEAST_PATIENCE);
         }
@@ -66,14 +67,17 @@ private:
         }
     }
 
-    // An interval or, so that a look finds new rows soon after they came, a little less; where it finds none,
-    // a part of one, for an interval.
-    milliseconds UntilRowsCome(const Sight& sight) {
+    // An interval from the begin of a look on or, so that the next one finds new rows soon after they came, a
+    // little less; where it found none, a part of one, for an interval. At least that from its end on.
+    Clock::time_point WhenRowsCome(const Sight& sight, Clock::time_point begun) {
         constexpr int PARTS = 8;
         const bool hasNew = sight.report.coverage.newest != newest;
         newest = sight.report.coverage.newest;
         misses = hasNew ? 0 : misses + 1;
-        return hasNew ? interval - interval / (2 * PARTS) : misses <= PARTS ? interval / PARTS : interval;
+        const Clock::time_point soon = Clock::now() + interval / PARTS;
+        return hasNew            ? std::max(begun + interval - interval / (2 * PARTS), soon)
+               : misses <= PARTS ? soon
+                                 : Clock::now() + interval;
     }
 
     // False when the watch is to end.

@@ -1,5 +1,6 @@
 #include "explain/change.h"
 #include "explain/finding/reason.h"
+#include "explain/report.h"
 #include "explain/wording.h"
 
 namespace explain {
@@ -75,6 +76,11 @@ std::string TroubleOf(const Reason& reason, const std::string& failed) {
 
 std::string IntervalOf(int64_t seconds) {
     return "looks every " + Duration(seconds) + " at the last hour, and tells what changes";
+}
+
+std::string LastSeenOf(const Report& report) {
+    return "As it was at " + LocalTime(report.madeAt, report.zoneOffset) +
+           ": nothing could be looked at since.";
 }
 
 const char* WordOf(ChangeKind kind) {

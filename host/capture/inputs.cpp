@@ -129,4 +129,8 @@ std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& 
     }
     return std::nullopt;
 }
+
+bool IsOneFile(const std::string& path, const std::string& other) {
+    return IsSameFile(Destination(path), Destination(other));
+}
 }  // namespace zorv

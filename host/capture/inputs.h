@@ -19,4 +19,7 @@ struct Inputs {
 // there yet. Two sentences for the operator; nothing when `path` may be written.
 // Looks at names only: it opens no file, so it may be called whenever databases are open. Any thread.
 std::optional<std::string> WhyNotWritten(const std::string& path, const Inputs& inputs);
+
+// Whether two paths mean one file, in the same way.
+bool IsOneFile(const std::string& path, const std::string& other);
 }  // namespace zorv

@@ -125,10 +125,11 @@ bool ReplaceFile(const std::string& path, std::string_view content) {
 }
 
 bool WriteFile(const std::string& path, std::string_view content) {
-    std::error_code ignored;
-    if (std::filesystem::is_regular_file(path, ignored) ||
-        !std::filesystem::exists(std::filesystem::symlink_status(path, ignored))) {
-        return ReplaceFile(std::filesystem::weakly_canonical(path), content);
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error) ||
+        !std::filesystem::exists(std::filesystem::symlink_status(path, error))) {
+        const std::filesystem::path target = std::filesystem::weakly_canonical(path, error);
+        return ReplaceFile(error ? path : target.string(), content);
     }
     std::ofstream stream(path, std::ios::binary);
     stream << content;

@@ -62,7 +62,7 @@ class Watch(ConsoleTest):
         gauges = self.gauges()
         self.assertGreater(gauges["zorv_point_delay_ratio", POINT], 1.5)
         self.assertEqual([gauges["zorv_point_slow", POINT], gauges["zorv_point_slow", "NAS_TRANS_ALL"],
-                          gauges["zorv_database_readable",]], [1, 0, 1])
+                          gauges["zorv_database_readable",], gauges["zorv_errors", "error index -5 (errCode4)"]], [1, 0, 1, 0])
         self.assertEqual((self.root / "zorv.prom").stat().st_mode & 0o777, 0o644)
 
         self.usual_until(int(time.time()))
@@ -94,7 +94,7 @@ class Watch(ConsoleTest):
             self.assertRegex(watch.stdout.readline(), rf"\d\d {POINT} slow, \d+ us \(\d\.\d times\), BDM_DISK_READ \d+ %\n")
             watch.stdout.close() if end is None else watch.send_signal(end)
             self.assertEqual(watch.wait(), 0, end)
-        for options in (["60"], ["--at", "-5m"], ["--every", "0"], ["--html", "page"]):
+        for options in (["60"], ["--at", "-5m"], ["--every", "0"], ["--html", "page"], ["--textfile", "x", "--log", "./x"]):
             self.assertEqual(self.run_explain("--watch", *options)[0], 2, options)
         self.assertEqual(self.run_explain("--textfile", "x", "60")[0], 2)
         self.assertEqual(self.run_explain("--watch", "--textfile", self.root / "no/file")[0], 5)

@@ -95,10 +95,12 @@ TEST(Watch, TellsEachChangeOnceAndWhatIsStableAlone) {
         {"..H....", "5 was slow 1"},  // a single sample, in one line
         {"..H.H...", "5 slow, 7 usual 3"},
         {"mmmmmmmmmm....", "3 slow, 12 usual 10"},
+        {"mmHHHmm....", "4 slow, 7 usual 4"},  // what it fades with is of no event that high
         {"HHHH___________....", "2 slow, 8 no rows, 16 rows 12, 17 usual 4"},
         {std::string(80, 'H') + "....", "2 slow, 82 usual 80"},  // it becomes what the finder takes for usual
         {"AAABBBB....", "2 slow, 5 cause, 9 usual 7"},
         {"AABABA....", "2 slow, 8 usual 6"},
+        {"AABm....", "2 slow, 5 usual 3"},  // what fades says nothing of causes
         {"..EE.E....", "3 errors, 8 errors over 4"},
         {"..!!!!..", "3 unreadable, 7 readable 4"},
         {"HHH!!!!HH..", "2 slow, 4 unreadable, 8 readable 4, 11 usual 9"},

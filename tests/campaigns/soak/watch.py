@@ -1,18 +1,26 @@
 #!/usr/bin/env python3
 """watch.py [SECONDS [SEED [SLACK]]]: zorv-explain --watch beside live worlds in real time, with a sample a second: one after the other
 has a fault, is re-created, locked, ends or is killed. Each fault is told within two looks of being visible, its end too, and
-nothing else of a point; what is told of the database is where something was done to it. Descriptors and memory stay."""
+nothing else of a point; what is told of the database is where something was done to it. Descriptors and memory stay.
+
+What is visible is told by the point's rows alone, as anybody would who lays a ruler on them: usual is the median of the rows
+before the fault, their scale 1.4826 median absolute deviations, but 2 % of the median at least, and high is what lies more than
+5 scales above. A fault is visible with its first high row; its end with the first row from which on all are usual again: not
+high, and nearer to the usual than to the fault, whose height is the median of its high rows (a fault of 7 scales has rows of
+4 that are not high, but not usual either). Each from the second on of which the row tells: it cannot be there earlier."""
 import datetime
 import json
 import os
 import random
 import signal
 import sqlite3
+import statistics
 import subprocess
 import sys
 import tempfile
 import threading
 import time
+from contextlib import closing
 from pathlib import Path
 
 from soak import BIN, SLACK, check_growth, expect, faults
@@ -20,13 +28,13 @@ from soak import BIN, SLACK, check_growth, expect, faults
 SECONDS = int((sys.argv[1:] or ["3600"])[0])
 SEED = int((sys.argv[2:] or [time.time_ns() % 10**6])[0])
 DATABASE = "VRA/data/lumo/lumo_diagnose_data.db"
-LATE = 2 + float((sys.argv[3:] or ["2"])[0])  # seconds from being visible: two looks, and what the machine needs for them
-BEGINS, ENDS = 4, 6  # seconds after its begin and end until a fault is there, and gone, for the hosts
+LATE = 2 + float((sys.argv[3:] or ["0.5"])[0])  # seconds from being visible: two intervals, and what a look needs
+HIGH, NEAR = 5, 2  # scales; seconds that a begin or end is told beside the row with which it is visible
 PATIENCE = 12  # seconds: how long the watch waits before it tells that there is nothing to read
 POINT = {"slow-disk": "TGT_LUMO_HOST_READ", "slow-network": "TGT_LUMO_HOST_WRITE", "locked-volume": "TGT_LUMO_HOST_CMD"}
 
 chance = random.Random(SEED)
-told, planted, disturbed = [], [], []  # (when, change); (point, begin, end) with each end (world's time, when visible); (from, until)
+told, planted, disturbed = [], [], []  # (when, change); (point, its fault's rows); (from, until)
 measures = []
 
 
@@ -59,33 +67,51 @@ def disturb(world, root):
     disturbed.append((begin, time.time()))
 
 
-def live(root, watch, end):
+def fault_rows(root, point, begin):
+    """From the first row that shows a fault to the one behind the last: (time, scales above the usual); empty where none does."""
+    with closing(sqlite3.connect(root / DATABASE, timeout=10)) as database:
+        rows = [row for name, in database.execute("select tablename from table_flag").fetchall()
+                for row in database.execute(f"select curtime, avgdelay from {name} natural join version_nmaps where locatename = ?",
+                                            (point,))]
+    before = [delay for when, delay in rows if when < begin]
+    usual = statistics.median(before)
+    scale = max(1.4826 * statistics.median(abs(delay - usual) for delay in before), 0.02 * usual)
+    since = sorted((when, (delay - usual) / scale) for when, delay in rows if when >= begin)
+    high = [row for row in since if row[1] > HIGH]
+    if not high:
+        return []
+    least = min(HIGH, statistics.median(height for _, height in high) / 2)
+    last = max(when for when, height in since if height > least)
+    return [row for row in since if high[0][0] <= row[0] <= last + 1]
+
+
+def live(root, watch):
     """One world; returns when its time is over."""
     scenario = chance.choice(list(POINT))
     begin = time.time()
     length = chance.choice([3, 5, 10, 30])
     options = ["--scenario", scenario, "--step", 1, "--hours", 1, "--live", "--fault-after", 20, "--fault-length", length,
-               "--fault-strength", chance.choice([1.5, 2, 4]), "--seed", chance.randrange(1000), "--for", 30 + length]
+               "--fault-strength", chance.choice([1.5, 2, 4]), "--seed", chance.randrange(1000), "--for", 40 + length]
     options += chance.choice([[], ["--wal"], ["--recreate-by", "rename"]])
     world = subprocess.Popen([BIN / "lumo-sim", "--root", root, *map(str, options)], stdout=subprocess.PIPE, text=True)
-    fault = []
     for line in world.stdout:
-        now = time.time()
         if "started" in line:
-            disturbed.append((begin, now))
+            disturbed.append((begin, time.time()))
             for _ in range(chance.randrange(3)):
                 time.sleep(chance.uniform(0, 4))
                 disturb(world, root)
-        if "fault begins" in line or "fault ends" in line:
-            fault.append((seconds_of(line[:14]), now))
+        if "fault begins" in line:
+            fault = seconds_of(line[:14])
+            if chance.random() < 0.3:
+                time.sleep(chance.uniform(0, length))
+                disturb(world, root)
         if "fault ends" in line:
-            planted.append((POINT[scenario], *fault))
             break
         measure(watch)
-    if time.time() < end:
-        time.sleep(chance.uniform(4, 6))
-        if chance.random() < 0.5:
-            disturb(world, root)
+    time.sleep(chance.uniform(5, 7))
+    if chance.random() < 0.5:
+        disturb(world, root)
+    planted.append((POINT[scenario], fault_rows(root, POINT[scenario], fault)))
     chance.choice([world.terminate, world.kill])()
     world.wait()
     disturbed.append((time.time(), time.time()))  # no rows until the next one has begun
@@ -102,14 +128,23 @@ def deadline(visible):
 
 def check():
     left, delays = list(told), {"slow": [], "usual": []}
-    for point, begin, end in planted:
-        for word, (since, visible), most in (("slow", begin, BEGINS), ("usual", end, ENDS)):
-            found = [one for one in told if one[1]["kind"] in (word, "was slow") and one[1]["point"] == point
-                     and since - 1 <= one[1]["time"]["epoch"] <= since + most]
-            on_time = all(one[0] <= deadline(visible) for one in found)
-            expect(len(found) == 1 and on_time, f"{point} {word} since {since:.0f}, visible at {visible:.1f}, told", str(found))
-            delays[word] += [one[0] - visible for one in found]
-            left = [one for one in left if one not in found]
+
+    def find(point, rows, kinds, visible, latest):
+        found = [one for one in left if one[1]["point"] == point and one[1]["kind"] in kinds
+                 and abs(one[1]["time"]["epoch"] - visible) <= NEAR]
+        expect(len(found) == 1 and found[0][0] <= deadline(latest), 
+               f"{point} {kinds}, visible at {visible}, told", f"{found}\n{rows}")
+        delays[kinds[0]] += [one[0] - latest for one in found]
+        left[:] = [one for one in left if one not in found]
+        return "usual" if any(one[1]["kind"] == "was slow" for one in found) else "slow"
+
+    for point, rows in planted:
+        if not rows:
+            continue  # nobody could see it: nothing is to be told
+        begin, end = rows[0][0], rows[-1][0]
+        # A fault of a single row is told when it is over.
+        if find(point, rows, ("slow", "was slow"), begin, begin if len(rows) > 2 else end) == "slow":
+            find(point, rows, ("usual",), end, end)
     for when, change in left:
         near = any(begin <= when <= until + PATIENCE for begin, until in disturbed)
         expect(change["point"] is None and near, f"{when:.1f}", str(change))
@@ -127,7 +162,7 @@ def main():
                                  stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
         threading.Thread(target=listen, args=(watch,), daemon=True).start()
         while time.time() < end:
-            live(root, watch, end)
+            live(root, watch)
         time.sleep(3)
         watch.terminate()
         if watch.wait() != 0:
