@@ -4,11 +4,8 @@
 #include <set>
 #include <vector>
 
-#include "agent/agent_storage.h"
-#include "agent/agent_switch.h"
 #include "host/capture/captured_database.h"
 #include "host/capture/manifest.h"
-#include "host/services/alarm.h"
 
 namespace zorv {
 namespace {
@@ -16,9 +13,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* NODE_FOLDER = "VRA";  // with which all fixed paths begin
 constexpr int DEEPEST = 2;                  // levels below the folder
-constexpr const char* STATISTICS_FILE = LUMO_DATABASE_FILE;
-constexpr const char* FIXED_FILES[] = {STATISTICS_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
-                                       FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
 
 std::string NameOf(const std::string& path) {
     return fs::path(path).filename();
@@ -36,7 +30,7 @@ bool IsFolder(const fs::directory_entry& entry) {
 
 Found LookThrough(const std::string& folder) {
     std::set<std::string> wanted;
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         wanted.insert(NameOf(file));
     }
     Found found;
@@ -77,7 +71,7 @@ CaptureFiles::CaptureFiles(const std::string& name, const std::string& archive)
         FailForSeveral(folder, archive, found.nodes);
     }
     directory = found.nodes.empty() ? folder : found.nodes.front();
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         const auto places = found.files.find(NameOf(file));
         if (places == found.files.end() || fs::exists(fs::symlink_status(directory + file, ignored))) {
             continue;

@@ -4,7 +4,15 @@
 #include <map>
 #include <string>
 
+#include "agent/agent_storage.h"
+#include "agent/agent_switch.h"
+#include "host/services/alarm.h"
+
 namespace zorv {
+// The fixed paths of what is read from a node.
+constexpr const char* NODE_FILES[] = {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
+                                      FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
+
 // At their fixed paths below the folder, or below one that is at most two levels down; or anywhere in these,
 // by their names alone.
 class CaptureFiles {

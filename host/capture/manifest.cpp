@@ -59,6 +59,18 @@ Json::Value Parsed(const std::string& text) {
     }
 }
 
+// Only what a file is compared by; entries that tell less are passed over.
+std::vector<Manifest::File> FilesOf(const Json::Value& value) {
+    std::vector<Manifest::File> files;
+    for (const Json::Value& file : value.isArray() ? value : Json::Value()) {
+        if (file.isObject() && file["path"].isString() && file["bytes"].isUInt64() &&
+            file["sha256"].isString()) {
+            files.push_back({file["path"].asString(), file["bytes"].asUInt64(), file["sha256"].asString()});
+        }
+    }
+    return files;
+}
+
 bool IsName(const Json::Value& name) {
     return name.isString() && !name.asString().empty() && name.asString().size() <= LONGEST_NAME &&
            Printable(name.asString()) == name.asString();
@@ -103,6 +115,7 @@ std::optional<Manifest> ReadManifest(const std::string& path) {
     manifest.node = value["node"].asString();
     manifest.number = value["number"].asUInt();
     manifest.zoneOffset = *zone;
+    manifest.files = FilesOf(value["files"]);
     return manifest;
 }
 }  // namespace zorv

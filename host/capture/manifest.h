@@ -39,7 +39,8 @@ struct Manifest {
 // The manifest as JSON, as docs/manifest.schema.json describes it.
 std::string ManifestText(const Manifest& manifest);
 
-// Name, number and zone of the node, of the manifest in the file `path`. None when there is no such file, or
-// it is another kind of document. Throws CaptureError for a manifest that cannot be understood.
+// Of the manifest in the file `path`, name, number and zone of the node, and the files with bytes and hash.
+// None when there is no such file, or it is another kind of document. Throws CaptureError for a manifest that
+// cannot be understood.
 std::optional<Manifest> ReadManifest(const std::string& path);
 }  // namespace zorv
