@@ -65,7 +65,7 @@ public:
         CheckSmall(ZORV_ROUTE_CONFIG_FILE);
         if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
             notes.push_back(
-                files.PathOf(ZORV_ROUTE_CONFIG_FILE) +
+                files.ShownPathOf(ZORV_ROUTE_CONFIG_FILE) +
                 " is missing: there are no graphs, so no causes are found. Copy it from the node." +
                 files.LookedAt(ZORV_ROUTE_CONFIG_FILE));
         }
@@ -88,7 +88,9 @@ private:
         }
         const bool isMissing = !fs::exists(status);
         if (isMissing || (fs::is_regular_file(path, error) && fs::file_size(path) == 0)) {
-            return MakeStandIn(database, path + (isMissing ? " is missing: " : " is empty: "), taken);
+            return MakeStandIn(
+                database, files.ShownPathOf(database.path) + (isMissing ? " is missing: " : " is empty: "),
+                taken);
         }
         const CapturedDatabase found = LookAtDatabase(path);
         if (!found.NeedsCopy()) {
@@ -254,7 +256,7 @@ void Capture::CompareWithManifest() {
         std::error_code error;
         if (taken != told.end() &&
             (fs::file_size(path, error) != taken->bytes || HashOfFile(path) != taken->hash)) {
-            notes.push_back(path +
+            notes.push_back(files->ShownPathOf(file) +
                             " is not what the manifest tells of: it was changed, damaged or left out "
                             "since it was taken.");
         }

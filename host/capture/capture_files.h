@@ -30,11 +30,14 @@ public:
     // The captured file that a fixed path stands for; where it would be when it is missing.
     std::string PathOf(const std::string& fixedPath) const;
 
+    // The same as the operator knows it: in the archive, if there is one.
+    std::string ShownPathOf(const std::string& fixedPath) const;
+
     // Where else a file that is missing was looked for, a sentence behind a blank; empty: nowhere.
     std::string LookedAt(const std::string& fixedPath) const;
 
 private:
-    const std::string folder;
+    const std::string folder, shown;  // the archive's name, or the folder's
     std::string directory;
     bool isSearched = false;
     std::map<std::string, std::string> moved;

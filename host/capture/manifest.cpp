@@ -16,7 +16,6 @@ namespace {
 constexpr const char* FORMAT = "zorv-capture";
 constexpr int VERSION = 1;
 constexpr size_t MOST_BYTES = 1 << 20;
-constexpr size_t LONGEST_NAME = 255;
 
 Json::Value TimeOf(const Manifest& manifest, int64_t time) {
     Json::Value value;
@@ -71,11 +70,11 @@ std::vector<Manifest::File> FilesOf(const Json::Value& value) {
     return files;
 }
 
-bool IsName(const Json::Value& name) {
-    return name.isString() && !name.asString().empty() && name.asString().size() <= LONGEST_NAME &&
-           Printable(name.asString()) == name.asString();
-}
 }  // namespace
+
+bool IsNodeName(const std::string& name) {
+    return !name.empty() && name.size() <= LONGEST_NODE_NAME && Printable(name) == name;
+}
 
 std::string ManifestText(const Manifest& manifest) {
     Json::Value value;
@@ -107,7 +106,8 @@ std::optional<Manifest> ReadManifest(const std::string& path) {
     }
     const std::optional<int64_t> zone =
         value["zone"].isString() ? OffsetOf(value["zone"].asString()) : std::nullopt;
-    if (value["version"] != VERSION || !zone || !IsName(value["node"]) || !value["number"].isUInt()) {
+    if (value["version"] != VERSION || !zone || !value["node"].isString() ||
+        !IsNodeName(value["node"].asString()) || !value["number"].isUInt()) {
         throw CaptureError(path +
                            " cannot be understood: it is damaged, or of a later version. Move it away.");
     }

@@ -36,6 +36,11 @@ struct Manifest {
     std::vector<File> files{};
 };
 
+constexpr size_t LONGEST_NODE_NAME = 255;  // bytes
+
+// Whether a manifest may call a node so: not empty, not too long, nothing in it but what is printed as it is.
+bool IsNodeName(const std::string& name);
+
 // The manifest as JSON, as docs/manifest.schema.json describes it.
 std::string ManifestText(const Manifest& manifest);
 
