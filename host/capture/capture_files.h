@@ -9,8 +9,10 @@
 #include "host/services/alarm.h"
 
 namespace zorv {
+constexpr const char* STATISTICS_FILE = LUMO_DATABASE_FILE;  // of two literals, which look like two elements
+
 // The fixed paths of what is read from a node.
-constexpr const char* NODE_FILES[] = {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
+constexpr const char* NODE_FILES[] = {STATISTICS_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
                                       FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
 
 // At their fixed paths below the folder, or below one that is at most two levels down; or anywhere in these,
