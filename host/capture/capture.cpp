@@ -1,18 +1,17 @@
 #include "host/capture/capture.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <optional>
 #include <utility>
 
-#include "agent/agent_storage.h"
-#include "agent/agent_switch.h"
 #include "host/capture/archive.h"
 #include "host/capture/capture_zone.h"
 #include "host/capture/inputs.h"
 #include "host/capture/write_ahead_log.h"
-#include "host/services/alarm.h"
+#include "text/file_hash.h"
 #include "text/local_time.h"
 
 namespace zorv {
@@ -66,7 +65,7 @@ public:
         CheckSmall(ZORV_ROUTE_CONFIG_FILE);
         if (!LinkIfThere(ZORV_ROUTE_CONFIG_FILE)) {
             notes.push_back(
-                files.PathOf(ZORV_ROUTE_CONFIG_FILE) +
+                files.ShownPathOf(ZORV_ROUTE_CONFIG_FILE) +
                 " is missing: there are no graphs, so no causes are found. Copy it from the node." +
                 files.LookedAt(ZORV_ROUTE_CONFIG_FILE));
         }
@@ -89,7 +88,9 @@ private:
         }
         const bool isMissing = !fs::exists(status);
         if (isMissing || (fs::is_regular_file(path, error) && fs::file_size(path) == 0)) {
-            return MakeStandIn(database, path + (isMissing ? " is missing: " : " is empty: "), taken);
+            return MakeStandIn(
+                database, files.ShownPathOf(database.path) + (isMissing ? " is missing: " : " is empty: "),
+                taken);
         }
         const CapturedDatabase found = LookAtDatabase(path);
         if (!found.NeedsCopy()) {
@@ -202,9 +203,18 @@ Capture::Capture(const std::string& givenName, bool emptyHeal, bool wantsZone) {
     if (const std::optional<std::string> given = RootOfStarter(name)) {
         root = *given;
         files = std::make_unique<CaptureFiles>(name);
-        TakeManifest(wantsZone);
-        return;
+        manifest = ReadManifest(files->PathOf(MANIFEST_FILE));
+    } else {
+        Prepare(name, emptyHeal);
     }
+    if (wantsZone) {
+        const CaptureZone found = ZoneOf(manifest, root + LUMO_DATABASE_FILE);
+        zone = found.offset;
+        notes.push_back(found.note);
+    }
+}
+
+void Capture::Prepare(const std::string& name, bool emptyHeal) {
     if (WhyNotWritten(TemporaryPlace() + "/root", {name, true})) {
         throw CaptureError("the temporary directory " + TemporaryPlace() + " lies in the capture " + name +
                            ", where nothing may change. Name another place with TMPDIR.");
@@ -212,8 +222,9 @@ Capture::Capture(const std::string& givenName, bool emptyHeal, bool wantsZone) {
     temporary = std::make_unique<TemporaryDirectory>();
     root = temporary->Path();
     files = FilesIn(name);
+    manifest = ReadManifest(files->PathOf(MANIFEST_FILE));
+    CompareWithManifest();  // before SQLite opens the first
     Preparation(*files, root, emptyHeal, notes).Run();
-    TakeManifest(wantsZone);
     fs::create_directory_symlink(Directory(), root + CAPTURE_LINK);
     setenv(ROOT_VARIABLE, root.c_str(), 1);
 }
@@ -235,12 +246,21 @@ std::unique_ptr<CaptureFiles> Capture::FilesIn(const std::string& name) const {
     return std::make_unique<CaptureFiles>(root + UNPACKED, name);
 }
 
-void Capture::TakeManifest(bool wantsZone) {
-    manifest = ReadManifest(files->PathOf(MANIFEST_FILE));
-    if (wantsZone) {
-        const CaptureZone found = ZoneOf(manifest, root + LUMO_DATABASE_FILE);
-        zone = found.offset;
-        notes.push_back(found.note);
+// A manifest comes from anywhere: of its paths those of a node's files alone are looked at, and once.
+void Capture::CompareWithManifest() {
+    const std::vector<Manifest::File> told = manifest ? manifest->files : std::vector<Manifest::File>();
+    for (const char* const file : NODE_FILES) {
+        const auto taken =
+            std::find_if(told.begin(), told.end(), [&](const auto& one) { return one.path == file; });
+        const std::string path = files->PathOf(file);
+        std::error_code error;
+        if (taken != told.end() &&
+            (fs::file_size(path, error) != taken->bytes || HashOfFile(path) != taken->hash)) {
+            notes.push_back(files->ShownPathOf(file) +
+                            " is not what the manifest tells of: it was changed, damaged or left out "
+                            "since it was taken.");
+        }
     }
 }
+
 }  // namespace zorv

@@ -20,8 +20,9 @@ public:
     // Of the files in the folder `name`, or in the archive `name` (see CaptureFiles and Unpack()), which is
     // unpacked into the temporary root. Throws CaptureError when it cannot be unpacked or the databases
     // cannot be used; with `emptyHeal`, an empty heal database stands in for one that is missing or empty;
-    // with `wantsZone`, the zone is looked for and told. Blocks while it unpacks and copies. Call it before
-    // there are other threads and before the first connection to a database is opened.
+    // with `wantsZone`, the zone is looked for and told. Files that differ from what the manifest
+    // tells of them are noted. Blocks while it unpacks, copies and reads each file once for that. Call it
+    // before there are other threads and before the first connection to a database is opened.
     Capture(const std::string& name, bool emptyHeal, bool wantsZone = false);
 
     // The temporary root.
@@ -41,8 +42,9 @@ public:
     const std::vector<std::string>& Notes() const { return notes; }
 
 private:
+    void Prepare(const std::string& name, bool emptyHeal);
     std::unique_ptr<CaptureFiles> FilesIn(const std::string& name) const;
-    void TakeManifest(bool wantsZone);
+    void CompareWithManifest();
 
     std::unique_ptr<TemporaryDirectory> temporary;  // none when the root is that of another process
     std::string root;

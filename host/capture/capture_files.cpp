@@ -4,11 +4,8 @@
 #include <set>
 #include <vector>
 
-#include "agent/agent_storage.h"
-#include "agent/agent_switch.h"
 #include "host/capture/captured_database.h"
 #include "host/capture/manifest.h"
-#include "host/services/alarm.h"
 
 namespace zorv {
 namespace {
@@ -16,9 +13,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* NODE_FOLDER = "VRA";  // with which all fixed paths begin
 constexpr int DEEPEST = 2;                  // levels below the folder
-constexpr const char* STATISTICS_FILE = LUMO_DATABASE_FILE;
-constexpr const char* FIXED_FILES[] = {STATISTICS_FILE, ZORV_HEAL_DATABASE_FILE, ZORV_ROUTE_CONFIG_FILE,
-                                       FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
 
 std::string NameOf(const std::string& path) {
     return fs::path(path).filename();
@@ -36,7 +30,7 @@ bool IsFolder(const fs::directory_entry& entry) {
 
 Found LookThrough(const std::string& folder) {
     std::set<std::string> wanted;
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         wanted.insert(NameOf(file));
     }
     Found found;
@@ -56,17 +50,16 @@ Found LookThrough(const std::string& folder) {
     return found;
 }
 
-[[noreturn]] void FailForSeveral(const std::string& folder, const std::string& archive,
+[[noreturn]] void FailForSeveral(const std::string& folder, const std::string& shown,
                                  const std::vector<std::string>& places) {
-    throw CaptureError((archive.empty() ? folder : archive) + " holds several nodes, in " +
-                       places[0].substr(folder.size()) + " and " + places[1].substr(folder.size()) +
-                       " among others. " + (archive.empty() ? "Name" : "Unpack it and name") +
-                       " one of them.");
+    throw CaptureError(shown + " holds several nodes, in " + places[0].substr(folder.size()) + " and " +
+                       places[1].substr(folder.size()) + " among others. " +
+                       (shown == folder ? "Name" : "Unpack it and name") + " one of them.");
 }
 }  // namespace
 
 CaptureFiles::CaptureFiles(const std::string& name, const std::string& archive)
-    : folder(name), directory(name) {
+    : folder(name), shown(archive.empty() ? name : archive), directory(name) {
     std::error_code ignored;
     if (fs::is_directory(folder + "/" + NODE_FOLDER, ignored)) {
         return;
@@ -74,16 +67,16 @@ CaptureFiles::CaptureFiles(const std::string& name, const std::string& archive)
     isSearched = true;
     const Found found = LookThrough(folder);
     if (found.nodes.size() > 1) {
-        FailForSeveral(folder, archive, found.nodes);
+        FailForSeveral(folder, shown, found.nodes);
     }
     directory = found.nodes.empty() ? folder : found.nodes.front();
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         const auto places = found.files.find(NameOf(file));
         if (places == found.files.end() || fs::exists(fs::symlink_status(directory + file, ignored))) {
             continue;
         }
         if (places->second.size() > 1) {
-            FailForSeveral(folder, archive, places->second);
+            FailForSeveral(folder, shown, places->second);
         }
         moved[file] = places->second.front();
     }
@@ -98,9 +91,13 @@ std::string CaptureFiles::PathOf(const std::string& fixedPath) const {
     return other == moved.end() ? directory + fixedPath : other->second;
 }
 
+std::string CaptureFiles::ShownPathOf(const std::string& fixedPath) const {
+    return shown + PathOf(fixedPath).substr(folder.size());
+}
+
 std::string CaptureFiles::LookedAt(const std::string& fixedPath) const {
     return isSearched ? " Looked for a folder " + std::string(NODE_FOLDER) + " and for a file " +
-                            NameOf(fixedPath) + " in " + folder + " and up to two levels below."
+                            NameOf(fixedPath) + " in " + shown + " and up to two levels below."
                       : "";
 }
 }  // namespace zorv

@@ -6,19 +6,14 @@
 #include <filesystem>
 #include <utility>
 
-#include "agent/agent_storage.h"
-#include "agent/agent_switch.h"
-#include "host/services/alarm.h"
+#include "host/capture/capture_files.h"
 
 namespace zorv {
 namespace {
 namespace fs = std::filesystem;
 
 constexpr int MOST_LINKS = 40;  // the kernel follows no more either
-constexpr const char* STATISTICS = LUMO_DATABASE_FILE;
-constexpr const char* FIXED_FILES[] = {ZORV_ROUTE_CONFIG_FILE, STATISTICS, ZORV_HEAL_DATABASE_FILE,
-                                       FAULT_DIAG_SWITCH_FILE, ALARM_FILE};
-constexpr const char* DATABASES[] = {STATISTICS, ZORV_HEAL_DATABASE_FILE};
+constexpr const char* DATABASES[] = {LUMO_DATABASE_FILE, ZORV_HEAL_DATABASE_FILE};
 constexpr const char* BESIDE_DATABASES[] = {"-wal", "-journal", "-shm"};
 
 // What a path leads to, whatever it is called; nothing when nothing is there.
@@ -60,7 +55,7 @@ std::vector<std::pair<std::string, fs::path>> FilesOf(const Inputs& inputs) {
     if (!inputs.directory.empty()) {  // an archive
         files.emplace_back(inputs.directory, Destination(inputs.directory));
     }
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         files.emplace_back(inputs.directory + file, Destination(inputs.directory + file));
     }
     for (const char* const database : DATABASES) {
@@ -80,7 +75,7 @@ std::vector<std::pair<std::string, fs::path>> FilesOf(const Inputs& inputs) {
 // The capture's own folder, and those that lead to the fixed files, which may be links out of it.
 std::vector<Identity> FoldersOf(const std::string& capture) {
     std::vector<Identity> folders = {IdentityOf(capture)};
-    for (const char* const file : FIXED_FILES) {
+    for (const char* const file : NODE_FILES) {
         for (fs::path folder = fs::path(file).parent_path(); folder != "/"; folder = folder.parent_path()) {
             folders.push_back(IdentityOf(capture + folder.string()));
         }

@@ -16,7 +16,6 @@ namespace {
 constexpr const char* FORMAT = "zorv-capture";
 constexpr int VERSION = 1;
 constexpr size_t MOST_BYTES = 1 << 20;
-constexpr size_t LONGEST_NAME = 255;
 
 Json::Value TimeOf(const Manifest& manifest, int64_t time) {
     Json::Value value;
@@ -59,11 +58,23 @@ Json::Value Parsed(const std::string& text) {
     }
 }
 
-bool IsName(const Json::Value& name) {
-    return name.isString() && !name.asString().empty() && name.asString().size() <= LONGEST_NAME &&
-           Printable(name.asString()) == name.asString();
+// Only what a file is compared by; entries that tell less are passed over.
+std::vector<Manifest::File> FilesOf(const Json::Value& value) {
+    std::vector<Manifest::File> files;
+    for (const Json::Value& file : value.isArray() ? value : Json::Value()) {
+        if (file.isObject() && file["path"].isString() && file["bytes"].isUInt64() &&
+            file["sha256"].isString()) {
+            files.push_back({file["path"].asString(), file["bytes"].asUInt64(), file["sha256"].asString()});
+        }
+    }
+    return files;
 }
+
 }  // namespace
+
+bool IsNodeName(const std::string& name) {
+    return !name.empty() && name.size() <= LONGEST_NODE_NAME && Printable(name) == name;
+}
 
 std::string ManifestText(const Manifest& manifest) {
     Json::Value value;
@@ -95,7 +106,8 @@ std::optional<Manifest> ReadManifest(const std::string& path) {
     }
     const std::optional<int64_t> zone =
         value["zone"].isString() ? OffsetOf(value["zone"].asString()) : std::nullopt;
-    if (value["version"] != VERSION || !zone || !IsName(value["node"]) || !value["number"].isUInt()) {
+    if (value["version"] != VERSION || !zone || !value["node"].isString() ||
+        !IsNodeName(value["node"].asString()) || !value["number"].isUInt()) {
         throw CaptureError(path +
                            " cannot be understood: it is damaged, or of a later version. Move it away.");
     }
@@ -103,6 +115,7 @@ std::optional<Manifest> ReadManifest(const std::string& path) {
     manifest.node = value["node"].asString();
     manifest.number = value["number"].asUInt();
     manifest.zoneOffset = *zone;
+    manifest.files = FilesOf(value["files"]);
     return manifest;
 }
 }  // namespace zorv

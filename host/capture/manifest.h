@@ -36,10 +36,16 @@ struct Manifest {
     std::vector<File> files{};
 };
 
+constexpr size_t LONGEST_NODE_NAME = 255;  // bytes
+
+// Whether a manifest may call a node so: not empty, not too long, nothing in it but what is printed as it is.
+bool IsNodeName(const std::string& name);
+
 // The manifest as JSON, as docs/manifest.schema.json describes it.
 std::string ManifestText(const Manifest& manifest);
 
-// Name, number and zone of the node, of the manifest in the file `path`. None when there is no such file, or
-// it is another kind of document. Throws CaptureError for a manifest that cannot be understood.
+// Of the manifest in the file `path`, name, number and zone of the node, and the files with bytes and hash.
+// None when there is no such file, or it is another kind of document. Throws CaptureError for a manifest that
+// cannot be understood.
 std::optional<Manifest> ReadManifest(const std::string& path);
 }  // namespace zorv

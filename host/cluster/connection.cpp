@@ -59,8 +59,9 @@ Connection::Stream Dial(const std::string& address, Moment end, const Credential
     Check(nng_stream_dialer_alloc(&dialer, address.c_str()));
     const std::unique_ptr<nng_stream_dialer, void (*)(nng_stream_dialer*)> owner(dialer,
                                                                                  nng_stream_dialer_free);
-    if (NeedsCredentials(address, own)) {
+    if (NeedsCredentials(address, own)) {  // its many small pieces would wait for each other
         Check(nng_stream_dialer_set_ptr(dialer, NNG_OPT_TLS_CONFIG, own->ForAsking()));
+        Check(nng_stream_dialer_set_bool(dialer, NNG_OPT_TCP_NODELAY, true));
     }
     for (;;) {
         Operation operation;
@@ -109,6 +110,7 @@ void Listen(const std::string& address, const Credentials* own, nng_stream_liste
     }
     if (NeedsCredentials(address, own)) {
         Check(nng_stream_listener_set_ptr(*listener, NNG_OPT_TLS_CONFIG, own->ForListening()));
+        Check(nng_stream_listener_set_bool(*listener, NNG_OPT_TCP_NODELAY, true));
     }
     Check(nng_stream_listener_listen(*listener));
 }

@@ -20,9 +20,8 @@ constexpr int PAGES_OF_STEP = 1024;  // 4 MiB of usual pages
 constexpr int ALL_PAGES = -1;
 constexpr uint64_t MOST_RESTARTS = 3;
 constexpr int MOST_ATTEMPTS = 3;  // at a file that others replace meanwhile
-constexpr int MOST_HOT_ATTEMPTS =
-    40;  // at one beside which a journal lies: of a file that is made anew, for a moment
-constexpr milliseconds PAUSE_OF_HOT{50};
+constexpr int MOST_PASSING_ATTEMPTS = 40;
+constexpr milliseconds PAUSE_OF_PASSING{50};
 constexpr milliseconds SHORTEST_PAUSE{10};
 constexpr milliseconds PAUSE_OF_LOCKED{5};
 constexpr milliseconds LONGEST_LOCKED{10'000};  // behind the limit
@@ -40,9 +39,15 @@ bool IsHot(int result) {
     return result == SQLITE_READONLY_ROLLBACK || result == SQLITE_READONLY_RECOVERY;
 }
 
+// What is so for a moment where a file is made anew: it is away, or its predecessor's journal lies beside it.
+class Passing : public CaptureError {
+public:
+    using CaptureError::CaptureError;
+};
+
 [[noreturn]] void Fail(const std::string& from, int result) {
     const int kind = result & 0xFF;
-    throw CaptureError(
+    const std::string why =
         from + " cannot be copied: " +
         (IsHot(result)
              ? "its writer has left a transaction unfinished and is gone. Start the writer again; or copy "
@@ -51,7 +56,11 @@ bool IsHot(int result) {
              ? std::string(sqlite3_errstr(result)) + ". Is there space where the capture goes?"
          : kind == SQLITE_BUSY || kind == SQLITE_LOCKED ? "its writer has kept it locked all the time"
                                                         : std::string(sqlite3_errstr(result))) +
-        ".");
+        ".";
+    if (IsHot(result) || kind == SQLITE_CANTOPEN) {
+        throw Passing(why);
+    }
+    throw CaptureError(why);
 }
 
 Connection Open(const std::string& path, int flags, const std::string& from) {
@@ -86,11 +95,8 @@ public:
         return copying;
     }
 
-    // Whether it came to an end because a transaction is left unfinished.
-    bool IsUnfinished() const { return isUnfinished; }
-
-    // SQLite makes a page of it.
-    bool IsEmpty() const { return sqlite3_backup_pagecount(backup.get()) == 0; }
+    // Of no page SQLite makes one, and each table takes one more.
+    bool IsEmpty() const { return sqlite3_backup_pagecount(backup.get()) <= 1; }
 
     // Whether another file has taken its place meanwhile.
     bool HasMoved() const {
@@ -117,10 +123,6 @@ private:
             SleepUnlessInterrupted(PAUSE_OF_LOCKED);
             return false;
         }
-        isUnfinished = IsHot(result);
-        if (isUnfinished) {
-            return true;
-        }
         if (result != SQLITE_OK && result != SQLITE_DONE) {
             Fail(from, result);
         }
@@ -145,35 +147,35 @@ private:
     const Connection source;
     const Connection target;
     const std::unique_ptr<sqlite3_backup, FinishBackup> backup;  // gone before the connections
-    bool isUnfinished = false;
-    int done = 0;  // pages
     Manifest::Copying copying;
+    int done = 0;  // pages
 };
 }  // namespace
 
 std::optional<Manifest::Copying> BackUp(const std::string& from, const std::string& to, milliseconds limit,
                                         const std::function<void(double)>& show) {
-    for (int replaced = 0, hot = 0; replaced < MOST_ATTEMPTS;) {
+    for (int replaced = 0, passing = 0; replaced < MOST_ATTEMPTS;) {
         std::filesystem::remove(to);
-        std::optional<Backup> backup(std::in_place, from, to, limit);
-        const Manifest::Copying copying = backup->Run(show);
-        const bool isUnfinished = backup->IsUnfinished();
-        const bool isWhole = !isUnfinished && !backup->HasMoved();
-        const bool isEmpty = backup->IsEmpty();
-        backup.reset();
-        if (isWhole && isEmpty) {
-            std::filesystem::remove(to);
-            return std::nullopt;
+        try {
+            std::optional<Backup> backup(std::in_place, from, to, limit);
+            const Manifest::Copying copying = backup->Run(show);
+            const bool isWhole = !backup->HasMoved(), isEmpty = backup->IsEmpty();
+            backup.reset();
+            if (isWhole && isEmpty) {
+                std::filesystem::remove(to);
+                return std::nullopt;
+            }
+            if (isWhole) {
+                SettleCopy(to, from);
+                return copying;
+            }
+            ++replaced;
+        } catch (const Passing&) {
+            if (++passing >= MOST_PASSING_ATTEMPTS) {
+                throw;
+            }
+            SleepUnlessInterrupted(PAUSE_OF_PASSING);
         }
-        if (isWhole) {
-            SettleCopy(to, from);
-            return copying;
-        }
-        if (isUnfinished && ++hot >= MOST_HOT_ATTEMPTS) {
-            Fail(from, SQLITE_READONLY_ROLLBACK);
-        }
-        replaced += isUnfinished ? 0 : 1;
-        SleepUnlessInterrupted(isUnfinished ? PAUSE_OF_HOT : milliseconds(0));
     }
     throw CaptureError(from + " cannot be copied: it is replaced by another file again and again.");
 }

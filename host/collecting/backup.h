@@ -16,7 +16,7 @@ namespace zorv {
 // writer of a database with a rollback journal waits for it. `show` is told how much is done, from 0 to 1.
 // Writes nothing but `to`, which stays as it is when it fails; SQLite itself may need the files beside a
 // database in WAL mode, as for every reader. Throws CaptureError, also where the command was interrupted.
-// Returns nothing for a database without a page, which makes no file. Blocks; any thread.
+// Returns nothing for a database without a table, which makes no file. Blocks; any thread.
 std::optional<Manifest::Copying> BackUp(const std::string& from, const std::string& to,
                                         std::chrono::milliseconds limit,
                                         const std::function<void(double)>& show);

@@ -222,6 +222,10 @@ private:
 }  // namespace
 
 CaptureTaken TakeCapture(const CaptureOrder& order) {
+    if (!IsNodeName(order.node)) {
+        throw CaptureError("a node's name has at most " + std::to_string(LONGEST_NODE_NAME) +
+                           " bytes, all of which can be printed. Name it with --name.");
+    }
     const Target target(order.target);
     CheckSpace(target.path.parent_path());
     CaptureTaken taken;

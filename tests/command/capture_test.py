@@ -25,7 +25,7 @@ LINES = "\n".join(["switch set on", f"simudetect {RANGE}", f"delaydetect {RANGE}
                    f"showallerr {RANGE}", f"errcodeshow IOERROR ALL {RANGE}", f"errcodeshowall {RANGE}",
                    f"showgraph maplumodata {POINT} {RANGE}", f"showfaultfactor POOL {RANGE}", f"datashow {POINT} {RANGE} 10",
                    f"explain {RANGE}", "switch set off", f"delaydetect {RANGE}"])
-COPY, NEXT = ": working on a copy of ", ". Copy it from the node again."
+COPY, NEXT, CHANGED = ": working on a copy of ", ". Copy it from the node again.", " is not what the manifest tells of: it was changed, damaged or left out"
 CHANGE = "begin; update lumo_data_20230105120000 set avgdelay = 77777 where curtime <= 1672893300;"
 HOT, WAL = "pragma cache_size = 1;" + CHANGE, "pragma journal_mode = wal; pragma wal_autocheckpoint = 0;"
 STALE = WAL + "drop table if exists more; create table more as select * from lumo_data_20230105120000; pragma wal_checkpoint(restart);"  # old frames stay
@@ -119,10 +119,13 @@ class Capture(ConsoleTest):
         for place, said in ((node, manifests), (archive, "; zone +08:00, by the manifest"), (flat, tables), (flat / "a", tables)):
             for program, *words in (["zorv-explain"], ["zorv-local", "explain"]):
                 status, out, err = self.run_program(program, "--capture", place, *words, *RANGE.split(), zone="")
-                self.assertEqual((status, re.sub("  node        .*\n", "", out), "node        san-7" in out, err.count(said), COPY in err), (0, expected, place == node, 1, False), err)
+                self.assertEqual((status, re.sub("  node        .*\n", "", out), "node        san-7" in out, err.count(said), COPY in err or CHANGED in err), (0, expected, place == node, 1, False), err)
         status, out, err = self.run_program("zorv-local", "--capture", flat, "status")
         self.assertIn(f"statistics     {flat}/a/b/lumo_diagnose_data.db\n", out)
         self.assertEqual(json.loads(self.run_program("zorv-fleet", "--json", node, *RANGE.split())[1])["nodes"][0]["node"], "san-7")
+        for changed, as_long in ((CONFIG, False), (HEAL_DATABASE, True)):
+            (node / changed).write_bytes((node / changed).read_bytes()[:-1] + b"\n" + b"\n" * (not as_long))
+            self.assertIn(f"zorv-local: {node / changed}{CHANGED}", self.run_program("zorv-local", "--capture", node, "status")[2])
         (flat / "a/b/zorv_heal.db").unlink()
         err = self.run_program("zorv-explain", "--capture", flat, *RANGE.split())[2]
         self.assertIn(f"{flat}/{HEAL_DATABASE} is missing:", err)

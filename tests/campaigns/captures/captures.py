@@ -73,6 +73,7 @@ def take(place, root, count, tell):
                 if "is not there" not in str(why) and "is empty" not in str(why):  # the database is being made anew
                     tell(f"no capture: {why}")
                     taken += 1
+                time.sleep(0.02)  # the writer needs the core, too
                 continue
             folder = unpacked(target)
             for fault in faults(folder):
