@@ -69,10 +69,11 @@ ExitStatus StatusOf(const Report& report) {
 // Nothing that is read is written to, and nothing in a capture.
 void RefuseInputs(const Options& options) {
     std::error_code ignored;
-    if (options.html && !options.log.empty() && !std::filesystem::is_other(*options.html, ignored) &&
-        std::filesystem::weakly_canonical(*options.html, ignored) ==
+    const std::string written = options.html.value_or(options.textFile.value_or(""));
+    if (!written.empty() && !options.log.empty() && !std::filesystem::is_other(written, ignored) &&
+        std::filesystem::weakly_canonical(written, ignored) ==
             std::filesystem::weakly_canonical(options.log, ignored)) {
-        throw cli::UsageError("'" + options.log + "' cannot be both the page and the log");
+        throw cli::UsageError("'" + options.log + "' cannot be the log and what else is written");
     }
     const Inputs inputs = {options.capture.value_or(options.root.value_or("")), options.capture.has_value()};
     for (const std::string& path : {options.html.value_or(""), options.textFile.value_or(""), options.log}) {
