@@ -35,7 +35,7 @@ Json::Value JsonList(const std::vector<Item>& items, const Writer& written) {
     return list;
 }
 
-// The members of the document that tell of errors and healings.
+// The members of the document that tell of errors and healings; the latter null where they cannot be told.
 Json::Value ErrorsValue(const Report& report);
 Json::Value HealingsValue(const Report& report);
 
