@@ -78,6 +78,7 @@ void Declare(CLI::App& app, Options& options) {
             ->type_name("TIME");
     app.add_option("--during", options.during, "Explain exactly this window; no range is needed")
         ->expected(2)
+        ->allow_extra_args(false)
         ->type_name("START END")
         ->excludes(at);
     app.add_option("--baseline", options.baseline,
@@ -94,6 +95,8 @@ void Declare(CLI::App& app, Options& options) {
                                          "Print what the statistics hold of this point, and nothing else")
                               ->type_name("NAME")
                               ->excludes(point)
+                              ->excludes(at)
+                              ->excludes("--baseline")
                               ->excludes(overview);
     app.add_option(
            "--columns", options.columns,
@@ -144,9 +147,6 @@ std::vector<std::string> AgainOf(const Options& options) {
             words.emplace_back("--empty-heal");
         }
         add("--zone", options.zone);
-    }
-    for (const std::string& point : options.points) {
-        add("--point", point);
     }
     add("--graph", options.graph);
     if (!options.baseline.empty()) {

@@ -40,7 +40,7 @@ enum ExitStatus : int {
     STATUS_NOT_WRITTEN = 5  // the answer or the page
 };
 
-// The words of a command that asks for the same, but for the times.
+// The words of a command that asks for the same, but for points and times.
 std::vector<std::string> AgainOf(const Options& options);
 
 // Parses the command line into `options`. Returns nothing when the program is to go on; else, after printing

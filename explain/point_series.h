@@ -20,12 +20,13 @@ struct PointSeries {
     std::vector<std::string> columns;
     std::vector<SeriesRow> rows;  // of ascending times
     Report report;                // the range, the coverage and the zone; no answers
-    bool isChosen = false;        // the columns were named: else they are all
+    bool isChosen = false;        // the columns were named: else they are all there are
 };
 
 // Loads the rows of a point in the report's range. `columns` are names of columns, comma-separated; empty for
-// all. The database must be open; blocks on it. Throws cli::UsageError for a point or a column that is not
-// known, with the one that was probably meant, and NoData where there are no rows or they cannot be read.
+// all that the statistics have. The database must be open; blocks on it. Throws cli::UsageError for a point
+// or a column that is not known, with the one that was probably meant, and NoData where there are no rows or
+// they cannot be read.
 PointSeries LoadSeries(const std::string& point, const std::string& columns, Report report);
 
 // For a terminal: a sparkline for each column, then the rows. Of columns that were not chosen, those that are

@@ -33,7 +33,8 @@ Stamp MakeStamp(const std::vector<std::string>& arguments, const std::string& co
 
 struct Report {
     Stamp stamp;
-    std::vector<std::string> again;   // the words of a command that asks for the same of other times
+    std::vector<std::string> again;   // the words of a command that asks the same of other points and times
+    bool arePointsNamed = false;      // by whoever asks: else they are all at which hosts enter
     bool isInConsole = false;         // where that is typed: else in a shell
     std::optional<std::string> node;  // whose statistics these are
     Question question;

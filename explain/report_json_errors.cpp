@@ -77,6 +77,9 @@ Json::Value ErrorsValue(const Report& report) {
 }
 
 Json::Value HealingsValue(const Report& report) {
+    if (report.healingsReason) {
+        return {};
+    }
     return JsonList(report.healings, [&](const Healing& healing) {
         Json::Value value;
         value["time"] = JsonTime(healing.time, report.zoneOffset);

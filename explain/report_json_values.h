@@ -40,7 +40,7 @@ Json::Value JsonList(const std::vector<Item>& items, const Writer& written) {
 // A document on one line, without its end: the same for the same one.
 std::string JsonLine(const Json::Value& document);
 
-// The members of the document that tell of errors and healings.
+// The members of the document that tell of errors and healings; the latter null where they cannot be told.
 Json::Value ErrorsValue(const Report& report);
 Json::Value HealingsValue(const Report& report);
 

@@ -290,6 +290,7 @@ Reason ReasonOfFailure(const std::string& graph) {
 }
 
 void Survey(const Request& request, Stores& stores, Report& report) {
+    report.arePointsNamed = !request.wantsErrors;
     Surveyor surveyor(request, stores, report);
     surveyor.Look();
     if (request.wantsErrors) {

@@ -58,8 +58,9 @@ std::string StateOf(const Window& window, bool isOngoing, int64_t zoneOffset);
 // With so many digits after the point.
 std::string Fixed(double value, int decimals);
 
-// A share of 0 to 1 as "84.3 %".
+// A share of 0 to 1 as "84.3 %", and a delay as "1039 us": what a terminal shows.
 std::string Percent(double share);
+std::string Microseconds(double delay);
 
 // "point", "load", "nothing", "cannot tell"; "device", "load", "usual", "unknown"; "first half".
 const char* WordOf(Verdict verdict);
@@ -162,7 +163,7 @@ std::vector<std::string> LacksOf(const Report& report);
 // What there is behind the name of a point or type: "has been slow since 13:26, 2.4 times", "was slow 12:58
 // to 13:00", "was slow in 8 events, the last 13:24 to 13:27"; `amount` may be empty.
 struct Course {
-    const char* adjective;  // "slow", "failing"
+    const char* adjective;  // "slow", "frequent"
     size_t times = 1;
     Span last;
     std::string amount;
@@ -170,7 +171,7 @@ struct Course {
 };
 std::string CourseOf(const Course& course, const Report& report);
 
-// That no point was slow, and in how much of the range.
+// That no point was slow, where that can be told, without a stop.
 std::string NoneSlow(const Report& report);
 
 // What a type of errors was in the range that has no event; and what a point was.

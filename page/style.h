@@ -59,7 +59,7 @@ figure { margin: 8px 0; }
 svg { display: block; width: 100%; height: auto; font: 11px ui-monospace, monospace; }
 svg text { fill: var(--ink); }
 .headline { font-size: 17px; font-weight: 600; line-height: 1.35; }
-.headline.calm { color: var(--good); } .headline.now { color: var(--hot); } .headline.over { color: var(--amber); }
+.overview p.over { color: var(--amber); } .headline.calm { color: var(--good); } .headline.now { color: var(--hot); }
 .overview table { table-layout: fixed; } .overview thead th:nth-child(1) { width: 27%; } .overview thead th:nth-child(2) { width: 43%; }
 .overview td, .overview tbody th { vertical-align: middle; max-width: none; } .overview .now td:last-child { color: var(--hot); font-weight: 600; }
 .overview .over td:last-child { color: var(--amber); }

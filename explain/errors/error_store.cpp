@@ -32,11 +32,8 @@ std::multimap<int64_t, std::string> PointNumbers(const std::set<std::string>& po
     return numbers;
 }
 
-// A statement for what is not there would be tried again for a minute.
 void CheckColumns(const std::string& table) {
-    const std::vector<std::string> sql =
-        TextsOf("select sql from sqlite_master where name = '" + table + "';");
-    if (sql.empty() || sql.front().find(LAST_COLUMN) == std::string::npos) {
+    if (DefinitionOf(table).find(LAST_COLUMN) == std::string::npos) {
         throw NoData({ReasonKind::NO_ERROR_COUNTS, 0, 0, table});
     }
 }
@@ -81,10 +78,8 @@ std::map<std::string, PointErrors> LoadErrors(const std::vector<SampleStore::Par
         if (names.empty()) {
             return errors;
         }
-        if (!part.tables.empty()) {
-            CheckColumns(part.tables.front());
-        }
         for (const std::string& table : part.tables) {
+            CheckColumns(table);
             std::vector<int64_t> numbers;
             AppendNumbers(std::string("select ") + COLUMNS + " from " + table + " where " + HAS_ERRORS +
                               " and curtime >= " + std::to_string(part.stretch.start) +

@@ -1,5 +1,6 @@
 #include "explain/finding/rows.h"
 
+#include "explain/finding/sample_store.h"
 #include "fault_common/fault_number.h"
 #include "fault_database/fault_database.h"
 
@@ -36,6 +37,12 @@ std::vector<std::string> TextsOf(const std::string& sql, const Reason& failure) 
     std::vector<std::string> texts;
     Ask(sql, FaultGetQueryTableCallBack, failure, numbers, texts);
     return texts;
+}
+
+std::string DefinitionOf(const std::string& table) {
+    const std::vector<std::string> sql =
+        TextsOf("select sql from sqlite_master where name = '" + SqlText(table) + "';");
+    return sql.empty() ? "" : sql.front();
 }
 
 }  // namespace explain

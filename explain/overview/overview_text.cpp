@@ -17,10 +17,6 @@ constexpr const char* GAP = "  ";
 constexpr const char* COMMAND_INDENT = "    ";
 constexpr const char* GO_ON = " \\";
 
-std::string Microseconds(double delay) {
-    return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
-}
-
 std::string WholePercent(double share) {
     return Fixed(share * 100.0, 0) + " %";
 }
@@ -86,7 +82,6 @@ private:
         for (const std::string& lack : LacksOf(report)) {
             text += Lines(Paragraph("", Printable(lack), style.width), COLOUR_YELLOW);
         }
-        text += picture.hasSlowPoint ? "" : NoneSlow(report) + "\n";
         for (const Headline& headline : picture.headlines) {
             text += Lines(Told("", headline.what.text, headline.cause), ColourOf(headline.what.mood));
         }

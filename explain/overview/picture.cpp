@@ -84,6 +84,10 @@ public:
                          [](const Headline& a, const Headline& b) {
                              return a.what.mood == Mood::NOW && b.what.mood != Mood::NOW;
                          });
+        if (!hasSlowPoint) {  // which is an all clear only where nothing is lacking
+            const Mood mood = LacksOf(report).empty() ? Mood::CALM : Mood::OVER;
+            picture.headlines.insert(picture.headlines.begin(), Headline{{NoneSlow(report) + ".", mood}, {}});
+        }
         std::stable_sort(picture.events.begin(), picture.events.end(),
                          [](const PictureEvent& a, const PictureEvent& b) {
                              const bool isNow = a.when.mood == Mood::NOW;
@@ -148,7 +152,7 @@ private:
             row.state = {QuietStateOf(look, report), Mood::CALM};
             return;
         }
-        picture.hasSlowPoint = true;
+        hasSlowPoint = true;
         row.state = {WhetherOver(SpanOf(*last), report), MoodOf(last->isOngoing)};
         AddHeadline(look.point, {"slow", events.size(), SpanOf(*last), row.amount, IsHealed(analyses)},
                     CausesOf(analyses, figures));
@@ -241,7 +245,7 @@ private:
             return &other == &look || other.events.empty();
         });
         std::vector<std::string> words = report.again;
-        if (!isOnly || look.events.size() > 1) {
+        if (report.arePointsNamed || !isOnly || look.events.size() > 1) {
             words.insert(words.end(), {"--point", look.point});
         }
         if (look.events.size() != 1) {
@@ -261,6 +265,7 @@ private:
 
     const Report& report;
     const Figures& figures;
+    bool hasSlowPoint = false;
     Picture picture;
 };
 

@@ -47,8 +47,7 @@ struct PictureEvent {
 };
 
 struct Picture {
-    bool hasSlowPoint = false;
-    std::vector<Headline> headlines;  // what is going on, since when, and why
+    std::vector<Headline> headlines;  // what is going on, since when, and why; first, that no point was slow
     std::vector<PictureRow> points;
     std::vector<PictureRow> errors;
     std::vector<PictureEvent> events;  // what still goes on, then the latest first

@@ -15,8 +15,10 @@ Markup HealingsSection(const Report& report) {
     for (const Healing& healing : HealingsToTell(report)) {
         table.Add({Text(LocalTime(healing.time, report.zoneOffset)), Text(SentenceOf(healing, report))});
     }
-    return Element("section", Element("h2", "Healed") + table.Done() +
-                                  Element("p", {{"class", "quiet"}}, Text(EarlierHealings(report))));
+    const std::string earlier = EarlierHealings(report);
+    return Element("section",
+                   Element("h2", HEALED_TITLE) + table.Done() +
+                       (earlier.empty() ? Markup() : Element("p", {{"class", "quiet"}}, Text(earlier))));
 }
 
 Markup HealingsLegend(const Report& report, const Window& window) {

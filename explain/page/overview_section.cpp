@@ -70,15 +70,14 @@ Markup EventsTable(const std::vector<PictureEvent>& events) {
     return table.Done();
 }
 
-Markup Headlines(const Picture& picture, const Report& report) {
+Markup Headlines(const Picture& picture) {
     Markup lines;
     for (const Headline& line : picture.headlines) {
         const std::string cause = line.cause.empty() ? "" : ": " + line.cause;
         lines += Element("p", {{"class", std::string("headline ") + StyleOf(line.what.mood)}},
                          Text(line.what.text + cause));
     }
-    return picture.hasSlowPoint ? lines
-                                : Element("p", {{"class", "headline calm"}}, Text(NoneSlow(report))) + lines;
+    return lines;
 }
 
 Markup Healings(const Report& report) {
@@ -96,9 +95,8 @@ Markup OverviewSection(const Report& report) {
     }
     const Markup rows = RowTable(DELAYS_TITLE, "Point", "Delay", picture.points, report) +
                         RowTable(ERRORS_TITLE, "Type", "Errors", picture.errors, report);
-    return Element(
-        "section", {{"class", "overview"}},
-        basis + Headlines(picture, report) + rows + Healings(report) + EventsTable(picture.events));
+    return Element("section", {{"class", "overview"}},
+                   basis + Headlines(picture) + rows + Healings(report) + EventsTable(picture.events));
 }
 
 }  // namespace explain

@@ -30,7 +30,7 @@ std::string TitleOf(const Report& report) {
                                          : Counted(report.errors.size(), "event") + " of errors";
     }
     if (points.empty()) {
-        return report.coverage.IsPart() ? "No point was slow in what was looked at" : "No point was slow";
+        return NoneSlow(report);
     }
     const bool isOne = points.size() == 1;
     const std::string subject = isOne ? *points.begin() : std::to_string(points.size()) + " points";

@@ -21,6 +21,7 @@ namespace {
 const std::vector<std::string> COLUMNS = {"avgdelay",   "maxdelay",  "mindelay", "acceptnum",
                                           "successnum", "failednum", "retrynum", "errCode0",
                                           "errCode1",   "errCode2",  "errCode3", "errCode4"};
+constexpr const char* NOT_THERE = ": the statistics have none of this name";
 constexpr size_t MOST_ROWS = 1'000'000;
 
 // With the one that was probably meant or, where none is near, what else helps.
@@ -42,16 +43,34 @@ std::vector<std::string> ColumnsOf(const std::string& list) {
     return columns.empty() ? COLUMNS : columns;
 }
 
-std::vector<int64_t> NumbersOf(const PointSeries& series) {
+// Only what was chosen has to be there: the tables of old statistics have no errors.
+void LeaveOutMissing(const std::string& table, PointSeries& series) {
+    const std::string definition = DefinitionOf(table);
+    const auto isMissing = [&](const std::string& column) {
+        return definition.find(column) == std::string::npos;
+    };
+    std::vector<std::string>& columns = series.columns;
+    const auto missing = std::find_if(columns.begin(), columns.end(), isMissing);
+    if (series.isChosen && missing != columns.end()) {
+        ThrowUnknown("column", *missing, {}, NOT_THERE);
+    }
+    columns.erase(std::remove_if(missing, columns.end(), isMissing), columns.end());
+}
+
+std::vector<int64_t> NumbersOf(PointSeries& series) {
     const Window& range = series.report.question.range;
+    const SampleStore store({range});
+    const std::vector<std::string>& tables = store.Parts().front().tables;
+    for (const std::string& table : tables) {
+        LeaveOutMissing(table, series);
+    }
     FaultSqlInputParam query{
         "curtime", {}, {}, SqlText(series.point), std::to_string(range.start), std::to_string(range.end)};
     for (const std::string& column : series.columns) {
         query.selectColumn += ", " + column;
     }
     std::vector<int64_t> numbers;
-    const SampleStore store({range});
-    for (const std::string& table : store.Parts().front().tables) {
+    for (const std::string& table : tables) {
         std::string sql;
         query.tableName = table;
         FaultConstructSql(query, sql);
@@ -76,8 +95,11 @@ Coverage CoverageOf(const PointSeries& series) {
 PointSeries LoadSeries(const std::string& point, const std::string& columns, Report report) {
     PointSeries series{point, ColumnsOf(columns), {}, std::move(report), !columns.empty()};
     const std::vector<std::string> known = TextsOf("select locatename from version_nmaps;");
+    if (known.empty()) {
+        throw NoData({ReasonKind::NO_ROWS_AT_ALL});
+    }
     if (std::find(known.begin(), known.end(), point) == known.end()) {
-        ThrowUnknown("point", point, known, ": the statistics have none of this name");
+        ThrowUnknown("point", point, known, NOT_THERE);
     }
     const std::vector<int64_t> numbers = NumbersOf(series);
     const auto width = static_cast<std::ptrdiff_t>(series.columns.size()) + 1;

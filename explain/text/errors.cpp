@@ -14,8 +14,8 @@ constexpr size_t MOST_ADVICE = 2000;  // bytes
 
 std::string PointLine(const ErrorShare& share, size_t rank, size_t width, int64_t zoneOffset) {
     const std::string columns = PadLeft(std::to_string(rank + 1), 4) + PadLeft(Percent(share.share), 9) +
-                                "  " + TimeOfDay(share.since, zoneOffset) +
-                                PadLeft(Fixed(share.extra, 0), 8) + "  ";
+                                "  " + TimeOfDay(share.since, zoneOffset) + "  " +
+                                PadLeft(Fixed(share.extra, 0), 6) + "  ";
     const std::string point = Printable(share.point);
     const std::string both = PadRight(point, width) + "  " + Printable(share.graph);
     return CellsOf(columns) + CellsOf(both) <= LINE_CELLS

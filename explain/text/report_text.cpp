@@ -22,10 +22,6 @@ std::string Field(const std::string& name, const std::string& value) {
     return Paragraph("  " + PadRight(name, 12), value);
 }
 
-std::string Microseconds(double delay) {
-    return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
-}
-
 constexpr Figures FIGURES = {Percent, Microseconds};
 
 // Events that are only listed, the latest ones of many.

@@ -53,6 +53,13 @@ bool IsUntold(const Analysis& analysis) {
     return analysis.verdict == Verdict::CANNOT_TELL && !analysis.event;
 }
 
+bool IsUntold(const Look& look, const Report& report) {
+    const std::vector<Analysis>& all = report.analyses;
+    return std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
+        return analysis.point == look.point && IsUntold(analysis);
+    });
+}
+
 }  // namespace
 
 std::string ShortTime(int64_t time, const Report& report) {
@@ -139,15 +146,16 @@ std::vector<std::string> LacksOf(const Report& report) {
 }
 
 std::string NoneSlow(const Report& report) {
-    return report.coverage.IsPart() ? "No point was slow in what was looked at." : "No point was slow.";
+    const auto untold = std::count_if(report.looks.begin(), report.looks.end(),
+                                      [&](const Look& look) { return IsUntold(look, report); });
+    return untold > 0 && untold == static_cast<std::ptrdiff_t>(report.looks.size())
+               ? "Whether a point was slow cannot be told"
+           : untold > 0 || report.coverage.IsPart() ? "No point was slow in what was looked at"
+                                                    : "No point was slow";
 }
 
 std::string QuietStateOf(const Look& look, const Report& report) {
-    const std::vector<Analysis>& all = report.analyses;
-    const bool isUntold = std::any_of(all.begin(), all.end(), [&](const Analysis& analysis) {
-        return analysis.point == look.point && IsUntold(analysis);
-    });
-    return isUntold                          ? WordOf(Verdict::CANNOT_TELL)
+    return IsUntold(look, report)            ? WordOf(Verdict::CANNOT_TELL)
            : look.samples == 0               ? "no rows"
            : look.finding.deviations.empty() ? "too few rows"
            : look.finding.isCurved           ? "usual: a slow curve"

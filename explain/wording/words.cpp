@@ -30,6 +30,10 @@ std::string Percent(double share) {
     return Fixed(share * 100.0, 1) + " %";
 }
 
+std::string Microseconds(double delay) {
+    return Fixed(delay, delay < 100.0 ? 1 : 0) + " us";
+}
+
 const char* WordOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::POINT:

@@ -61,6 +61,9 @@ class Explain(ConsoleTest):
         status, text, found = self.explain(*self.range)
         self.assertEqual((status, found["analyses"][0]["verdict"]), (0, "load"))
         self.assertEqual(("\nLoad: " in text, "Ranking" in text), (True, False))
+        self.sql("update {table} set avgdelay = null, errCode0 = 99 where curtime between ? and ? and locateid in (select locateid "
+                 "from version_nmaps where locatename in (?, 'BDM_DISK_MEDIUM_ERROR'))", when, when + 300, POINT)
+        self.assertIn("\nNo point was slow in what was looked at.\n", self.run_explain("--overview", *self.range)[1])
 
     def test_intervals_in_which_nobody_came_say_nothing(self):
         self.world("slow-disk")
@@ -132,10 +135,11 @@ class Explain(ConsoleTest):
             (["20230101000000", "20230102000000"], 3, "outside the statistics, which go from 2023-01-05 10:30:00"),
             (["--zone", "+0200", *times], 3, "named in \\+08:00: use --zone \\+0800"),
             ([compact(epoch - 3600), quiet], 4, "only a part of the range"), (ten, 1, "^Nothing anomalous: "),
-            (["--during", peak, compact(epoch + 9600)], 0, DISK), (["--during", *ten], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
+            (["--during", peak, compact(epoch + 9600)], 0, DISK), (["--during", *ten, *times], 1, "TGT_LUMO_HOST_READ is [0-9.]+ times as slow"),
             (["--baseline", quiet, times[1], *times], 0, "^  usual by .*, as named, "), (["--baseline", "yesterday", *times], 4, "baseline that was named has only 0 samples"),
             (["--baseline", *times, *times, "60"], 2, "--help"),
             (["--overview", *times], 0, f"{POINT} was slow 12:58 to 13:00, 2.7 times: {DISK} 97 %, sure$"), (["--overview"], 3, "outside the statistics"),
+            (["--overview", "--point", "TGT_LUMO_HOST_WRITE", *point, *times], 0, rf"^    zorv-explain --root \S+ (\\\n +)?--point {POINT} [^-]+\Z"),
             (["--series", "BDM_DISK_REED", *times], 2, f"did you mean '{DISK}'"), (["--series", DISK, "--columns", "avgdelai", *times], 2, "did you mean 'avgdelay'"),
             (["--series", DISK, "20230105090000", "20230105091000"], 3, f"no rows of {DISK} in the range"), (["--columns", "x", *times], 2, "requires --series"),
             (["--point", "X\x1b", *graph, *times], 3, r"the graph SAN_IO_READ has no point X\\x1b"),
@@ -173,6 +177,8 @@ class Explain(ConsoleTest):
         self.assertEqual((found["columns"], found["rows"]), (["time", *columns], [list(row) for row in rows]))
         csv = ["time," + ",".join(columns), *(",".join(map(str, (local(when), *values))) for when, *values in rows)]
         self.assertEqual(self.run_lines("series " + " ".join(ask[1:]) + "\n")[1].splitlines(), csv)
+        self.sql("alter table {table} drop column errCode4")
+        self.assertRegex(self.run_explain("--series", DISK, *self.range)[1], "^time,.*,errCode3\n")
 
     def test_zones(self):
         self.world("slow-disk")
