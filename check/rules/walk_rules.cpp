@@ -33,12 +33,22 @@ std::string WhoHandsOver(const Subject& subject, const Graph& graph) {
     return Quoted(from.nodes[node].Label()) + " of " + from.name;
 }
 
+// Whether a node without an id of its own, which is told there, has the point at which walks would begin.
+bool IsLost(const Graph& graph, const std::string& point) {
+    return std::any_of(graph.nodes.begin(), graph.nodes.end(), [&](const Node& node) {
+        return node.Label().find(point) != std::string_view::npos;
+    });
+}
+
 void FindMissingRoots(const Subject& subject, const Report& report) {
     ForWalks(subject, [&](const Graph& graph, const GraphWalk& walk) {
         if (graph.nodes.empty()) {
             return;
         }
         for (const GraphUse* use : walk.usesWithoutEntry) {
+            if (IsLost(graph, use->point)) {
+                continue;
+            }
             report(subject.At(*graph.value), graph.name,
                    "no node's label contains '" + use->point + "', from which '" + use->command + "' walks" +
                        subject.suggester.DidYouMean(use->point, LabelsOf(graph)));
