@@ -35,9 +35,8 @@ std::string WhoHandsOver(const Subject& subject, const Graph& graph) {
 
 // Whether a node without an id of its own, which is told there, has the point at which walks would begin.
 bool IsLost(const Graph& graph, const std::string& point) {
-    return std::any_of(graph.nodes.begin(), graph.nodes.end(), [&](const Node& node) {
-        return node.Label().find(point) != std::string_view::npos;
-    });
+    return std::any_of(graph.nodes.begin(), graph.nodes.end(),
+                       [&](const Node& node) { return node.Label().find(point) != std::string_view::npos; });
 }
 
 // Where walks begin of which there is no delay: at an observation point they fail.
