@@ -135,6 +135,12 @@ bool Node::IsCountedElsewhere() const {
     return words.find("automic") != std::string_view::npos && words.find("whole") == std::string_view::npos;
 }
 
+Member PointOf(const Node& node, GraphKind kind) {
+    const bool isQname = kind == GraphKind::ERRCODE && node.IsCountedElsewhere();
+    const Member point = isQname ? node.qname : node.label;
+    return node.isModule || !node.isKept || TextOf(point).empty() ? nullptr : point;
+}
+
 size_t Graph::NodeOf(int32_t id) const {
     const auto place = byId.find(id);
     return place == byId.end() ? NONE : place->second;

@@ -45,6 +45,9 @@ struct Node {
     bool IsObservation() const { return Label().find("OB_") != std::string_view::npos; }
 };
 
+// The member that names the point whose statistics a node of a graph of that kind shows; null: it shows none.
+Member PointOf(const Node& node, GraphKind kind);
+
 struct EdgeEnd {
     Member member = nullptr;
     std::string text;               // as the plug-in reads it

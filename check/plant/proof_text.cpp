@@ -3,6 +3,7 @@
 
 #include "check/plant/proof_report.h"
 #include "text/counted.h"
+#include "text/layout.h"
 #include "text/printable.h"
 
 namespace check {
@@ -28,13 +29,13 @@ std::string TableOf(const std::vector<Cells>& rows) {
     std::vector<size_t> widths(rows.front().size());
     for (const Cells& row : rows) {
         for (size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], row[i].size());
+            widths[i] = std::max(widths[i], CellsOf(row[i]));
         }
     }
     std::string text;
     for (const Cells& row : rows) {
         for (size_t i = 0; i + 1 < row.size(); ++i) {
-            text += row[i] + std::string(widths[i] + 2 - row[i].size(), ' ');
+            text += PadRight(row[i], widths[i] + 2);
         }
         text += row.back() + "\n";
     }

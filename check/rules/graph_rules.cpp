@@ -88,13 +88,6 @@ void FindMissingGraphs(const Subject& subject, const Report& report) {
     }
 }
 
-// Whether an unknown subGraph is told with the name of this graph as the one that was meant.
-bool IsMeantElsewhere(const Graph& graph, const std::set<std::string>& unknown, Suggester& suggester) {
-    return std::any_of(unknown.begin(), unknown.end(), [&](const std::string& name) {
-        return name == graph.name || !suggester.DidYouMean(name, {graph.name}).empty();
-    });
-}
-
 // What leads to a graph by mistake, or to none: subGraphs that are no graphs, what stands in members that
 // should have been a subGraph, and names of nodes.
 std::set<std::string> NamesInVain(const Model& model) {
@@ -114,11 +107,21 @@ std::set<std::string> NamesInVain(const Model& model) {
     return names;
 }
 
+// The graphs that are meant by what leads to none: of these names, those of graphs and the nearest to others.
+std::set<std::string> MeantByMistake(const Subject& subject) {
+    const std::vector<std::string> names = NamesOfGraphs(subject.model);
+    std::set<std::string> meant;
+    for (const std::string& name : NamesInVain(subject.model)) {
+        meant.insert(subject.model.Find(name) != nullptr ? name : subject.suggester.Nearest(name, names));
+    }
+    return meant;
+}
+
 void FindUnusedGraphs(const Subject& subject, const Report& report) {
     const std::vector<std::string> missing = MissingGraphs(subject.model);
-    const std::set<std::string> unknown = NamesInVain(subject.model);
+    const std::set<std::string> meant = MeantByMistake(subject);
     for (const Graph& graph : subject.model.Graphs()) {
-        if (IsUnused(graph) && !IsMeantElsewhere(graph, unknown, subject.suggester)) {
+        if (IsUnused(graph) && meant.count(graph.name) == 0) {
             report(graph.key, graph.name,
                    "no command reads this graph, and none hands over to it" +
                        subject.suggester.DidYouMean(graph.name, missing));

@@ -58,6 +58,28 @@ void ForObjects(const Model& model, const Visit& with) {
     }
 }
 
+// Calls `with` for each node of each graph.
+template <typename Visit>
+void ForNodes(const Model& model, const Visit& with) {
+    for (const Graph& graph : model.Graphs()) {
+        for (const Node& node : graph.nodes) {
+            with(node, graph);
+        }
+    }
+}
+
+// Names that end the plug-in's statements, in which they stand between quotes as they are.
+void FindUnaskedNames(const Subject& subject, const Report& report) {
+    ForNodes(subject.model, [&](const Node& node, const Graph& graph) {
+        const Member point = PointOf(node, graph.kind);
+        if (TextOf(point).find_first_of(std::string_view("'\0", 2)) != std::string_view::npos) {
+            report(subject.At(*point), graph.name,
+                   "the point " + Quoted(TextOf(point)) +
+                       " cannot be asked for, with a quote or NUL in its name: analyses of the graph fail");
+        }
+    });
+}
+
 void FindWrongTypes(const Subject& subject, const Report& report) {
     ForObjects(subject.model, [&](const Json::Value& object, const Graph& graph, const auto& members) {
         for (const MemberType& each : members) {
@@ -68,6 +90,7 @@ void FindWrongTypes(const Subject& subject, const Report& report) {
             }
         }
     });
+    FindUnaskedNames(subject, report);
 }
 
 template <typename Members>
@@ -137,16 +160,6 @@ void FindUnknownMembers(const Subject& subject, const Report& report) {
     ForObjects(subject.model, [&](const Json::Value& object, const Graph& graph, const auto& members) {
         unknown.Find(object, graph, members);
     });
-}
-
-// Calls `with` for each node of each graph.
-template <typename Visit>
-void ForNodes(const Model& model, const Visit& with) {
-    for (const Graph& graph : model.Graphs()) {
-        for (const Node& node : graph.nodes) {
-            with(node, graph);
-        }
-    }
 }
 
 bool IsEmptyText(Member member) {

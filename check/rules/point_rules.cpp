@@ -8,13 +8,6 @@
 namespace check {
 namespace {
 
-// The member that names the point whose statistics a node shows; null: it shows none.
-Member PointOf(const Node& node, GraphKind kind) {
-    const bool isQname = kind == GraphKind::ERRCODE && node.IsCountedElsewhere();
-    const Member point = isQname ? node.qname : node.label;
-    return node.isModule || !node.isKept || TextOf(point).empty() ? nullptr : point;
-}
-
 // Calls `with` for each node that shows a point's statistics: the name's place in the document, the graph.
 void ForPoints(const Subject& subject, const std::function<void(const Json::Value&, const Graph&)>& with) {
     if (subject.statistics == nullptr) {

@@ -13,9 +13,13 @@ std::string Quoted(std::string_view name) {
     return "'" + Printable(name, LONGEST_NAME) + "'";
 }
 
-std::string Suggester::DidYouMean(std::string_view word, const std::vector<std::string>& names) {
+std::string Suggester::Nearest(std::string_view word, const std::vector<std::string>& names) {
     comparisons += names.size();
-    const std::string nearest = comparisons > MOST_COMPARISONS ? "" : NearestName(std::string(word), names);
+    return comparisons > MOST_COMPARISONS ? "" : NearestName(std::string(word), names);
+}
+
+std::string Suggester::DidYouMean(std::string_view word, const std::vector<std::string>& names) {
+    const std::string nearest = Nearest(word, names);
     return nearest.empty() ? "" : "; did you mean " + Quoted(nearest) + "?";
 }
 

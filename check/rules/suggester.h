@@ -11,6 +11,9 @@ namespace check {
 // no answer.
 class Suggester {
 public:
+    // The name, or an empty text.
+    std::string Nearest(std::string_view word, const std::vector<std::string>& names);
+
     // "; did you mean 'NAME'?", or an empty text.
     std::string DidYouMean(std::string_view word, const std::vector<std::string>& names);
 

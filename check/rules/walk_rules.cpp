@@ -33,12 +33,40 @@ std::string WhoHandsOver(const Subject& subject, const Graph& graph) {
     return Quoted(from.nodes[node].Label()) + " of " + from.name;
 }
 
+// Whether a node without an id of its own, which is told there, has the point at which walks would begin.
+bool IsLost(const Graph& graph, const std::string& point) {
+    return std::any_of(graph.nodes.begin(), graph.nodes.end(),
+                       [&](const Node& node) { return node.Label().find(point) != std::string_view::npos; });
+}
+
+// Where walks begin of which there is no delay: at an observation point they fail.
+bool IsBlindRoot(const Graph& graph, const GraphWalk& walk, size_t node) {
+    const bool isEntry = std::count(walk.entries.begin(), walk.entries.end(), node) > 0;
+    const bool isTop = !graph.handedOverBy.empty() && node == walk.top;
+    return graph.kind == GraphKind::FLOW && graph.nodes[node].IsObservation() && (isEntry || isTop);
+}
+
+void FindBlindRoots(const Subject& subject, const Graph& graph, const GraphWalk& walk, const Report& report) {
+    for (size_t i = 0; i < graph.nodes.size(); ++i) {
+        if (IsBlindRoot(graph, walk, i)) {
+            const Node& node = graph.nodes[i];
+            report(subject.At(*node.label), graph.name,
+                   "walks begin at " + Quoted(node.Label()) +
+                       ", but fail: it is an observation point, by the OB_ in its label");
+        }
+    }
+}
+
 void FindMissingRoots(const Subject& subject, const Report& report) {
     ForWalks(subject, [&](const Graph& graph, const GraphWalk& walk) {
         if (graph.nodes.empty()) {
             return;
         }
+        FindBlindRoots(subject, graph, walk, report);
         for (const GraphUse* use : walk.usesWithoutEntry) {
+            if (IsLost(graph, use->point)) {
+                continue;
+            }
             report(subject.At(*graph.value), graph.name,
                    "no node's label contains '" + use->point + "', from which '" + use->command + "' walks" +
                        subject.suggester.DidYouMean(use->point, LabelsOf(graph)));
@@ -133,9 +161,11 @@ void FindReversed(const Subject& subject, const Report& report) {
 }
 
 void FindObservers(const Subject& subject, const Report& report) {
-    ForWalks(subject, [&](const Graph& graph, const GraphWalk&) {
-        for (const Node& node : graph.nodes) {
-            if (graph.kind == GraphKind::FLOW && node.IsObservation() && !node.children.empty()) {
+    ForWalks(subject, [&](const Graph& graph, const GraphWalk& walk) {
+        for (size_t i = 0; i < graph.nodes.size(); ++i) {
+            const Node& node = graph.nodes[i];
+            if (graph.kind == GraphKind::FLOW && node.IsObservation() && !node.children.empty() &&
+                !IsBlindRoot(graph, walk, i)) {
                 report(subject.At(*node.label), graph.name,
                        Quoted(node.Label()) +
                            " is an observation point, by the OB_ in its label: walks end " +

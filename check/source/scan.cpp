@@ -155,7 +155,7 @@ private:
         const size_t begin = at;
         at = std::min(text.find_first_of(ENDS_OF_WORD, at), text.size());
         const std::string_view word = text.substr(begin, at - begin);
-        if ((IsDigit(word[0]) || word[0] == '-') && !IsStrictNumber(word)) {
+        if ((IsDigit(word[0]) || word[0] == '-' || word[0] == '+') && !IsStrictNumber(word)) {
             scan.leniencies.push_back({begin, "a number that is written otherwise"});
         }
         EndValue();

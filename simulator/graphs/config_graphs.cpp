@@ -78,6 +78,13 @@ struct ConfigNode {
     bool isGroup = false;
 };
 
+// The plug-in puts names between the quotes of its statements as they are.
+void CheckAskedFor(const std::string& point, const char* member) {
+    if (point.find_first_of(std::string_view("'\0", 2)) != std::string::npos) {
+        throw ConfigError(std::string(member) + " has a quote or NUL in it, and no statement can ask for it");
+    }
+}
+
 void ReadErrorRole(const Json::Value& info, ConfigNode& node) {
     node.attr = Text(info, "attr");
     node.erridx = Text(info, "erridx");
@@ -104,6 +111,9 @@ ConfigNode NodeOf(const Json::Value& json, GraphFamily family) {
         if (!node.isGroup) {
             ReadErrorRole(info, node);
         }
+    }
+    if (!node.isGroup) {
+        CheckAskedFor(node.qname.empty() ? node.label : node.qname, node.qname.empty() ? "label" : "qname");
     }
     return node;
 }

@@ -107,6 +107,8 @@ TEST(ConfigTest, WhatNoWalkCanReadIsRefusedWithItsPlace) {
         {node("8"), "graph \"G\": nodes[1]: it is no object"},
         {node(R"({"id":"2"})"), "graph \"G\": nodes[1]: id is no number of 32 bits"},
         {node(R"({"id":2,"label":[]})"), "graph \"G\": nodes[1]: label is no text"},
+        {node(R"({"id":2,"label":"A'B"})"),
+         "graph \"G\": nodes[1]: label has a quote or NUL in it, and no statement can ask for it"},
         {node(R"({"id":2,"info":"x"})"), "graph \"G\": nodes[1]: info is no object"},
         {node(R"({"id":2,"info":{"erridx":"x"}})"), "graph \"G\": nodes[1]: erridx is no number: \"x\""},
         {edge(R"({"source":"1"})"), "graph \"G\": edges[0]: target is missing"},
