@@ -17,7 +17,9 @@ namespace {
 
 void Print(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0) {
-        throw std::runtime_error(std::string("the findings cannot be printed: ") + std::strerror(errno));
+        // Who closed a pipe has read enough: nothing is to be told of that.
+        throw std::runtime_error(
+            errno == EPIPE ? "" : std::string("the findings cannot be printed: ") + std::strerror(errno));
     }
 }
 

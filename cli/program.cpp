@@ -9,7 +9,9 @@ namespace cli {
 namespace {
 
 int Tell(const char* name, const std::exception& error, int status) {
-    std::fprintf(stderr, "%s: %s\n", name, Printable(error.what()).c_str());
+    if (error.what()[0] != '\0') {
+        std::fprintf(stderr, "%s: %s\n", name, Printable(error.what()).c_str());
+    }
     return status;
 }
 

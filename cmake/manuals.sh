@@ -21,7 +21,8 @@ entries() {
         -e 's/^([a-z]+)( [^:]*)?: (.*)/.TP\n\\fB\1\\fR\2\n\3/'
 }
 
-names=$(console <<<help | sed -nE 's/^  ([^ :]+).*/\1/p')
+commands=$(console <<<help)
+names=$(sed -nE 's/^  ([^ :]+).*/\1/p' <<<"$commands")
 
 for program in "${programs[@]}"; do
     {
@@ -46,13 +47,22 @@ done
     sed -n '/^## Route configuration/,/^## /p' "$source/docs/file-formats.md" | sed -e '/^## /d'
 } | lowdown -s -tman -M title=ROUTE_CONFIG -M section=5 -M date= -o "$output/route_config.5"
 
-# Tables for the completion: each program's options with the kind of their value, and what else it completes.
+# The options of the console's commands, as their help shows them: a line each, "[NAME]="--OPTION:VALUE ..."".
+command_options() {
+    sed -nE 's/^  ([^ :]+)( [^:]*--[^:]*):.*/\1\2/p' <<<"$commands" | while read -r name arguments; do
+        printf '  [%s]="%s"\n' "$name" "$(grep -oE -e '--[a-z-]+( [A-Z]+)?' <<<"$arguments" | sed -E 's/ |$/:/' | paste -sd ' ')"
+    done
+}
+
+# Tables for the completion: the options of each program and command with the kind of their value, and what else they
+# complete.
 {
     printf '# Made by cmake/manuals.sh from the programs'"'"' own help.\ndeclare -gA _zorv_options=(\n'
     for program in "${programs[@]}"; do
         printf '  [%s]="%s"\n' "$program" \
-            "$("$bin/$program" --help | sed -nE 's/^ +(-.,)?(--[a-z-]+)( ([A-Z]+)(hhmmss)?([ =].*|$)|.*)$/\2:\4/p' | paste -sd ' ')"
+            "$("$bin/$program" --help | sed -nE 's/^ +(-.,)?(--[a-z-]+)( ([A-Z]+)(hhmmss)?([ =:].*|$)|.*)$/\2:\4/p' | paste -sd ' ')"
     done
+    command_options
     printf ')\n_zorv_commands="%s"\n' "$(paste -sd ' ' <<<"$names")"
     printf '_zorv_scenarios="%s"\n\n' "$("$bin/lumo-sim" --list | cut -d ' ' -f 1 | paste -sd ' ')"
     cat "$source/cli/completion.bash"

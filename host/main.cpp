@@ -6,6 +6,7 @@
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
 #include <exception>
 #include <filesystem>
 #include <memory>
@@ -30,6 +31,7 @@
 #include "host/services/log.h"
 #include "host/services/timer.h"
 #include "host/terminal/session.h"
+#include "text/local_time.h"
 #include "text/printable.h"
 
 namespace zorv {
@@ -99,8 +101,8 @@ Words SharedOptions(const Options& options, const std::optional<Capture>& captur
     if (options.emptyHeal) {
         shared.emplace_back("--empty-heal");
     }
-    if (const std::optional<std::string> zone = ZoneOf(options, capture)) {
-        shared.insert(shared.end(), {"--zone", *zone});
+    if (ZoneOf(options, capture)) {  // as it is kept here, whatever it was called and whenever they start
+        shared.insert(shared.end(), {"--zone", ZoneText(ZoneOffsetAt(std::time(nullptr)))});
     }
     if (!options.logFile.empty()) {
         shared.insert(shared.end(), {"--log", options.logFile});

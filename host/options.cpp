@@ -22,8 +22,8 @@ Exit status: 0 all went well, 1 a command reported an error or its answer rests 
 part of the range, failed statements or no configuration, told on standard error), 2 unknown command or wrong
 usage, 3 the plug-in could not be loaded, the root or the log is not there, the cluster cannot be joined, or
 the capture cannot be used, 130 (in a shell) ended with Ctrl-C.
-"explain" and "check" as COMMAND hand the exit statuses of zorv-explain and zorv-check on.
-"status", "alarms" and "switch" take --json.
+"explain", "overview" and "series" as COMMAND hand the exit statuses of zorv-explain on, "check" those of
+zorv-check. "status", "alarms" and "switch" take --json.
 
 On a terminal TAB completes commands, their words and point names, and Ctrl-C stops the command that runs.
 Environment: ZORV_LOCAL_HISTFILE names the file of the history (empty: none; default: zorv-local/history in
@@ -94,9 +94,8 @@ void Declare(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option_function<std::string>(
            "--log-level", [&options](const std::string& word) { options.logLevel = LevelOf(word); },
-           "error, warning, info or debug (or 3, 4, 5, 7); default: warning, and on a terminal nothing where "
-           "all "
-           "went well")
+           "error, warning, info or debug (or 3, 4, 5, 7); default: warning, and on a terminal nothing "
+           "where all went well")
         ->type_name("L");
     app.add_flag("--hints", options.hints,
                  "Tell of events that delaydetect cannot flag, as on a terminal: takes as long as explain");

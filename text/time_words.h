@@ -1,11 +1,9 @@
 // Times as an operator writes them. Besides compact local time (20230105140300) these are
 //   now, -30m                       the moment, and so many seconds (s), minutes (m), hours (h), days (d)
-//                                  before
-//   2023/1/5 14:3:0                local time; also 2023-01-05 14:03:00; without the seconds, or at midnight
-//   2023-01-05T14:03:00            the same in one word; with a zone behind the time of day (Z, +08:00,
-//   +0800)
-//                                  it is that zone's
-//   today 14:3:0, yesterday 14:3:0 the same on a day counted from now
+//                                   before
+//   2023/1/5 14:3:0                 local time; also 2023-01-05 14:03:00; without the seconds, or at midnight
+//   2023-01-05T14:03:00             the same in one word; with a zone behind it (Z, +08:00) it is that zone's
+//   today 14:3:0, yesterday 14:3:0  the same on a day counted from now
 // The parts of a time stand in one word with a blank, or in two words. Local time is UTC plus the zone's
 // offset at the moment, for all times: so does the plug-in count.
 #pragma once

@@ -9,9 +9,6 @@
 namespace explain {
 namespace {
 
-constexpr int64_t STEPS_AT_AN_END = 2;
-constexpr size_t A_FIFTH = 5;
-
 // The usual distance of two samples.
 std::optional<double> StepOf(const Samples& samples) {
     std::vector<double> distances;
@@ -35,18 +32,15 @@ int64_t StepOf(const std::map<std::string, PointData>& points) {
     return steps.empty() ? 0 : std::max<int64_t>(1, std::llround(MedianOf(steps)));
 }
 
-// How many intervals from the first row to the last have a row. Rows of one interval may be seconds apart.
-size_t IntervalsWithRows(const std::map<std::string, PointData>& points, const Coverage& coverage) {
-    const int64_t oldest = *coverage.oldest;
-    std::vector<bool> filled(static_cast<size_t>((*coverage.newest - oldest) / coverage.step) + 2);
+CoveredIntervals IntervalsWithRows(const std::map<std::string, PointData>& points, const Coverage& coverage) {
+    CoveredIntervals intervals(*coverage.oldest, *coverage.newest, coverage.step);
     for (const auto& [name, data] : points) {
-        const auto [first, end] = PositionsIn(data.samples, {oldest, *coverage.newest});
+        const auto [first, end] = PositionsIn(data.samples, {*coverage.oldest, *coverage.newest});
         for (size_t i = first; i < end; ++i) {
-            filled[static_cast<size_t>((data.samples[i].time - oldest + coverage.step / 2) / coverage.step)] =
-                true;
+            intervals.Add(data.samples[i].time);
         }
     }
-    return static_cast<size_t>(std::count(filled.begin(), filled.end(), true));
+    return intervals;
 }
 
 }  // namespace
@@ -69,13 +63,8 @@ Coverage CoverageOf(const std::map<std::string, PointData>& points, const Window
         coverage.intervals = coverage.oldest ? 1 : 0;
         return coverage;
     }
-    const size_t intervals = IntervalsWithRows(points, coverage);
-    const auto between = static_cast<size_t>((*coverage.newest - *coverage.oldest) / coverage.step) + 1;
-    coverage.expected = std::max<size_t>(1, static_cast<size_t>((range.end - range.start) / coverage.step));
-    coverage.intervals = std::min(intervals, coverage.expected);  // both ends of a range may have a row
-    coverage.lacksBegin = *coverage.oldest - range.start > STEPS_AT_AN_END * coverage.step;
-    coverage.lacksEnd = range.end - *coverage.newest > STEPS_AT_AN_END * coverage.step;
-    coverage.lacksBetween = between > intervals && (between - intervals) * A_FIFTH >= between;
+    CoveredIntervals::Count& count = coverage;
+    count = IntervalsWithRows(points, coverage).Of(range.start, range.end);
     return coverage;
 }
 

@@ -7,8 +7,6 @@
 
 namespace zorv {
 namespace {
-constexpr int64_t STEPS_AT_AN_END = 2;
-constexpr size_t A_FIFTH = 5;
 constexpr int64_t MOST_UNITS = int64_t{1} << 23;  // seconds of 97 days: commands take two
 
 std::string Local(int64_t time) {
@@ -73,17 +71,15 @@ void CoverageCount::EndSeries() {
     series.clear();
 }
 
-// Rows of one interval may be seconds apart.
-size_t CoverageCount::IntervalsWithRows(int64_t step) const {
-    std::vector<bool> intervals(static_cast<size_t>((*newest - *oldest) / step) + 2);
+CoveredIntervals CoverageCount::IntervalsWithRows(int64_t step) const {
+    CoveredIntervals intervals(*oldest, *newest, step);
     const auto end = static_cast<size_t>(*newest / unit);
     for (auto i = static_cast<size_t>(*oldest / unit); i <= end; ++i) {
         if (filled[i]) {
-            const int64_t second = std::max(static_cast<int64_t>(i) * unit, *oldest);
-            intervals[static_cast<size_t>((second - *oldest + step / 2) / step)] = true;
+            intervals.Add(std::max(static_cast<int64_t>(i) * unit, *oldest));
         }
     }
-    return static_cast<size_t>(std::count(intervals.begin(), intervals.end(), true));
+    return intervals;
 }
 
 Coverage CoverageCount::Get(int64_t knownStep) const {
@@ -97,14 +93,10 @@ Coverage CoverageCount::Get(int64_t knownStep) const {
         coverage.intervals = 1;
         return coverage;
     }
-    const int64_t length = range.end - range.start;
-    const size_t intervals = IntervalsWithRows(coverage.step);
-    const auto between = static_cast<size_t>((*newest - *oldest) / coverage.step) + 1;
-    const int64_t atAnEnd = STEPS_AT_AN_END * coverage.step;
-    coverage.expected = std::max<size_t>(1, static_cast<size_t>(length / coverage.step));
-    coverage.intervals = std::min(intervals, coverage.expected);  // both ends of a range may have a row
-    coverage.isPart = *oldest > atAnEnd || length - *newest > atAnEnd ||
-                      (between > intervals && (between - intervals) * A_FIFTH >= between);
+    const auto covered = IntervalsWithRows(coverage.step).Of(0, range.end - range.start);
+    coverage.expected = covered.expected;
+    coverage.intervals = covered.intervals;
+    coverage.isPart = covered.IsPart();
     return coverage;
 }
 }  // namespace zorv

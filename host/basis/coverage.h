@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "text/covered_intervals.h"
+
 namespace zorv {
 struct TimeRange {
     int64_t start = 0;  // UTC seconds, both included
@@ -45,7 +47,7 @@ public:
     Coverage Get(int64_t knownStep = 0) const;
 
 private:
-    size_t IntervalsWithRows(int64_t step) const;
+    CoveredIntervals IntervalsWithRows(int64_t step) const;
 
     const TimeRange range;        // of which all that follows counts the seconds
     const int64_t unit;           // more than one second where the range is longer than any command's

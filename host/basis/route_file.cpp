@@ -17,7 +17,7 @@
 namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
-constexpr int DEEPEST_NESTING = 32;  // what the plug-in reads
+constexpr int DEEPEST_NESTING = 200;  // what the plug-in reads
 
 // What changes when the file does.
 using Stamp = std::tuple<bool, dev_t, ino_t, off_t, time_t, long>;

@@ -17,8 +17,7 @@ const std::map<std::string, KnownCommand> KNOWN = {
     {"datashow",
      {2, Basis::ROWS_OF_POINT, "POINT START END COUNT", 1,
       "shows whether the rows of a range can be read: it loads them for the points of delaydetect, and "
-      "prints a "
-      "title only. 'explain --point POINT START END' shows what they say."}},
+      "prints a title only. 'explain --point POINT START END' shows what they say."}},
     {"showfaultfactor",
      {2,
       Basis::GRAPHS,
@@ -30,8 +29,7 @@ const std::map<std::string, KnownCommand> KNOWN = {
     {"showgraph",
      {3, Basis::UNTOLD, "WORD POINT START END", 2,
       "shows the graph of host reads: its edges, nodes, points and observation points, and the rows of a "
-      "POINT; "
-      "other words take any POINT."}}};
+      "POINT; other words take any POINT."}}};
 
 constexpr const char* TIMES =
     "  START and END: the earlier one first, such as 20230105103000, now, -30m or 2023-01-05T10:30:00\n";

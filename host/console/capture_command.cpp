@@ -47,7 +47,7 @@ CaptureOrder OrderOf(const Words& words) {
             order.node = Printable(words[++i]);
         } else if (words[i] == "--timeout" && hasValue) {
             order.limit = LimitIn(words[++i]);
-        } else if (words[i].rfind("--", 0) == 0 || words[i].empty() || !order.target.empty()) {
+        } else if (words[i].empty() || words[i].front() == '-' || !order.target.empty()) {
             throw UsageError(USAGE);
         } else {
             order.target = words[i];

@@ -112,10 +112,9 @@ std::string HistoryPath() {
     }
     const std::string state = DirectoryIn("XDG_STATE_HOME");
     std::error_code ignored;
-    std::string home = DirectoryIn("HOME");
-    home = std::filesystem::is_directory(home, ignored) ? home
-                                                        : "";  // an account without one does not get it here
-    if (state.empty() && home.empty()) {
+    const std::string home = DirectoryIn("HOME");
+    const bool isThere = std::filesystem::is_directory(home, ignored);  // nobody gets a home by this
+    if (state.empty() && !isThere) {
         return {};
     }
     return (state.empty() ? home + "/.local/state" : state) + "/zorv-local/history";

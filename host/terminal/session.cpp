@@ -37,6 +37,7 @@ bool ReadLine(std::streambuf& input, std::string& line) {
     }
     return true;
 }
+
 // None where lines would go into a file that is read, or into a capture; which is told.
 std::string AllowedHistoryPath() {
     const std::string path = HistoryPath();

@@ -14,7 +14,7 @@ ALARMS = "VRA/coffer_log/log/alarm/alarms.jsonl"
 class AboutTheHost(ConsoleTest):
     def test_status(self):
         self.statistics(SOUND)
-        (self.root / CONFIG).write_text(json.dumps({"B": graph("X", "Y", edges=[{}]), "A": graph(), "C": 1}))
+        (self.root / CONFIG).write_text(json.dumps({"B": graph("X", "Y", edges=[{}]), "A": graph(), "C": json.loads("[" * 190 + "]" * 190)}))
         then = int(time.time()) - 3 * 86400 - 100
         local, about = time.strftime("%Y-%m-%d %H:%M:%S", time.gmtime(then + 8 * 3600)), {}
         for file in (DATABASE, HEAL_DATABASE, CONFIG):

@@ -195,9 +195,9 @@ TEST_F(ProgramTest, ExplainRunsTheProgramBesideThisOne) {
     std::filesystem::permissions(folder / "zorv-explain", std::filesystem::perms::owner_all);
     const std::string rooted = "[--root][" + root.Path() + "]";
 
-    const Outcome single = Run(PROBE + "--log log explain -x 'a b' '' 'exit 4'");
+    const Outcome single = Run(PROBE + "--log log --zone +0530 explain -x 'a b' '' 'exit 4'");
     EXPECT_EQ(single.status, 4);
-    EXPECT_EQ(single.out, rooted + "[--log][log][-x][a b][][exit 4]");
+    EXPECT_EQ(single.out, rooted + "[--zone][+05:00][--log][log][-x][a b][][exit 4]");
     const std::string more(1 << 20, '#');  // than is read at a time: it is not the program's
     const Outcome piped = Run(PROBE, "echo a\nexplain 'exit 4'\necho b\nexplain 'kill -9 $$'\n" + more);
     EXPECT_EQ(piped.status, 1);

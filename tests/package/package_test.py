@@ -72,10 +72,11 @@ class PackageTest(unittest.TestCase):
 
     def test_completion(self):
         for line, expected in (("zorv-local --root x dela", ["delaydetect", "delayanal"]),
-                               ("zorv-local --plu", ["--plugin"]), ("lumo-sim --scenario two", ["two-faults"]),
+                               ("zorv-local --plu", ["--plugin"]), ("zorv-local --root capture capture --t", ["--timeout"]),
+                               ("zorv-local capture /et", ["/etc"]), ("zorv-local explain --basel", ["--baseline"]), ("lumo-sim --scenario two", ["two-faults"]),
                                ("zorv-explain --ht", ["--html"]), ("zorv-check --li", ["--list"]), ("lumo-sim --fault-st", ["--fault-start", "--fault-strength"]), ("lumo-sim err", [])):
             words = line.split()
-            script = (f'. "{self.root}/usr/share/bash-completion/completions/{words[0]}"; '
+            script = (f'. "{self.root}/usr/share/bash-completion/completions/{words[0]}"; COMP_WORDS=({line}); COMP_CWORD={len(words) - 1}; '
                       f'_zorv_complete {words[0]} {words[-1]} {words[-2]}; echo "${{COMPREPLY[*]}}"')
             self.assertEqual(run("bash", "-c", script).split(), expected, line)
 
