@@ -65,7 +65,9 @@ std::vector<double> Levelled(const Samples& samples, const std::vector<bool>& ma
             const double way =
                 to > from ? static_cast<double>(i - from) / static_cast<double>(to - from) : 0.0;
             const double level = before + way * (after - before);
-            levelled[i] *= level > 0.0 ? median / level : 1.0;
+            // Noise grows with the level, but where that is low it is hardly less.
+            const double part = median > 0.0 && level > median ? median / level : 1.0;
+            levelled[i] = median + part * (levelled[i] - level);
         }
         from = next;
     }

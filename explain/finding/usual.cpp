@@ -51,9 +51,14 @@ double HighestByChance(std::vector<double> values) {
     const auto from = values.end() - static_cast<std::ptrdiff_t>(count);
     std::nth_element(values.begin(), from, values.end());
     const double begin = *from;
+    const auto upper = from + static_cast<std::ptrdiff_t>(count * 3 / 4);
+    std::nth_element(from, upper, values.end());
     std::vector<double> tail(from, values.end());
-    const double half = MedianOf(tail) - begin;
-    return begin + half * std::log2(RARELY * static_cast<double>(count));
+    const double middle = MedianOf(tail);
+    if (middle == *upper) {  // as of few different values: it goes no higher
+        return middle;
+    }
+    return begin + (middle - begin) * std::log2(RARELY * static_cast<double>(count));
 }
 
 }  // namespace explain

@@ -26,7 +26,8 @@ double MeanOf(const std::vector<double>& values);
 
 // How high the highest of so many values comes to lie by chance, once in thirty times: if their tail goes on
 // as in their highest twentieth, of which half lie as far above its begin as half of these above them, and so
-// on. Normal values reach 5 scales so, others more. 0 for fewer than 80 values, which tell no tail.
+// on. Normal values reach 5 scales so, others more. A tail that is all but flat from its middle on goes no
+// higher. 0 for fewer than 80 values, which tell no tail.
 double HighestByChance(std::vector<double> values);
 
 }  // namespace explain
