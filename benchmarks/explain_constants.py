@@ -43,8 +43,6 @@ VALUES = {
     "RARELY": (15, 60, ["outliers", "wide", "sparse"]),
     "TAIL": (10, 40, ["outliers", "wide", "sparse"]),
     "NEW_TAIL": (0.25, 1, ["outliers", "wide", "sparse"]),
-    "ALIKE": (1, 4, ["outliers", "wide", "sparse"]),
-    "MANY_MORE": (1, 4, ["outliers", "wide", "sparse"]),
     "PATIENCE": (1, 4, ["mild", "few", "lasting"]),
     "MOST_OF_EXTRA": (0.25, 1, ["surge", "plain"]),
 }

@@ -10,7 +10,8 @@
 namespace explain {
 namespace {
 
-constexpr double FLATTER = 0.5;  // what a slow curve leaves of the spread when it is most of it
+constexpr double FLATTER = 0.5;   // what a slow curve leaves of the spread when it is most of it
+constexpr double NEW_TAIL = 0.5;  // of what the whole series leads to expect
 constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
 constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
@@ -164,6 +165,41 @@ Marks TellingOf(const Samples& samples, const std::optional<Window>& baseline) {
     return telling;
 }
 
+// How high the highest of the values that are in no run of several comes to lie by chance. Where the first
+// half of the series leads to expect less than half of that, such values have only begun to come: then that
+// half tells.
+double ChanceLimit(const std::vector<Run>& runs, const std::vector<double>& deviations) {
+    Marks several(deviations.size(), false);
+    for (const Run& run : runs) {
+        if (run.first < run.last) {
+            Mark(run.first, run.last, several);
+        }
+    }
+    std::vector<double> all;
+    std::vector<double> early;
+    for (size_t i = 0; i < deviations.size(); ++i) {
+        if (!several[i]) {
+            all.push_back(deviations[i]);
+        }
+        if (i + 1 == deviations.size() / 2) {
+            early = all;
+        }
+    }
+    const double limit = HighestByChance(std::move(all));
+    const double before = HighestByChance(std::move(early));
+    return before < NEW_TAIL * limit ? before : limit;
+}
+
+// Without lone values as they come by chance.
+std::vector<Run> Unlikely(std::vector<Run> runs, const std::vector<double>& deviations) {
+    const double limit = ChanceLimit(runs, deviations);
+    const auto isChance = [&](const Run& run) {
+        return run.first == run.last && deviations[run.first] <= limit;
+    };
+    runs.erase(std::remove_if(runs.begin(), runs.end(), isChance), runs.end());
+    return runs;
+}
+
 size_t Distance(int64_t a, int64_t b) {
     return a > b ? static_cast<uint64_t>(a) - static_cast<uint64_t>(b)
                  : static_cast<uint64_t>(b) - static_cast<uint64_t>(a);
@@ -203,9 +239,7 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
     const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
     Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());
-    const std::vector<Run> runs =
-        Unusual(Unlikely(RunsAbove(inside, 0.0), finding.deviations), finding.deviations);
-    for (const Run& run : Widened(runs, finding.deviations)) {
+    for (const Run& run : Widened(Unlikely(RunsAbove(inside, 0.0), finding.deviations), finding.deviations)) {
         finding.events.push_back(EventOf(samples, finding, run.first, run.last));
     }
     return finding;

@@ -1,6 +1,5 @@
 #include "explain/finding/rows.h"
 
-#include "explain/finding/sample_store.h"
 #include "fault_common/fault_number.h"
 #include "fault_database/fault_database.h"
 
@@ -26,6 +25,14 @@ void Ask(const std::string& sql, FaultRowsCallBack take, const Reason& failure, 
 }
 
 }  // namespace
+
+std::string SqlText(const std::string& name) {
+    std::string quoted;
+    for (const char letter : name) {
+        quoted.append(letter == '\'' ? 2 : 1, letter);
+    }
+    return quoted;
+}
 
 void AppendNumbers(const std::string& sql, const Reason& failure, std::vector<int64_t>& numbers) {
     std::vector<std::string> texts;

@@ -9,7 +9,10 @@
 
 namespace explain {
 
-// All block on the database, and throw NoData for `failure` when the statement failed.
+// As the inside of an SQL text.
+std::string SqlText(const std::string& name);
+
+// All that follow block on the database, and throw NoData for `failure` when the statement failed.
 
 // Appends all cells, row by row. Throws std::invalid_argument for a cell that is no number.
 void AppendNumbers(const std::string& sql, const Reason& failure, std::vector<int64_t>& numbers);

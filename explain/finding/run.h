@@ -17,18 +17,10 @@ struct Run {
 // Runs of values above `least`, with at most `gap` others between two of them; ascending.
 std::vector<Run> RunsAbove(const std::vector<double>& values, double least, size_t gap = GAP);
 
-// Without lone values as they come by chance: no higher than the tail of all that are in no run of several
-// leads to expect. `deviations` are here and below from what is usual.
-std::vector<Run> Unlikely(std::vector<Run> runs, const std::vector<double>& deviations);
-
-// Without what comes back: where each third of the first half of all values has a run that is at least half
-// as long and, in sum, half as high, such runs are usual themselves. All, where runs have only begun to come:
-// more than twice as many in the second half.
-std::vector<Run> Unusual(std::vector<Run> runs, const std::vector<double>& deviations);
-
 // The same runs, as far as they reach: each is widened to where the sum of what its neighbours lie above half
 // of its own height (its median) is largest, but not into the next one. Of a change in noise this is the
 // likeliest begin and end. What is far above its noise has no such neighbours and stays as it is.
+// `deviations` are from what is usual.
 std::vector<Run> Widened(const std::vector<Run>& runs, const std::vector<double>& deviations);
 
 }  // namespace explain

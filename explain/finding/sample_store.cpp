@@ -163,14 +163,6 @@ PointData SampleStore::Load(const std::string& point) {
     return data;
 }
 
-std::string SqlText(const std::string& name) {
-    std::string quoted;
-    for (const char letter : name) {
-        quoted.append(letter == '\'' ? 2 : 1, letter);
-    }
-    return quoted;
-}
-
 FaultSeries DelaySeries(const Samples& samples) {
     return SeriesOf(samples, &Sample::delay);
 }

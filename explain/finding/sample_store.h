@@ -70,9 +70,6 @@ private:
     std::map<std::string, PointData> former;  // not asked for since the last move
 };
 
-// As the inside of an SQL text.
-std::string SqlText(const std::string& name);
-
 // The columns as the plug-in's statistics take them. What no integer can hold becomes the nearest that can.
 FaultSeries DelaySeries(const Samples& samples);
 FaultSeries RequestSeries(const Samples& samples);

@@ -76,8 +76,6 @@ TEST(Explain, LooksAtARangeWithWhatWasBefore) {
         {"====.h...h...h...h...h...h", 0, -1,
          " 81-81 x1 @81 85-85 x1 @85 89-89 x1 @89 93-93 x1 @93 97-97 x1 @97 101-101 x1 @101+", Silence::NONE,
          96},
-        {"h=h=h====h", 0, -1, "", Silence::NONE},
-        {"h=h=h====hhh", 0, -1, " 123-125 x3 @123+", Silence::NONE, 123},
         {"==5===", 0, 42, " 40-40 x1 @40", Silence::NONE},
         {"==5===", 0, 43, " 41-41 x0 @41", Silence::NONE},
     };

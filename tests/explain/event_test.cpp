@@ -103,32 +103,6 @@ Pairs NaiveUnlikely(const Pairs& events, const std::vector<double>& deviations) 
     return left;
 }
 
-// Without those of which each sixth of the first three has one at least half as long and as high in sum.
-Pairs NaiveUnusual(const Pairs& events, const std::vector<double>& deviations) {
-    const size_t half = deviations.size() / 2;
-    const auto sum = [&](const Pairs::value_type& event) {
-        double high = 0.0;
-        for (size_t i = event.first; i <= event.second; ++i) {
-            high += std::max(0.0, deviations[i]);
-        }
-        return high;
-    };
-    size_t early = 0;
-    Pairs left;
-    for (const Pairs::value_type& event : events) {
-        Positions thirds;
-        for (const Pairs::value_type& other : events) {
-            const bool isLong = 2 * (other.second - other.first + 1) > event.second - event.first;
-            if (other.first < half && isLong && 2 * sum(other) >= sum(event)) {
-                thirds.insert(other.first * 3 / half);
-            }
-        }
-        early += event.first < half ? 1 : 0;
-        thirds.size() < 3 ? left.push_back(event) : void();
-    }
-    return events.size() > 3 * early ? events : left;
-}
-
 // The events up to where the sum of what lies above half of their medians is largest.
 Pairs NaiveReach(const Pairs& events, const std::vector<double>& deviations) {
     Pairs wide;
@@ -192,7 +166,7 @@ Pairs NaiveEvents(const std::vector<double>& values) {
     for (const size_t i : inside) {
         Join({i, i}, events);
     }
-    return NaiveReach(NaiveUnusual(NaiveUnlikely(events, deviations), deviations), deviations);
+    return NaiveReach(NaiveUnlikely(events, deviations), deviations);
 }
 
 TEST(Explain, FindsTheEventsOfTheNaiveRule) {
