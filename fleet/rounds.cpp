@@ -65,6 +65,10 @@ Outcome AskTwice(Source& source) {
         }
         TakeFindings(said, look.windows[window], outcome.fold.roles[node], asked[node]);
     });
+    auto& made = outcome.comparisons;
+    made.erase(std::remove_if(made.begin(), made.end(),
+                              [](const Comparison& comparison) { return comparison.delays.empty(); }),
+               made.end());
     outcome.nodes = std::move(asked);
     outcome.fold = FoldAnswers(outcome.nodes);
     return outcome;

@@ -142,7 +142,9 @@ public:
 
     std::vector<NodeAnswer> First() override {
         std::vector<NodeAnswer> answers;
-        for (auto& [host, answer] : AskHosts(hosts, Joined(OwnWords(), options.Times()), limits, nullptr)) {
+        cli::TerminalProgress progress(FIRST_LABEL);
+        for (auto& [host, answer] : AskHosts(hosts, Joined(OwnWords(), options.Times()), limits, nullptr,
+                                             [&](double done) { progress.Show(done); })) {
             answer.name = answer.isNamed ? answer.name : host;
             answers.push_back(std::move(answer));
         }
@@ -158,10 +160,15 @@ public:
                 byZone[answers[node].zoneOffset].push_back(hosts[node]);
             }
         }
+        cli::TerminalProgress progress(SECOND_LABEL);
         for (size_t window = 0; window < look.windows.size(); ++window) {
+            const auto show = [&](double done) {
+                progress.Show((static_cast<double>(window) + done) /
+                              static_cast<double>(look.windows.size()));
+            };
             for (const auto& [zone, some] : byZone) {
                 const Words words = Joined(OwnWords(), WindowWords(look.windows[window], zone));
-                for (auto& [host, answer] : AskHosts(some, words, limits, &look.points)) {
+                for (auto& [host, answer] : AskHosts(some, words, limits, &look.points, show)) {
                     const auto node = std::lower_bound(hosts.begin(), hosts.end(), host) - hosts.begin();
                     take(window, static_cast<size_t>(node), std::move(answer));
                 }

@@ -11,12 +11,16 @@
 #include <vector>
 
 #include "text/point_names.h"
+#include "text/zone.h"
 
 namespace fleet {
 namespace {
 
 constexpr int VERSION = 2;
 constexpr size_t MOST_CANDIDATES = 3;        // that are kept
+constexpr size_t MOST_EVENTS = 10000;        // of a node in one answer
+constexpr double MOST_DELAY = 1e15;          // microseconds; with more, sums would be no numbers
+constexpr double MOST_SHARE = 1.000001;      // as the answers have it
 constexpr int64_t LAST_TIME = 253402300799;  // of the year 9999
 
 // All that is read, in the order of the alphabet.
@@ -54,6 +58,9 @@ std::string TextOf(const Json::Value& value) {
 
 // Its distance to the ends of the numbers leaves room to count.
 int64_t TimeOf(const Json::Value& time) {
+    if (!time["epoch"].isInt64()) {
+        throw AnswerError("a time is none");
+    }
     const int64_t epoch = time["epoch"].asInt64();
     if (epoch < 0 || epoch > LAST_TIME) {
         throw AnswerError("a time lies outside of the years 1970 to 9999");
@@ -61,14 +68,20 @@ int64_t TimeOf(const Json::Value& time) {
     return epoch;
 }
 
-// "+08:00" in seconds.
-int64_t OffsetOf(const std::string& zone) {
-    constexpr int64_t HOUR = 3600, MINUTE = 60;
-    if (zone.size() != 6 || zone.find_first_not_of("0123456789:+-") != std::string::npos) {
+int64_t ZoneOf(const std::string& zone) {
+    const std::optional<int64_t> offset = OffsetOf(zone);
+    if (!offset) {
         throw AnswerError("the zone of the range is none");
     }
-    const int64_t offset = std::stoi(zone.substr(1, 2)) * HOUR + std::stoi(zone.substr(4)) * MINUTE;
-    return zone[0] == '-' ? -offset : offset;
+    return *offset;
+}
+
+double NumberOf(const Json::Value& value, double least, double most) {
+    const double number = value.asDouble();
+    if (!(number >= least && number <= most)) {
+        throw AnswerError("a delay or a share lies beyond all that there are");
+    }
+    return number;
 }
 
 std::optional<Delay> DelayOf(const Json::Value& nodes, const Json::Value& position) {
@@ -78,13 +91,15 @@ std::optional<Delay> DelayOf(const Json::Value& nodes, const Json::Value& positi
     const Json::Value& node = nodes[position.asUInt()];
     const Json::Value& now = node["event_delay_us"];
     const Json::Value& usual = node["baseline_delay_us"];
-    return now.isNumeric() && usual.isNumeric() ? std::optional<Delay>({now.asDouble(), usual.asDouble()})
-                                                : std::nullopt;
+    return now.isNumeric() && usual.isNumeric()
+               ? std::optional<Delay>(
+                     {NumberOf(now, -MOST_DELAY, MOST_DELAY), NumberOf(usual, -MOST_DELAY, MOST_DELAY)})
+               : std::nullopt;
 }
 
 void TakeCandidate(const Json::Value& value, const Json::Value& nodes, Finding& finding) {
     const Candidate candidate = {TextOf(value["point"]), TextOf(value["graph"]), TextOf(value["advice"]),
-                                 value["share"].asDouble(), DelayOf(nodes, value["node"])};
+                                 NumberOf(value["share"], 0.0, MOST_SHARE), DelayOf(nodes, value["node"])};
     if (WaitsForNodes(candidate.point)) {
         finding.waiting += candidate.share;
         if (candidate.share > finding.waitsAt.share) {
@@ -105,6 +120,9 @@ void TakeCandidate(const Json::Value& value, const Json::Value& nodes, Finding& 
 void TakeEvent(const Json::Value& event, Finding& finding) {
     if (event.isObject()) {
         finding.window = {TimeOf(event["start"]), TimeOf(event["end"])};
+        if (finding.window->end < finding.window->start) {
+            throw AnswerError("an event ends before it begins");
+        }
     }
 }
 
@@ -168,10 +186,13 @@ NodeAnswer AnswerOf(const Json::Value& document, const std::set<std::string>* po
     if (!document.isObject() || document["version"] != VERSION || !document["analyses"].isArray()) {
         throw AnswerError("it is no answer of zorv-explain --json of version " + std::to_string(VERSION));
     }
+    if (document["analyses"].size() > MOST_EVENTS) {
+        throw AnswerError("it has more than " + std::to_string(MOST_EVENTS) + " analyses");
+    }
     NodeAnswer answer;
     answer.name = TextOf(document["node"]);
     answer.isNamed = !answer.name.empty();
-    answer.zoneOffset = OffsetOf(TextOf(document["range"]["zone"]));
+    answer.zoneOffset = ZoneOf(TextOf(document["range"]["zone"]));
     const Json::Value& coverage = document["coverage"];
     answer.step =
         coverage["step_seconds"].isInt() ? std::clamp(coverage["step_seconds"].asInt(), 0, 3600) : 0;
@@ -192,6 +213,9 @@ NodeAnswer AnswerOf(const Json::Value& document, const std::set<std::string>* po
 }  // namespace
 
 NodeAnswer ReadAnswer(std::string_view json, const std::set<std::string>* points) {
+    if (json.size() >= MOST_ANSWER_BYTES) {
+        throw AnswerError("it is longer than any answer of zorv-explain");
+    }
     const std::string kept = KeptMembers(json, Names());
     Json::CharReaderBuilder builder;
     builder["collectComments"] = false;

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <set>
 #include <stdexcept>
@@ -24,15 +25,17 @@ struct HostLimits {
     std::chrono::seconds time{0};  // for each; none when 0
 };
 
-// The hosts of `file`, a line each as parallel's --sshloginfile takes them: ":" is this machine, "#" begins a
-// comment. Throws HostsError for a file that cannot be read or has none.
+// The hosts of `file`, a line each, or several with commas, as parallel's --sshloginfile takes them: ":" is
+// this machine, "#" begins a comment. Throws HostsError for a file that cannot be read or has none.
 std::vector<std::string> ReadHosts(const std::string& file);
 
 // Runs zorv-explain with the words on each host; it is looked for in PATH there. Returns the answers by host;
-// those of hosts that cannot be reached have a failure. `points` as ReadAnswer() takes them. Blocks until all
-// have ended. Throws HostsError where there is no GNU parallel.
+// those of hosts that cannot be reached have a failure. `points` as ReadAnswer() takes them; `progress` is
+// told which part of the hosts has ended. ssh asks nobody for anything. Blocks until all have ended. Throws
+// HostsError where there is no GNU parallel.
 std::map<std::string, NodeAnswer> AskHosts(const std::vector<std::string>& hosts,
                                            const std::vector<std::string>& words, const HostLimits& limits,
-                                           const std::set<std::string>* points);
+                                           const std::set<std::string>* points,
+                                           const std::function<void(double)>& progress);
 
 }  // namespace fleet

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "fleet/answers/answer_reader.h"
 #include "fleet/collecting/reply.h"
 #include "host/process/child.h"
 
@@ -13,13 +14,12 @@ namespace fleet {
 namespace {
 
 constexpr const char* PROGRAM = "zorv-explain";
-constexpr size_t MOST_BYTES = size_t{1} << 26;  // of a document: a few kilobytes are usual
 
 Reply Run(const std::vector<std::string>& words, std::chrono::seconds time) {
     Reply reply;
     try {
         const zorv::ChildEnd end = zorv::RunChild(zorv::ProgramBeside(PROGRAM), words,
-                                                  {&reply.output, &reply.errors}, {time, MOST_BYTES});
+                                                  {&reply.output, &reply.errors}, {time, MOST_ANSWER_BYTES});
         reply.status = end.status;
         if (end.isLate) {
             reply.failure =

@@ -7,7 +7,8 @@ namespace {
 
 constexpr size_t MOST_BYTES = 400;  // of a failure
 
-// Without the program's name, which is always the same.
+}  // namespace
+
 std::string LastLineOf(const std::string& text) {
     constexpr const char* LEAD = "zorv-explain: ";
     const size_t end = text.find_last_not_of(" \t\r\n");
@@ -18,8 +19,6 @@ std::string LastLineOf(const std::string& text) {
     const std::string line = text.substr(begin, end + 1 - begin);
     return (line.rfind(LEAD, 0) == 0 ? line.substr(std::string(LEAD).size()) : line).substr(0, MOST_BYTES);
 }
-
-}  // namespace
 
 NodeAnswer FailedAnswer(const std::string& why, int status) {
     NodeAnswer answer;

@@ -20,6 +20,9 @@ struct Reply {
 // `points` as ReadAnswer() takes them.
 NodeAnswer AnswerOf(const Reply& reply, const std::set<std::string>* points = nullptr);
 
+// The last line of what a program printed, bounded and without zorv-explain's name; empty: there is none.
+std::string LastLineOf(const std::string& text);
+
 // An answer that is none.
 NodeAnswer FailedAnswer(const std::string& why, int status = NO_DATA);
 

@@ -1,6 +1,8 @@
 #include "fleet/folding/incident.h"
 
 #include <algorithm>
+#include <functional>
+#include <map>
 #include <set>
 #include <tuple>
 
@@ -22,8 +24,11 @@ bool CountsMore(const Role& one, const Role& other) {
 }
 
 bool IsStronger(const Role& one, const Role& other) {
-    return std::make_tuple(one.kind, -one.extra, one.window.start, one.node) <
-           std::make_tuple(other.kind, -other.extra, other.window.start, other.node);
+    const auto key = [](const Role& role) {
+        return std::make_tuple(role.kind, -role.extra, role.window.start, role.node,
+                               std::cref(role.at.point));
+    };
+    return key(one) < key(other);
 }
 
 std::set<size_t> NodesOf(const std::vector<Role>& roles) {
@@ -32,6 +37,30 @@ std::set<size_t> NodesOf(const std::vector<Role>& roles) {
         nodes.insert(role.node);
     }
     return nodes;
+}
+
+// How many nodes are slow at one moment at most, when each goes on for `slack` seconds more: windows may
+// chain up to an incident that nobody is in from its begin to its end.
+size_t MostAtOnce(const Incident& incident, int64_t slack) {
+    std::vector<std::tuple<int64_t, bool, size_t>> turns;  // when, whether it ends, and the node
+    for (const auto* roles : {&incident.causes, &incident.symptoms}) {
+        for (const Role& role : *roles) {
+            turns.emplace_back(role.window.start, false, role.node);
+            turns.emplace_back(role.window.end + slack, true, role.node);
+        }
+    }
+    std::sort(turns.begin(), turns.end());
+    std::map<size_t, int> slow;
+    size_t most = 0;
+    for (const auto& [time, isEnd, node] : turns) {
+        int& events = slow[node];
+        events += isEnd ? -1 : 1;
+        if (events == 0) {
+            slow.erase(node);
+        }
+        most = std::max(most, slow.size());
+    }
+    return most;
 }
 
 // Makes incidents of roles, those that count most first: each takes its place in an incident that it meets,
@@ -111,7 +140,8 @@ private:
         std::sort(incident.loaded.begin(), incident.loaded.end());
         incident.loaded.erase(std::unique(incident.loaded.begin(), incident.loaded.end()),
                               incident.loaded.end());
-        incident.isShared = IsShared(incident);
+        const size_t atOnce = MostAtOnce(incident, slack);
+        incident.atOnce = IsShared(incident, atOnce) ? atOnce : 0;
     }
 
     template <typename Identity>
@@ -127,9 +157,9 @@ private:
                     roles.end());
     }
 
-    bool IsShared(const Incident& incident) const {
+    bool IsShared(const Incident& incident, size_t atOnce) const {
         const size_t causes = NodesOf(incident.causes).size();
-        if (answered < FEWEST_AT_ONCE || incident.NodeCount() * 2 <= answered) {
+        if (answered < FEWEST_AT_ONCE || atOnce * 2 <= answered) {
             return false;
         }
         return causes == 0 || (causes * 2 > answered && !IsOneAhead(incident.causes));

@@ -12,7 +12,7 @@ namespace fleet {
 struct Incident {
     Window window;  // of its causes; of its symptoms where there is no cause
     bool isOngoing = false;
-    bool isShared = false;       // more than half of the nodes at once, none ahead of the others
+    size_t atOnce = 0;           // nodes, where it is more than half of all and none is ahead; else 0
     std::vector<Role> causes;    // the likeliest and strongest first
     std::vector<Role> symptoms;  // the strongest first; a node that is a cause is none
     std::vector<size_t> loaded;  // nodes that were under load at the time, by position

@@ -1,6 +1,7 @@
 #include "fleet/folding/role.h"
 
 #include <algorithm>
+#include <functional>
 #include <tuple>
 
 namespace fleet {
@@ -21,18 +22,26 @@ bool ExplainsMore(const Finding& one, const Finding& other) {
 
 // One finding for each event of each point.
 std::vector<const Finding*> BestOf(const std::vector<Finding>& findings) {
-    std::vector<const Finding*> best;
+    std::vector<const Finding*> told;
     for (const Finding& finding : findings) {
-        if (!finding.IsAnswer() || !finding.window) {
-            continue;
+        if (finding.IsAnswer() && finding.window) {
+            told.push_back(&finding);
         }
-        const auto same = std::find_if(best.begin(), best.end(), [&](const Finding* one) {
-            return one->point == finding.point && one->window->Meets(*finding.window);
-        });
-        if (same == best.end()) {
-            best.push_back(&finding);
-        } else if (ExplainsMore(finding, **same)) {
-            *same = &finding;
+    }
+    const auto key = [](const Finding* finding) {
+        return std::make_tuple(std::cref(finding->point), finding->window->start, -finding->window->end,
+                               std::cref(finding->graph));
+    };
+    std::stable_sort(told.begin(), told.end(),
+                     [&](const Finding* one, const Finding* other) { return key(one) < key(other); });
+    std::vector<const Finding*> best;
+    for (const Finding* const finding : told) {
+        const bool isNew = best.empty() || best.back()->point != finding->point ||
+                           !best.back()->window->Meets(*finding->window);
+        if (isNew) {
+            best.push_back(finding);
+        } else if (ExplainsMore(*finding, *best.back())) {
+            best.back() = finding;
         }
     }
     return best;

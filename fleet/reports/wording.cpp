@@ -103,7 +103,7 @@ std::vector<Line> SymptomLines(const Incident& incident, const Outcome& outcome)
 const char* const NO_CAUSE = "waits for other nodes; none of those given is slow itself";
 
 std::string SharedOf(const Incident& incident, const Outcome& outcome) {
-    return std::to_string(incident.NodeCount()) + " of " + Counted(outcome.fold.answered, "node") +
+    return std::to_string(incident.atOnce) + " of " + Counted(outcome.fold.answered, "node") +
            " at once, none ahead of the others: look at what they share";
 }
 
@@ -111,7 +111,7 @@ std::vector<std::string> SentencesOf(const Incident& incident, const Outcome& ou
     const Role& first = FirstOf(incident);
     const std::string node = outcome.nodes[first.node].name;
     const std::string since = SinceOf(first.window, first.isOngoing, outcome.nodes[first.node].zoneOffset);
-    if (incident.isShared) {
+    if (incident.atOnce > 0) {
         return {SharedOf(incident, outcome) + ", " + since + "."};
     }
     if (incident.causes.empty()) {
@@ -222,7 +222,7 @@ std::string TitleOf(const Incident& incident, const Outcome& outcome) {
 
 std::vector<Line> LinesOf(const Incident& incident, const Outcome& outcome) {
     std::vector<Line> lines;
-    if (incident.isShared) {
+    if (incident.atOnce > 0) {
         lines.push_back({"all", SharedOf(incident, outcome)});
     }
     for (size_t i = 0; i < std::min(incident.causes.size(), MOST_NAMES); ++i) {

@@ -126,7 +126,7 @@ private:
     int killed = 0;
 };
 
-void ReadAll(const Pipes& pipes, Deadline& deadline) {
+void ReadAll(const Pipes& pipes, Deadline& deadline, const std::function<void()>& onMore) {
     for (;;) {
         std::vector<pollfd> open;
         for (const auto& pipe : pipes) {
@@ -145,6 +145,9 @@ void ReadAll(const Pipes& pipes, Deadline& deadline) {
             if (ready != open.end()) {
                 pipe->Read();
             }
+        }
+        if (onMore) {
+            onMore();
         }
     }
 }
@@ -188,7 +191,7 @@ ChildEnd RunChild(const std::string& program, const std::vector<std::string>& ar
         }
     }
     Deadline deadline(child, limits.time);
-    ReadAll(pipes, deadline);
+    ReadAll(pipes, deadline, streams.onMore);
     return WaitFor(child, deadline);
 }
 }  // namespace zorv

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,7 @@ namespace zorv {
 struct ChildStreams {
     std::string* output = nullptr;
     std::string* errors = nullptr;
+    std::function<void()> onMore = nullptr;  // called, if any, when more may have been appended
 };
 
 struct ChildLimits {

@@ -73,6 +73,7 @@ class Fleet(ConsoleTest):
                 ("no cause", [waits("b"), waits("c"), *fine], [("", f"b {ACK}, c {ACK}")], alone),
                 ("all at once", three + [waits("d"), fine[0]], [(f"b {DISK}, a {DISK}, c {DISK}", "d " + ACK)], "4 of 5 nodes at once, none ahead"),
                 ("one ahead", three + [slow("d", extra=9000), fine[0]], [(f"d {DISK}, b {DISK}, a {DISK}, c {DISK}", "")], "d is slow"),
+                ("never all at once", [slow(name, 250 * i, end=250 * i + 300) for i, name in enumerate("abcdef")], [(", ".join(f"{i} {DISK}" for i in "abcdef"), "")], "a is slow"),
                 ("all wait", [waits("b"), waits("c"), fine[0]], [("", f"b {ACK}, c {ACK}")], "2 of 3 nodes at once"),
                 ("most wait for one", [slow("a"), *[waits(name) for name in "bcd"], fine[0]], [("a " + DISK, ", ".join(f"{i} {ACK}" for i in "bcd"))], "a is slow"),
                 ("unexplained", [itself("a"), *fine], [("a " + HOST, "")], "no point below it says why"),
@@ -106,9 +107,10 @@ class Fleet(ConsoleTest):
         good, time_of = answer("a"), '"epoch": %d' % T
         for line, said in (("{", "ends too early"), ("{}", "no answer of zorv-explain"), ("[1]", "no answer of"), ("nonsense", "no JSON"),
                            (good.replace('"version": 2', '"version": 1'), "no answer of zorv-explain --json of version 2"), ('{"a": "', "within a text"),
-                           ("[" * 99999, "nested too deep"), (good + good, "more than one"), (good.replace("+08:00", "UTC"), "zone"),
+                           ("[" * 99999, "nested too deep"), (good + good, "more than one"), *[(good.replace("+08:00", zone), "zone") for zone in ("UTC", "::::::", "+99:99")],
                            (answer("a", (0, 1, 1, SURE, {DISK: 1})).replace(time_of, '"epoch": -1'), "a time lies outside"),
-                           (answer("a", (0, 1, 1, SURE, {DISK: 1})).replace(time_of, '"epoch": "x"'), "no answer of zorv-explain: "),
+                           (answer("a", (0, 1, 1, SURE, {DISK: 1})).replace(time_of, '"epoch": "x"'), "a time is none"), (answer("a", (1, 0, 1, SURE, {DISK: 1})), "before it begins"),
+                           (answer("a", (0, 1, 1e300, SURE, {DISK: 1})), "beyond all"), (answer("a", *[(0, 1, 1, SURE, {})] * 10001), "more than 10000"),
                            (good.replace('"analyses": []', '"analyses": [3]'), "no answer of zorv-explain: ")):
             with self.subTest(said):
                 status, out, err = self.fleet("--fold", "--json", lines=f"{line}\n\n{answer('b')}\n")
@@ -173,14 +175,14 @@ class Fleet(ConsoleTest):
         nodes = {node["node"]: node["verdict"] for node in json.loads(out)["nodes"]}
         self.assertEqual((status, nodes), (0, {":": "point", "nobody@host.invalid": "no answer"}), err)
         self.assertEqual(json.loads(out)["incidents"][0]["causes"][0]["point"], DISK)
-        self.assertRegex(err, "^zorv-fleet: nobody@host.invalid: .+\n$")
+        self.assertRegex(err, "^zorv-fleet: nobody@host.invalid: not reached, or no answer within 600 s: .+(?<!host.invalid)\n$")
         # What ssh does, on this machine: its options, a host, and words that a shell puts together, the one that SHELL names there.
         (self.root / "ssh").write_text('#!/bin/sh\nwhile [ "$1" != "${1#-}" ]; do [ "$1" != -l ] || shift; shift; done\nshift\n[ "$1" != -- ] || shift\nSHELL=/bin/sh exec sh -c "$*"\n')
         (self.root / "ssh").chmod(0o755)
-        hosts.write_text("nodeA\n2/user@nodeB\n2/:\n")
+        hosts.write_text("nodeA,@group/2/user@nodeB\n2/:\n")
         status, out, err = self.fleet("--json", "--hosts", hosts, "--root", self.root, *RANGE, env={**path, "PATH": f"{self.root}:{path['PATH']}"})
         self.assertEqual((status, {node["node"]: node["verdict"] for node in json.loads(out)["nodes"]}),
-                         (0, dict.fromkeys(["nodeA", "2/user@nodeB", "2/:"], "point")), err)
+                         (0, dict.fromkeys(["nodeA", "@group/2/user@nodeB", "2/:"], "point")), err)
         self.assertEqual(json.loads(out)["nodes"][0]["candidates"][0]["peers"]["nodes"], 3)
         fake = self.root / "parallel"
         for text, said in ((None, "cannot run parallel: No such file"), ("#!/bin/sh\necho other\n", "is another one")):
