@@ -1,4 +1,5 @@
 """Three nodes on one machine: one switch, whoever asks; and what they do without the master."""
+import contextlib
 import signal
 import socket
 import subprocess
@@ -36,8 +37,9 @@ class Cluster(ConsoleTest):
     def say(self, node, line):
         """The screen of one command line; the text of a complaint begins with its number."""
         began = time.monotonic()
-        self.nodes[node].stdin.write(f"{line}\nhelp quit\n")
-        self.nodes[node].stdin.flush()
+        with contextlib.suppress(BrokenPipeError):  # what it said at its end tells more
+            self.nodes[node].stdin.write(f"{line}\nhelp quit\n")
+            self.nodes[node].stdin.flush()
         screen = ""
         while not screen.endswith(MARK):
             screen += self.nodes[node].stdout.readline() or self.fail(screen)
