@@ -144,7 +144,7 @@ def check():
         if not rows:
             continue  # nobody could see it: nothing is to be told
         begin, end = rows[0][0], rows[-1][0]
-        # A fault of a single row is told when it is over; the first rows of a fault may have gone with a database.
+        # A fault of a single row is told when it is over; a begin is right from the fault's own on.
         if find(point, rows, ("slow", "was slow"), fault, begin, begin if len(rows) > 2 else end) == "slow":
             find(point, rows, ("usual",), end, end, end)
     for when, change in left:
