@@ -31,8 +31,9 @@ struct Request {
     Question question;
     std::vector<PointRequest> points;  // each once
     std::optional<std::string> graph;
-    bool wantsErrors = true;  // of all points: no point was named
-    int64_t zoneOffset = 0;   // seconds east of UTC, of all local times
+    bool wantsErrors = true;     // of all points: no point was named
+    bool isCrossChecked = true;  // its answers are
+    int64_t zoneOffset = 0;      // seconds east of UTC, of all local times
 };
 
 // Reads the times and points of the command line; what was understood of words such as "-30m" is told on

@@ -193,6 +193,9 @@ private:
         const std::vector<Event> events = EventsToExplain(question, look, samples);
         for (const Event& event : events) {
             report.analyses.push_back(Explain(question, look, graph, world, event));
+            if (request.isCrossChecked && report.analyses.back().HasAnswer()) {
+                CrossCheck(question, look, report.analyses.back());
+            }
         }
         if (!events.empty()) {
             return;

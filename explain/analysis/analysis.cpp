@@ -243,12 +243,9 @@ std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates
     return modules;
 }
 
-void Answer(const Stretches& baseline, Analysis& analysis) {
-    const Event& event = *analysis.event;
+void Answer(Analysis& analysis) {
     analysis.modules = ModuleSharesOf(analysis.candidates);
     analysis.certainty = CertaintyOf(analysis);
-    analysis.trials = TrialsOf(*analysis.world, event, baseline, *analysis.baseline);
-    analysis.walk = WalkAround(analysis.point, analysis.graph, event.peakTime);
     const auto isLoad = [&](size_t node) { return analysis.findings[node].evidence.nature == Nature::LOAD; };
     analysis.verdict = isLoad(0) && isLoad(analysis.candidates.front().node) ? Verdict::LOAD : Verdict::POINT;
 }
@@ -312,8 +309,16 @@ Analysis Explain(const Question& question, const Look& look, const std::string& 
         return analysis;
     }
     analysis.isWeak = IsWeak(look, event, top);
-    Answer(baseline, analysis);
+    Answer(analysis);
     return analysis;
+}
+
+void CrossCheck(const Question& question, const Look& look, Analysis& analysis) {
+    const Event& event = *analysis.event;
+    const Samples& samples = analysis.world->points.at(look.point).samples;
+    const Stretches baseline = BaselineOf(samples, look.finding, event, question.baseline);
+    analysis.trials = TrialsOf(*analysis.world, event, baseline, *analysis.baseline);
+    analysis.walk = WalkAround(analysis.point, analysis.graph, event.peakTime);
 }
 
 ChanceFlags CountFlags(const std::map<std::string, PointData>& points, const Window& range) {

@@ -96,8 +96,8 @@ struct Analysis {
     std::vector<Candidate> candidates;  // by share, the largest first
     std::vector<ModuleShare> modules;   // likewise
     Certainty certainty = Certainty::UNSURE;  // of an answer
-    std::vector<Trial> trials;                // six, for an answer
-    std::optional<Walk> walk;                 // for an answer
+    std::vector<Trial> trials;                // six, for an answer that was cross-checked
+    std::optional<Walk> walk;                 // likewise
 
     bool HasAnswer() const { return verdict == Verdict::POINT || verdict == Verdict::LOAD; }
     // Whether the slow point itself comes first of an answer: there is no cause to be sure of.
@@ -113,10 +113,13 @@ struct Analysis {
 std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples);
 constexpr size_t MOST_EVENTS = 8;
 
-// Explains an event of the point at the top of the world, which stands in `graph`. Blocks on the database,
-// for the plug-in's own walk.
+// Explains an event of the point at the top of the world, which stands in `graph`.
 Analysis Explain(const Question& question, const Look& look, const std::string& graph,
                  const std::shared_ptr<const GraphWorld>& world, const Event& event);
+
+// Adds to an answer of Explain() what others say: the trials, and the plug-in's own walk. That takes longer
+// than the answer. Blocks on the database, for the walk.
+void CrossCheck(const Question& question, const Look& look, Analysis& analysis);
 
 // The three-sigma flags of all points in a range, and how many of as many normal samples would be flagged by
 // chance.
