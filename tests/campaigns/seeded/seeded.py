@@ -31,7 +31,7 @@ class Fault:
         self.name, self.file = values["fault"][0], values["file"][0]
         self.changes = dict(zip(values["old"], values["new"]))
         self.preset = values.get("preset", ["dev"])[0]
-        self.target, self.tests = values["test"][0].split(" ", 1)
+        *self.targets, self.tests = values["test"][0].split()
 
     def applies(self):
         """Whether each old text is there exactly once."""
@@ -67,7 +67,8 @@ class Copy:
         """Builds the copy without a fault; what is wrong with the faults' tests there, or None."""
         # A fault may leave a variable unused: the compiler must not be the one to catch it.
         run = self.run("cmake", "--preset", preset, "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_COMPILE_WARNING_AS_ERROR=OFF")
-        if run.returncode or (run := self.build(preset, {fault.target for fault in faults})).returncode:
+        targets = {target for fault in faults for target in fault.targets}
+        if run.returncode or (run := self.build(preset, targets)).returncode:
             return run.stdout
         listed = self.run("ctest", "--preset", preset, "--show-only=json-v1").stdout
         names = [test["name"] for test in json.loads(listed[listed.index("{"):])["tests"]]
@@ -80,7 +81,7 @@ class Copy:
         path = self.path / fault.file
         text = path.read_text()
         path.write_text(fault.broken(text))
-        run = self.build(fault.preset, [fault.target])
+        run = self.build(fault.preset, fault.targets)
         built = run.returncode == 0
         if built:
             run = self.test(fault.preset, fault.tests)
