@@ -118,7 +118,7 @@ public:
         if (failures > 0 && failures == subjects && report.errors.empty()) {
             throw NoData(*report.analyses.back().reason);
         }
-        PutCausesFirst(report.analyses);
+        SortAnswers(report.analyses);
         report.coverage = CoverageOf(store.Points(), question.range);
         const bool isAnswered = std::any_of(report.analyses.begin(), report.analyses.end(),
                                             [](const Analysis& analysis) { return analysis.HasAnswer(); });

@@ -114,9 +114,10 @@ std::vector<Event> OnlyListedOf(const Analysis& analysis, const Report& report) 
 
 std::string AlsoListed(const Report& report, size_t position) {
     const Analysis& analysis = report.analyses[position];
-    const size_t next = position + 1;
-    const bool isLast = next == report.analyses.size() || report.analyses[next].point != analysis.point ||
-                        report.analyses[next].graph != analysis.graph;
+    const auto next = report.analyses.begin() + static_cast<std::ptrdiff_t>(position) + 1;
+    const bool isLast = std::none_of(next, report.analyses.end(), [&](const Analysis& other) {
+        return other.point == analysis.point && other.graph == analysis.graph;
+    });
     const size_t count = isLast ? OnlyListedOf(analysis, report).size() : 0;
     return count == 0 ? "" : "and " + Counted(count, "other event") + ", listed with each answer";
 }

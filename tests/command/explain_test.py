@@ -76,6 +76,14 @@ class Explain(ConsoleTest):
                          (0, 1, DISK, fault["start_epoch"]))
         self.assertNotIn("intervals without", text)
 
+    def test_what_goes_on_and_what_hosts_waited_for_longest_stand_first(self):
+        self.world("slow-disk")
+        end = self.truth["end_epoch"]
+        for point, begin, until, factor in (("CMD", 12000, 11000, 30), ("WRITE", 150, 0, 1.5)):
+            self.sql("update {table} set avgdelay = avgdelay * ? where curtime between ? and ? and locateid = (select locateid "
+                     f"from version_nmaps where locatename = 'TGT_LUMO_HOST_{point}')", factor, end - begin, end - until)
+        self.assertEqual([one["point"][14:] for one in self.explain(*self.range)[2]["analyses"]], ["WRITE", "CMD", "READ"])
+
     def test_a_subject_without_data_leaves_the_others_their_answers(self):
         self.world("nas-slow")
         graphs = json.loads((self.root / CONFIG).read_text())
