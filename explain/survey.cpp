@@ -7,6 +7,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include "explain/analysis/gaps.h"
 #include "explain/analysis/order.h"
 #include "explain/analysis/own_delay.h"
 #include "explain/errors/error_analysis.h"
@@ -185,6 +186,7 @@ private:
             throw NoData(found->second);
         }
         const auto world = std::make_shared<GraphWorld>(Load(look.point, graph));
+        FillGaps(store.Points(), *world);
         FillOwnDelays(*world);
         const Samples& samples = world->points.at(look.point).samples;
         if (look.samples == 0) {

@@ -220,7 +220,7 @@ std::optional<Reason> WhyNot(const Evidence& top) {
 
 Certainty CertaintyOf(const Analysis& analysis) {
     const std::vector<Candidate>& candidates = analysis.candidates;
-    return analysis.event->first == analysis.event->last || analysis.MayBeElsewhere()
+    return analysis.event->first == analysis.event->last || analysis.MayBeElsewhere() || analysis.MayBeBelow()
                ? Certainty::UNSURE
                : CertaintyOfShares(candidates.front().share,
                                    candidates.size() > 1 ? candidates[1].share : 0.0);
@@ -257,6 +257,18 @@ Certainty CertaintyOfShares(double first, double second) {
         return Certainty::UNSURE;
     }
     return first < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
+}
+
+bool Analysis::MayBeBelow() const {
+    const size_t first = candidates.front().node;
+    std::vector<size_t> below = world->nodes[first].children;
+    if (const auto next = world->handOvers.find(first); next != world->handOvers.end()) {
+        below.push_back(next->second);
+    }
+    return std::any_of(below.begin(), below.end(), [&](size_t node) {
+        return !world->points.at(world->nodes[node].point).complete.empty() &&
+               findings[node].evidence.eventCount * 2 < findings.front().evidence.eventCount;
+    });
 }
 
 size_t Analysis::Agreements() const {

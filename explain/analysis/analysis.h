@@ -104,6 +104,8 @@ struct Analysis {
     bool NamesItself() const { return candidates.front().point == point; }
     // Whether what it names itself for may be the part of a graph that could not be read.
     bool MayBeElsewhere() const { return NamesItself() && !world->unread.empty(); }
+    // Whether a point right below the first candidate, which else has rows, lacks most of the event's.
+    bool MayBeBelow() const;
     // How many trials put the first candidate first.
     size_t Agreements() const;
 };

@@ -77,12 +77,13 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
 // point takes part.
 void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, const Window& event,
                  Evidence& evidence) {
-    const auto [first, end] = PositionsIn(point.samples, event);
+    const Samples& samples = point.Complete();
+    const auto [first, end] = PositionsIn(samples, event);
     double deviations = 0.0;
     double excess = 0.0;
     double ownExcess = 0.0;
     for (size_t i = first; i < end; ++i) {
-        const Sample& sample = point.samples[i];
+        const Sample& sample = samples[i];
         const double deviation = usual.Deviations(sample.delay);
         deviations += deviation;
         excess += sample.requests * (sample.delay - usual.median);
@@ -183,14 +184,15 @@ double NeededBelow(const Evidence& top) {
 Evidence BriefEvidenceOf(const PointData& point, const Stretches& baseline, const Window& event,
                          double needed) {
     const Samples during = SamplesIn(point.samples, {event});
-    std::vector<double> own = ValuesIn(point.samples, point.own, baseline);
+    const Samples before = SamplesIn(point.samples, baseline);
+    std::vector<double> own = ValuesIn(point.Complete(), point.own, baseline);
     Evidence evidence;
-    evidence.baselineCount = own.size();
+    evidence.baselineCount = before.size();
     evidence.eventCount = during.size();
-    if (own.size() < FEWEST_BASELINE || during.empty()) {
+    if (before.size() < FEWEST_BASELINE || during.empty()) {
         return evidence;
     }
-    const Usual usual = UsualOf(DelaysOf(SamplesIn(point.samples, baseline)));
+    const Usual usual = UsualOf(DelaysOf(before));
     evidence.baselineDelay = usual.median;
     evidence.eventDelay = MeanOf(DelaysOf(during));
     if (!point.isObservation) {

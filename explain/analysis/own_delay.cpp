@@ -51,14 +51,15 @@ void ForCommonTimes(const Samples& a, const Samples& b, const Visit& with) {
 // What each sample of a point takes of the time of one request of those that wait for it.
 std::vector<double> TakenPerRequest(const GraphWorld& world, const PointData& point,
                                     const std::set<std::string>& callers) {
-    std::vector<double> requests(point.samples.size(), 0.0);
+    std::vector<double> requests(point.Complete().size(), 0.0);
     for (const std::string& caller : callers) {
-        const Samples& samples = world.points.at(caller).samples;
-        ForCommonTimes(point.samples, samples,
+        const Samples& samples = world.points.at(caller).Complete();
+        ForCommonTimes(point.Complete(), samples,
                        [&](size_t own, size_t other) { requests[own] += samples[other].requests; });
     }
     for (size_t i = 0; i < requests.size(); ++i) {
-        const double time = point.samples[i].requests * point.samples[i].delay;
+        const Sample& sample = point.Complete()[i];
+        const double time = sample.requests * sample.delay;
         requests[i] = requests[i] > 0.0 ? time / requests[i] : 0.0;
     }
     return requests;
@@ -69,14 +70,14 @@ std::vector<double> TakenPerRequest(const GraphWorld& world, const PointData& po
 void FillOwnDelays(GraphWorld& world) {
     const std::map<std::string, Neighbours> neighbours = NeighboursOf(world);
     for (auto& [name, data] : world.points) {
-        data.own = DelaysOf(data.samples);
+        data.own = DelaysOf(data.Complete());
     }
     for (const auto& [name, its] : neighbours) {
         const PointData& below = world.points.at(name);
         const std::vector<double> taken = TakenPerRequest(world, below, its.callers);
         for (const std::string& caller : its.callers) {
             PointData& data = world.points.at(caller);
-            ForCommonTimes(data.samples, below.samples,
+            ForCommonTimes(data.Complete(), below.Complete(),
                            [&](size_t own, size_t other) { data.own[own] -= taken[other]; });
         }
     }

@@ -19,10 +19,13 @@ std::string CompactTime(int64_t time);
 // What the database holds of one point.
 struct PointData {
     Samples samples;
-    std::vector<double> own;     // by sample: the delay less what the points below took of it, per request
+    Samples complete;            // with estimates where rows are missing; empty where none are, see FillGaps
+    std::vector<double> own;     // of each sample of Complete(), per request: what no point below took of it
     size_t idle = 0;             // rows that were left out, see WithoutIdle
     bool isObservation = false;  // has delays but no requests
     bool hasGoneBack = false;    // the times did not ascend: they were put in order
+
+    const Samples& Complete() const { return complete.empty() ? samples : complete; }
 };
 
 // Loads time, delay and requests of points over some stretches of time, each point when it is first asked

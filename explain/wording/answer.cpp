@@ -172,6 +172,7 @@ std::string CertaintyOf(const Analysis& analysis) {
     }
     return word + (IsSingle(*analysis.event)   ? ": a single sample may be one slow request"
                    : analysis.MayBeElsewhere() ? ": another graph of the point could not be read"
+                   : analysis.MayBeBelow()     ? ": a point right below it lacks most rows of the event"
                    : analysis.candidates.front().share < MAJORITY ? ": no point holds half of it"
                                                                   : ": the second is close behind");
 }

@@ -76,6 +76,15 @@ class Explain(ConsoleTest):
                          (0, 1, DISK, fault["start_epoch"]))
         self.assertNotIn("intervals without", text)
 
+    def test_rows_that_are_missing_are_no_time_of_the_callers(self):
+        self.world("slow-disk")
+        fault = self.truth["fault"]
+        lost = "delete from {table} where locateid = (select locateid from version_nmaps where locatename = ?) and curtime "
+        for condition, expected in (("/ 30 % 3 > 0", (DISK, "sure")), ("between ? and ?", ("SPACE_BLOCK_BDM_READ", "unsure"))):
+            self.sql(lost + condition, DISK, *[fault["start_epoch"], fault["end_epoch"]][:2 * condition.count("and")])
+            first = self.explain(*self.range)[2]["analyses"][0]
+            self.assertEqual((first["candidates"][0]["point"], first["certainty"]), expected)
+
     def test_what_goes_on_and_what_hosts_waited_for_longest_stand_first(self):
         self.world("slow-disk")
         end = self.truth["end_epoch"]

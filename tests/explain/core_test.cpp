@@ -171,7 +171,7 @@ TEST(Explain, EvidenceOfAPoint) {
     };
     for (const auto& row : cases) {
         const auto [samples, event] = Written(row.letters);
-        const PointData point{samples, DelaysOf(samples), 0, row.isObservation, row.hasGoneBack};
+        const PointData point{samples, {}, DelaysOf(samples), 0, row.isObservation, row.hasGoneBack};
         Evidence top;
         top.eventCount = SamplesIn(samples, {event}).size();
         top.deviations = 5.0;

@@ -67,7 +67,7 @@ Sight SightOf(const std::string& letters) {
     if (letters.find('E') != std::string::npos) {
         sight.report.errors.push_back(ErrorsOf(letters));
     }
-    sight.report.coverage = CoverageOf({{POINT, {samples, {}, false, false}}}, sight.report.question.range);
+    sight.report.coverage = CoverageOf({{POINT, {samples, {}, {}, 0, false}}}, sight.report.question.range);
     return sight;
 }
 
