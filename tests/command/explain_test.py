@@ -74,6 +74,7 @@ class Explain(ConsoleTest):
         first = found["analyses"][0]
         self.assertEqual((status, len(found["analyses"]), first["candidates"][0]["point"], first["event"]["start"]["epoch"]),
                          (0, 1, DISK, fault["start_epoch"]))
+        self.assertGreater(first["nodes"][0]["baseline_delay_us"], 0)
         self.assertNotIn("intervals without", text)
 
     def test_rows_that_are_missing_are_no_time_of_the_callers(self):
