@@ -78,7 +78,7 @@ public:
                 report.looks.emplace_back().point = point.name;
             }
         }
-        report.coverage = CoverageOf(store.Points(), question.range);
+        report.coverage = Covered();
         if (unreadable.empty()) {
             CheckRows();
         }
@@ -115,11 +115,12 @@ public:
                 }
             }
         }
-        if (failures > 0 && failures == subjects && report.errors.empty()) {
+        if (failures > 0 && failures == subjects && report.errors.empty() &&
+            (request.isWatched || !IsAnyQuiet())) {
             throw NoData(*report.analyses.back().reason);
         }
         PutCausesFirst(report.analyses);
-        report.coverage = CoverageOf(store.Points(), question.range);
+        report.coverage = Covered();
         const bool isAnswered = std::any_of(report.analyses.begin(), report.analyses.end(),
                                             [](const Analysis& analysis) { return analysis.HasAnswer(); });
         if (report.coverage.IsPart() && !isAnswered) {
@@ -129,6 +130,13 @@ public:
     }
 
 private:
+    // Points with a bad value were looked at as well, and have no rows.
+    Coverage Covered() const {
+        Coverage coverage = CoverageOf(store.Points(), question.range);
+        coverage.points += unreadable.size();
+        return coverage;
+    }
+
     // Throws NoData when an answer would look like an all clear although nothing was looked at.
     void CheckRows() const {
         if (report.coverage.intervals == 0) {
@@ -169,6 +177,17 @@ private:
         return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS ||
                (when == PointRequest::IF_THERE && look.samples > 0) || !look.flagged.empty() ||
                !look.events.empty();
+    }
+
+    // Whether the report is worth something although nothing could be explained: that a point was not slow.
+    bool IsAnyQuiet() const {
+        for (size_t i = 0; i < report.looks.size(); ++i) {
+            const explain::Look& look = report.looks[i];
+            if (!IsAsked(request.points[i].when, look) && !look.finding.deviations.empty()) {
+                return true;
+            }
+        }
+        return false;
     }
 
     void AnalyseGuarded(const explain::Look& look, const std::string& graph) {

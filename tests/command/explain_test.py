@@ -90,6 +90,11 @@ class Explain(ConsoleTest):
         (self.root / CONFIG).write_text(json.dumps(graphs))
         _, _, found = self.explain(*self.range)
         self.assertEqual([one["graph"] for one in found["analyses"]], ["NAS_IO_NFSV4", "NAS_IO_SMB2", "NAS_IO_NFSV3"])
+        self.world("healthy")  # nothing but one bad value
+        self.sql(f"update {{table}} set avgdelay = 'x' where locateid = (select locateid from version_nmaps where locatename = '{POINT}')")
+        status, text, found = self.explain(*self.range)
+        self.assertEqual((status, [(one["point"], one["verdict"]) for one in found["analyses"]], "3 of 4 points" in text), (4, [(POINT, "cannot tell")], True))
+        self.assertEqual(self.run_explain("--point", POINT, *self.range)[0], 3)
 
     def test_all_graphs_of_a_point_are_one_division(self):
         """Its own part is larger than that of what both graphs have below it, and it is that in each."""

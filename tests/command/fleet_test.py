@@ -105,6 +105,9 @@ class Fleet(ConsoleTest):
 
     def test_what_is_no_answer(self):
         good, time_of = answer("a"), '"epoch": %d' % T
+        untold = answer("b", analyses=[{"point": HOST, "graph": graph, "verdict": "cannot tell", "reason": "a bad value"} for graph in "GH"])
+        status, out, err = self.fleet("--fold", lines=f"{good}\n{untold}\n")
+        self.assertEqual((status, err, "Of 1 node it cannot be told" in out), (4, f"zorv-fleet: b: {HOST} cannot be told: a bad value\n", True))
         for line, said in (("{", "ends too early"), ("{}", "no answer of zorv-explain"), ("[1]", "no answer of"), ("nonsense", "no JSON"),
                            (good.replace('"version": 2', '"version": 1'), "no answer of zorv-explain --json of version 2"), ('{"a": "', "within a text"),
                            ("[" * 99999, "nested too deep"), (good + good, "more than one"), *[(good.replace("+08:00", zone), "zone") for zone in ("UTC", "::::::", "+99:99")],
