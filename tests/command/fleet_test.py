@@ -3,6 +3,7 @@ import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import unittest
 import xml.etree.ElementTree as ElementTree
@@ -10,7 +11,7 @@ from pathlib import Path
 
 import jsonschema
 
-from console import BIN, ConsoleTest, cells
+from console import BIN, ConsoleTest, cells, eventually
 
 FLEET = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/fleet.schema.json").read_text()))
 RANGE = ("20230105103000", "20230105143000")
@@ -169,6 +170,17 @@ class Fleet(ConsoleTest):
             done = subprocess.run([self.root / "zorv-fleet", "--timeout", "1", self.root, *RANGE], capture_output=True, text=True)
             self.assertEqual((done.returncode, done.stderr), (4 if "exit 4" in str(script) else 3, f"zorv-fleet: {self.root.name}: {said}\n"))
             self.assertRegex(done.stdout, r"^0 nodes answered, 1 of 1 did not\n(.|\n)* no answer\n")
+        hosts, pids = self.root / "hosts", self.root / "pids"
+        hosts.write_text(":\n")
+        other.write_text(f"#!/bin/sh\necho $$ >>{pids}\nexec sleep 60\n")
+        other.chmod(0o755)
+        for words in ((self.root, self.root, *RANGE), ("--hosts", hosts, "60")):  # what was asked ends with whoever asks
+            pids.write_text("")
+            asking = subprocess.Popen([self.root / "zorv-fleet", "--jobs", "1", *words], env={**os.environ, "PATH": f"{self.root}:{os.environ['PATH']}"})
+            self.assertTrue(eventually(lambda: pids.read_text().endswith("\n")))
+            asking.terminate()
+            self.assertEqual(asking.wait(), -signal.SIGTERM)
+            self.assertTrue(eventually(lambda: not Path("/proc", pids.read_text().strip(), "exe").exists()))  # a zombie has none
 
     def test_hosts(self):
         self.simulate("--scenario", "slow-disk", "--end", RANGE[1])
