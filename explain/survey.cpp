@@ -47,15 +47,27 @@ Reason WhyNoRows(const Request& request) {
     return reason;
 }
 
-// The zone in which the tables are named, where their rows contradict the request's and agree with another.
+// In which of two zones the tables of the range are named. That further in the east finds those of both.
+int64_t ZoneIn(const Window& range, const std::vector<TableSpan>& tables, const ZoneChange& change) {
+    return range.end <= tables[change.first - 1].rows.end   ? change.before
+           : range.start >= tables[change.first].rows.start ? change.after
+                                                            : std::max(change.before, change.after);
+}
+
+// The zone in which the tables are named, where their rows contradict the request's and agree with another,
+// or with two.
 std::optional<Reason> WhyZone(const Request& request) {
-    const std::optional<int64_t> zone = ZoneOfTables(TableSpans(), request.zoneOffset);
-    if (!zone || *zone == request.zoneOffset) {
+    const std::vector<TableSpan> tables = TableSpans();
+    Reason reason{ReasonKind::ANOTHER_ZONE};
+    if (const std::optional<int64_t> zone = ZoneOfTables(tables, request.zoneOffset)) {
+        reason.zoneOffset = *zone;
+    } else if (const std::optional<ZoneChange> change = ZoneChangeOf(tables)) {
+        reason.zoneOffset = ZoneIn(request.question.range, tables, *change);
+        reason.otherZone = change->before + change->after - reason.zoneOffset;
+    } else {
         return std::nullopt;
     }
-    Reason reason{ReasonKind::ANOTHER_ZONE};
-    reason.zoneOffset = *zone;
-    return reason;
+    return reason.zoneOffset == request.zoneOffset ? std::nullopt : std::optional(reason);
 }
 
 // Answers one report's questions, point by point.
