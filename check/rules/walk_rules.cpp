@@ -46,7 +46,7 @@ const Json::Value& PlaceOf(const Node& node) {
 // Where walks begin of which there is no delay, or no count: at an observation point and at what only groups
 // others they fail.
 bool IsBlindRoot(const Graph& graph, const GraphWalk& walk, size_t node) {
-    const bool isEntry = std::count(walk.entries.begin(), walk.entries.end(), node) > 0;
+    const bool isEntry = std::count(walk.walkedEntries.begin(), walk.walkedEntries.end(), node) > 0;
     const bool isTop = !graph.handedOverBy.empty() && node == walk.top;
     const bool isBlind =
         graph.nodes[node].isModule || (graph.kind == GraphKind::FLOW && graph.nodes[node].IsObservation());
