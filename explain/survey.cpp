@@ -127,8 +127,7 @@ public:
                 }
             }
         }
-        if (failures > 0 && failures == subjects && report.errors.empty() &&
-            (request.isWatched || !IsAnyQuiet())) {
+        if (failures > 0 && failures == subjects && report.errors.empty() && !IsAnyQuiet()) {
             throw NoData(*report.analyses.back().reason);
         }
         PutCausesFirst(report.analyses);
@@ -139,6 +138,9 @@ public:
             CheckZone();
         }
         report.flags = CountFlags(store.Points(), question.range);
+        if (request.isWatched && !unreadable.empty()) {
+            throw NoData(unreadable.begin()->second);  // the report has what can be told
+        }
     }
 
 private:
