@@ -2,6 +2,8 @@
 #pragma once
 
 #define ZORV_ROUTE_CONFIG_FILE "/VRA/zorv/conf/route_config.json"
+// A route configuration that is nested deeper is refused, as one that is no JSON is; a graph nests five deep.
+#define ZORV_ROUTE_CONFIG_NESTING 200
 #define ZORV_HEAL_DATABASE_FILE "/VRA/data/zorv/zorv_heal.db"
 #define LUMO_DATA_DIRECTORY "/VRA/data/lumo/"
 #define LUMO_DATABASE_NAME "lumo_diagnose_data.db"

@@ -140,9 +140,10 @@ Request RequestOf(const Options& options, const LocalClock& clock) {
     request.graph = options.graph;
     request.wantsErrors = std::all_of(options.points.begin(), options.points.end(),
                                       [](const std::string& point) { return point == HOST_POINTS; });
+    request.isWatched = options.watch;
     // Neither a watch nor the overview in a terminal tells of it.
     request.isCrossChecked =
-        !options.watch && (!options.overview || options.json || options.html.has_value());
+        !request.isWatched && (!options.overview || options.json || options.html.has_value());
     request.zoneOffset = clock.zoneOffset;
     for (const PointRequest& point : request.points) {
         request.GraphsOf(point.name);  // so that a misspelt one is told before anything is loaded

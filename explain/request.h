@@ -33,6 +33,7 @@ struct Request {
     std::optional<std::string> graph;
     bool wantsErrors = true;     // of all points: no point was named
     bool isCrossChecked = true;  // its answers are
+    bool isWatched = false;      // look after look: one that cannot tell of a point has failed
     int64_t zoneOffset = 0;      // seconds east of UTC, of all local times
 };
 

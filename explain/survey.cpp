@@ -48,15 +48,27 @@ Reason WhyNoRows(const Request& request) {
     return reason;
 }
 
-// The zone in which the tables are named, where their rows contradict the request's and agree with another.
+// In which of two zones the tables of the range are named. That further in the east finds those of both.
+int64_t ZoneIn(const Window& range, const std::vector<TableSpan>& tables, const ZoneChange& change) {
+    return range.end <= tables[change.first - 1].rows.end   ? change.before
+           : range.start >= tables[change.first].rows.start ? change.after
+                                                            : std::max(change.before, change.after);
+}
+
+// The zone in which the tables are named, where their rows contradict the request's and agree with another,
+// or with two.
 std::optional<Reason> WhyZone(const Request& request) {
-    const std::optional<int64_t> zone = ZoneOfTables(TableSpans(), request.zoneOffset);
-    if (!zone || *zone == request.zoneOffset) {
+    const std::vector<TableSpan> tables = TableSpans();
+    Reason reason{ReasonKind::ANOTHER_ZONE};
+    if (const std::optional<int64_t> zone = ZoneOfTables(tables, request.zoneOffset)) {
+        reason.zoneOffset = *zone;
+    } else if (const std::optional<ZoneChange> change = ZoneChangeOf(tables)) {
+        reason.zoneOffset = ZoneIn(request.question.range, tables, *change);
+        reason.otherZone = change->before + change->after - reason.zoneOffset;
+    } else {
         return std::nullopt;
     }
-    Reason reason{ReasonKind::ANOTHER_ZONE};
-    reason.zoneOffset = *zone;
-    return reason;
+    return reason.zoneOffset == request.zoneOffset ? std::nullopt : std::optional(reason);
 }
 
 // Answers one report's questions, point by point.
@@ -79,7 +91,7 @@ public:
                 report.looks.emplace_back().point = point.name;
             }
         }
-        report.coverage = CoverageOf(store.Points(), question.range);
+        report.coverage = Covered();
         if (unreadable.empty()) {
             CheckRows();
         }
@@ -116,20 +128,30 @@ public:
                 }
             }
         }
-        if (failures > 0 && failures == subjects && report.errors.empty()) {
+        if (failures > 0 && failures == subjects && report.errors.empty() && !IsAnyQuiet()) {
             throw NoData(*report.analyses.back().reason);
         }
         SortAnswers(report.analyses);
-        report.coverage = CoverageOf(store.Points(), question.range);
+        report.coverage = Covered();
         const bool isAnswered = std::any_of(report.analyses.begin(), report.analyses.end(),
                                             [](const Analysis& analysis) { return analysis.HasAnswer(); });
         if (report.coverage.IsPart() && !isAnswered) {
             CheckZone();
         }
         report.flags = CountFlags(store.Points(), question.range);
+        if (request.isWatched && !unreadable.empty()) {
+            throw NoData(unreadable.begin()->second);  // the report has what can be told
+        }
     }
 
 private:
+    // Points with a bad value were looked at as well, and have no rows.
+    Coverage Covered() const {
+        Coverage coverage = CoverageOf(store.Points(), question.range);
+        coverage.points += unreadable.size();
+        return coverage;
+    }
+
     // Throws NoData when an answer would look like an all clear although nothing was looked at.
     void CheckRows() const {
         if (report.coverage.intervals == 0) {
@@ -170,6 +192,17 @@ private:
         return unreadable.count(look.point) > 0 || when == PointRequest::ALWAYS ||
                (when == PointRequest::IF_THERE && look.samples > 0) || !look.flagged.empty() ||
                !look.events.empty();
+    }
+
+    // Whether the report is worth something although nothing could be explained: that a point was not slow.
+    bool IsAnyQuiet() const {
+        for (size_t i = 0; i < report.looks.size(); ++i) {
+            const explain::Look& look = report.looks[i];
+            if (!IsAsked(request.points[i].when, look) && !look.finding.deviations.empty()) {
+                return true;
+            }
+        }
+        return false;
     }
 
     void AnalyseGuarded(const explain::Look& look, const std::string& graph) {

@@ -23,7 +23,9 @@ struct Stores {
 
 // Fills what the report says of the data: looks, coverage, analyses. The databases must be open; blocks on
 // them. What cannot be explained of a point leaves the others their answers. Throws NoData where there is no
-// row to look at, or nothing at all can be explained.
+// row to look at, or nothing can be explained although something was slow or cannot be read, unless the
+// report can say of a point that it was not; and for whoever watches where a point cannot be read, once all
+// else is told.
 void Survey(const Request& request, Stores& stores, Report& report);
 
 }  // namespace explain

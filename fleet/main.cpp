@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 
 #include "cli/program.h"
@@ -31,12 +32,21 @@ int StatusOf(const Outcome& outcome) {
     return outcome.nodes.empty() ? STATUS_NOT_ASKED : highest;
 }
 
-// A node without an answer is a line, not an end; why, is told beside the report.
+void Tell(const NodeAnswer& node, const std::string& why) {
+    std::fprintf(stderr, "zorv-fleet: %s: %s\n", Printable(node.name).c_str(), Printable(why).c_str());
+}
+
+// A node or a point without an answer is a line, not an end; why, is told beside the report.
 void TellFailures(const Outcome& outcome) {
     for (const NodeAnswer& node : outcome.nodes) {
         if (!node.failure.empty()) {
-            std::fprintf(stderr, "zorv-fleet: %s: %s\n", Printable(node.name).c_str(),
-                         Printable(node.failure).c_str());
+            Tell(node, node.failure);
+        }
+        std::set<std::string> points;  // each may stand in several graphs
+        for (const Finding& finding : node.findings) {
+            if (finding.verdict == Verdict::CANNOT_TELL && points.insert(finding.point).second) {
+                Tell(node, finding.point + " cannot be told: " + finding.reason);
+            }
         }
     }
 }

@@ -1,12 +1,14 @@
 #include "fleet/source.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
 #include <map>
 #include <optional>
+#include <set>
 #include <thread>
 
 #include "cli/progress.h"
@@ -14,7 +16,11 @@
 #include "fleet/collecting/hosts.h"
 #include "fleet/collecting/jobs.h"
 #include "fleet/collecting/reply.h"
+#include "host/capture/inputs.h"
+#include "host/capture/kept_archives.h"
+#include "host/capture/temporary_directory.h"
 #include "text/local_time.h"
+#include "text/printable.h"
 
 namespace fleet {
 namespace {
@@ -68,6 +74,10 @@ public:
     explicit Captures(const Options& toAsk) : options(toAsk), captures(toAsk.Captures()) {
         limits.atATime = options.jobs > 0 ? options.jobs : std::max(1U, std::thread::hardware_concurrency());
         limits.time = std::chrono::seconds(options.timeout);
+        if (std::any_of(captures.begin(), captures.end(), IsArchive) && !IsPlaceCaptured()) {
+            archives.emplace();
+            zorv::KeepArchivesIn(archives->Path());
+        }
     }
 
     std::vector<NodeAnswer> First() override {
@@ -82,6 +92,7 @@ public:
         for (size_t i = 0; i < answers.size(); ++i) {
             answers[i].name = answers[i].isNamed ? answers[i].name : StemOf(captures[i]);
         }
+        TellOfArchives(answers);
         NameApart(answers, captures);
         return answers;
     }
@@ -128,9 +139,42 @@ private:
         return Joined(words, options.emptyHeal ? Words{"--empty-heal"} : Words{});
     }
 
+    static bool IsArchive(const std::string& capture) {
+        std::error_code ignored;
+        return fs::is_regular_file(capture, ignored);
+    }
+
+    // Whoever is asked says so.
+    bool IsPlaceCaptured() const {
+        return std::any_of(captures.begin(), captures.end(), [](const std::string& capture) {
+            return zorv::WhyNotWritten(zorv::TemporaryPlace() + "/root", {capture, true});
+        });
+    }
+
+    void TellOfArchives(const std::vector<NodeAnswer>& answers) const {
+        if (!archives) {
+            return;
+        }
+        std::set<std::string> read;
+        for (size_t i = 0; i < answers.size(); ++i) {
+            if (answers[i].failure.empty() && IsArchive(captures[i])) {
+                read.insert(captures[i]);
+            }
+        }
+        const auto kept = static_cast<size_t>(
+            std::distance(fs::directory_iterator(archives->Path()), fs::directory_iterator()));
+        if (kept < read.size()) {
+            std::fprintf(stderr,
+                         "zorv-fleet: %zu of %zu archives are unpacked again for each look: half of what was "
+                         "free in %s is used up\n",
+                         read.size() - kept, read.size(), Printable(zorv::TemporaryPlace()).c_str());
+        }
+    }
+
     const Options options;
     const Words captures;
     JobLimits limits;
+    std::optional<zorv::TemporaryDirectory> archives;  // where they are unpacked, each once
 };
 
 class Hosts : public Source {

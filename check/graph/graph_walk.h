@@ -17,6 +17,7 @@ struct LostPart {
 struct GraphWalk {
     // Where commands begin: the node whose label contains the point, of each use that has one.
     std::vector<size_t> entries;
+    std::vector<size_t> walkedEntries;              // those at which walks begin; others are looked at only
     std::vector<const GraphUse*> usesWithoutEntry;  // walked ones
     // Where an analysis begins that another graph hands over: the first edge's source that is nobody's
     // target.

@@ -26,6 +26,9 @@ void FindEntries(const Graph& graph, GraphWalk& walk) {
         const size_t entry = use.point.empty() ? NONE : EntryOf(graph, use.point);
         if (entry != NONE) {
             walk.entries.push_back(entry);
+            if (use.isWalked) {
+                walk.walkedEntries.push_back(entry);
+            }
         } else if (use.isWalked) {
             walk.usesWithoutEntry.push_back(&use);
         }

@@ -39,20 +39,28 @@ bool IsLost(const Graph& graph, const std::string& point) {
                        [&](const Node& node) { return node.Label().find(point) != std::string_view::npos; });
 }
 
-// Where walks begin of which there is no delay: at an observation point they fail.
+const Json::Value& PlaceOf(const Node& node) {
+    return node.label != nullptr ? *node.label : *node.object;
+}
+
+// Where walks begin of which there is no delay, or no count: at an observation point and at what only groups
+// others they fail.
 bool IsBlindRoot(const Graph& graph, const GraphWalk& walk, size_t node) {
-    const bool isEntry = std::count(walk.entries.begin(), walk.entries.end(), node) > 0;
+    const bool isEntry = std::count(walk.walkedEntries.begin(), walk.walkedEntries.end(), node) > 0;
     const bool isTop = !graph.handedOverBy.empty() && node == walk.top;
-    return graph.kind == GraphKind::FLOW && graph.nodes[node].IsObservation() && (isEntry || isTop);
+    const bool isBlind =
+        graph.nodes[node].isModule || (graph.kind == GraphKind::FLOW && graph.nodes[node].IsObservation());
+    return isBlind && (isEntry || isTop);
 }
 
 void FindBlindRoots(const Subject& subject, const Graph& graph, const GraphWalk& walk, const Report& report) {
     for (size_t i = 0; i < graph.nodes.size(); ++i) {
         if (IsBlindRoot(graph, walk, i)) {
             const Node& node = graph.nodes[i];
-            report(subject.At(*node.label), graph.name,
-                   "walks begin at " + Quoted(node.Label()) +
-                       ", but fail: it is an observation point, by the OB_ in its label");
+            report(subject.At(PlaceOf(node)), graph.name,
+                   "walks begin at " + Quoted(node.Label()) + ", but fail: it " +
+                       (node.isModule ? "counts nothing, by the MODULE in its description"
+                                      : "is an observation point, by the OB_ in its label"));
         }
     }
 }
@@ -85,10 +93,6 @@ void FindCirclesOf(const Subject& subject, const Report& report) {
         report(circle.at, subject.model.Graphs()[circle.graph].name,
                "this leads round in a circle: " + circle.points);
     }
-}
-
-const Json::Value& PlaceOf(const Node& node) {
-    return node.label != nullptr ? *node.label : *node.object;
 }
 
 bool IsSecondRoot(const GraphWalk& walk, size_t node) {

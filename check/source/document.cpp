@@ -7,10 +7,11 @@
 #include <memory>
 #include <utility>
 
+#include "agent/agent_storage.h"
+
 namespace check {
 namespace {
 
-constexpr size_t DEEPEST_NESTING = 200;  // as the plug-in's reader is set up
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 size_t MarkLength(const std::string& text) {
@@ -35,13 +36,13 @@ std::string FirstSentence(const std::string& told) {
 Document::Document(std::string text)
     : source(std::move(text)),
       start(MarkLength(source.Bytes())),
-      scan(ScanText(source.Bytes(), start, DEEPEST_NESTING)) {
+      scan(ScanText(source.Bytes(), start, ZORV_ROUTE_CONFIG_NESTING)) {
     Read();
 }
 
 void Document::Read() {
     Json::CharReaderBuilder settings;
-    settings["stackLimit"] = static_cast<int>(DEEPEST_NESTING);
+    settings["stackLimit"] = ZORV_ROUTE_CONFIG_NESTING;
     const std::unique_ptr<Json::CharReader> reader(settings.newCharReader());
     const std::string& bytes = source.Bytes();
     std::string told;

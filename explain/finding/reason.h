@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,7 +37,7 @@ enum class ReasonKind {
     FEW_ROWS_OF_DETECTOR,  // samples
     NO_ROWS_AT_ALL,
     OUTSIDE_STATISTICS,  // which go from `from` until `until`
-    ANOTHER_ZONE,        // `zoneOffset` is that of the tables
+    ANOTHER_ZONE,        // `zoneOffset` is that of the tables, or of those of the range
     UNREADABLE_POINT,
     UNREADABLE_DATABASE,
     UNREADABLE_HEALINGS,
@@ -53,8 +54,9 @@ struct Reason {
     std::string graph = {};    // of the point
     int64_t from = 0;          // UTC
     int64_t until = 0;
-    int64_t zoneOffset = 0;               // seconds east of UTC
-    std::vector<std::string> known = {};  // what the subject could have been
+    int64_t zoneOffset = 0;                 // seconds east of UTC
+    std::vector<std::string> known = {};    // what the subject could have been
+    std::optional<int64_t> otherZone = {};  // as zoneOffset, of other tables
 };
 
 // Thrown when there is nothing to work on: no such graph, no such point in it, no rows, no database.

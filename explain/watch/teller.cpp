@@ -59,7 +59,7 @@ Teller::Teller(const Options& options)
 bool Teller::Tell(Sight sight, const ChangeList& changed, const Changes& changes) {
     const int64_t now = sight.report.madeAt;
     const int64_t zoneOffset = sight.report.zoneOffset;
-    isOld = sight.failure && sight.report.looks.empty();
+    isOld = sight.IsUnread() || (sight.failure && sight.report.looks.empty());
     if (!isOld) {
         report = std::move(sight.report);
     }

@@ -38,7 +38,7 @@ constexpr struct {
     {ReasonKind::NO_ROWS_AT_ALL, "the statistics database has no rows, or cannot be read"},
     {ReasonKind::OUTSIDE_STATISTICS,
      "the range lies outside the statistics, which go from {from} to {until}"},
-    {ReasonKind::ANOTHER_ZONE, "the tables are named in {zone}: use --zone {option}"},
+    {ReasonKind::ANOTHER_ZONE, "the tables are named in {zone}{other}: use --zone {option}"},
     {ReasonKind::UNREADABLE_POINT, "the statistics of {subject} could not be read"},
     {ReasonKind::UNREADABLE_DATABASE, "the statistics database cannot be read, or has no tables"},
     {ReasonKind::UNREADABLE_HEALINGS, "the healing database cannot be read"},
@@ -54,6 +54,12 @@ std::string ZoneOption(int64_t zoneOffset) {
     return zone;
 }
 
+std::string OtherZoneOf(const Reason& reason) {
+    return reason.otherZone ? " here and in " + ZoneText(*reason.otherZone) +
+                                  " elsewhere, as over a change of daylight saving time"
+                            : "";
+}
+
 std::string CountOf(size_t least, size_t most) {
     return (least == most ? "" : std::to_string(least) + " to ") + std::to_string(most);
 }
@@ -67,6 +73,7 @@ std::string Filled(std::string_view name, const Reason& reason, size_t most) {
            : name == "from"      ? LocalTime(reason.from, reason.zoneOffset)
            : name == "until"     ? LocalTime(reason.until, reason.zoneOffset)
            : name == "zone"      ? ZoneText(reason.zoneOffset)
+           : name == "other"     ? OtherZoneOf(reason)
            : name == "nearest"   ? DidYouMean(reason.subject, reason.known)
            : name == "option"    ? ZoneOption(reason.zoneOffset)
                                  : reason.subject;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -9,6 +10,7 @@
 
 #include "fleet/collecting/reply.h"
 #include "host/process/child.h"
+#include "host/process/interrupt.h"
 #include "text/shell_word.h"
 
 namespace fleet {
@@ -147,6 +149,7 @@ std::map<std::string, NodeAnswer> AskHosts(const std::vector<std::string>& hosts
                                            const std::function<void(double)>& progress) {
     CheckParallel();
     SetSsh();
+    const zorv::TidyEnd tidy({SIGINT, SIGTERM, SIGHUP});
     std::vector<std::string> command = {
         "--will-cite", "--nonall", "--tag", "--retries", RETRIES, "--jobs", std::to_string(limits.atATime)};
     if (limits.time.count() > 0) {
@@ -159,7 +162,8 @@ std::map<std::string, NodeAnswer> AskHosts(const std::vector<std::string>& hosts
     std::string output;
     std::string errors;
     EndedHosts ended(output, hosts.size());
-    zorv::RunChild(PARALLEL, command, {&output, &errors, [&] { progress(ended.Part()); }}, {{}, MOST_BYTES});
+    zorv::RunChild(PARALLEL, command, {&output, &errors, [&] { progress(ended.Part()); }},
+                   {{}, MOST_BYTES, true});
     std::map<std::string, HostReply> replies = RepliesOf(output, errors);
     std::map<std::string, NodeAnswer> answers;
     for (const std::string& host : hosts) {

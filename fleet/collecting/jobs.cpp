@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <csignal>
 #include <mutex>
 #include <stdexcept>
 #include <thread>
@@ -9,6 +10,7 @@
 #include "fleet/answers/answer_reader.h"
 #include "fleet/collecting/reply.h"
 #include "host/process/child.h"
+#include "host/process/interrupt.h"
 
 namespace fleet {
 namespace {
@@ -18,8 +20,9 @@ constexpr const char* PROGRAM = "zorv-explain";
 Reply Run(const std::vector<std::string>& words, std::chrono::seconds time) {
     Reply reply;
     try {
-        const zorv::ChildEnd end = zorv::RunChild(zorv::ProgramBeside(PROGRAM), words,
-                                                  {&reply.output, &reply.errors}, {time, MOST_ANSWER_BYTES});
+        const zorv::ChildEnd end =
+            zorv::RunChild(zorv::ProgramBeside(PROGRAM), words, {&reply.output, &reply.errors},
+                           {time, MOST_ANSWER_BYTES, true});
         reply.status = end.status;
         if (end.isLate) {
             reply.failure =
@@ -38,11 +41,12 @@ Reply Run(const std::vector<std::string>& words, std::chrono::seconds time) {
 void RunJobs(const std::vector<std::vector<std::string>>& jobs, const JobLimits& limits,
              const std::set<std::string>* points, const std::function<void(size_t, NodeAnswer)>& take,
              const Progress& progress) {
+    const zorv::TidyEnd tidy({SIGINT, SIGTERM, SIGHUP});
     std::atomic<size_t> next{0};
     std::mutex oneAtATime;
     size_t done = 0;
     const auto work = [&] {
-        for (size_t job = next++; job < jobs.size(); job = next++) {
+        for (size_t job = next++; job < jobs.size() && !zorv::IsEndAsked(); job = next++) {
             NodeAnswer answer = AnswerOf(Run(jobs[job], limits.time), points);
             const std::lock_guard<std::mutex> lock(oneAtATime);
             take(job, std::move(answer));

@@ -23,7 +23,7 @@ using Progress = std::function<void(size_t)>;
 // Runs zorv-explain, the one beside this program, once with each list of words, and hands each answer to
 // `take`, with the job's position, in the order in which they end; what cannot be run is an answer with a
 // failure. `take` and `progress` are called by one thread at a time. Blocks until all have ended. `points` as
-// ReadAnswer() takes them.
+// ReadAnswer() takes them. A signal that ends this process ends them before.
 void RunJobs(const std::vector<std::vector<std::string>>& jobs, const JobLimits& limits,
              const std::set<std::string>* points, const std::function<void(size_t, NodeAnswer)>& take,
              const Progress& progress);

@@ -14,6 +14,8 @@ namespace {
 constexpr size_t MOST_NAMES = 12;  // of nodes in a sentence
 constexpr size_t DATE = 10;        // letters of a date
 
+const char* const UNTOLD = "cannot tell";
+
 std::string Fixed(double value, int decimals) {
     char text[32];
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
@@ -147,7 +149,7 @@ const char* VerdictOf(const Outcome& outcome, size_t node) {
     if (const Role* const role = MainRoleOf(outcome, node)) {
         return role->IsCause() ? "point" : role->kind == RoleKind::WAITS ? "waits" : "load";
     }
-    return !answer.failure.empty() ? "no answer" : answer.status == CANNOT_TELL ? "cannot tell" : "nothing";
+    return !answer.failure.empty() ? "no answer" : answer.status == CANNOT_TELL ? UNTOLD : "nothing";
 }
 
 Standing StandingOf(const Outcome& outcome, size_t node, const std::string& point, const Window& window) {
@@ -258,6 +260,13 @@ std::vector<std::string> ConclusionOf(const Outcome& outcome) {
     const size_t silent = outcome.nodes.size() - outcome.fold.answered;
     if (silent > 0) {
         sentences.push_back("Of " + Counted(silent, "node") + " there is no answer: the cause may be there.");
+    }
+    size_t untold = 0;
+    for (size_t node = 0; node < outcome.nodes.size(); ++node) {
+        untold += VerdictOf(outcome, node) == UNTOLD ? size_t{1} : 0;
+    }
+    if (untold > 0) {
+        sentences.push_back("Of " + Counted(untold, "node") + " it cannot be told: the cause may be there.");
     }
     return sentences;
 }

@@ -17,7 +17,6 @@
 namespace zorv {
 namespace {
 constexpr size_t LARGEST_FILE = size_t{64} << 20;
-constexpr int DEEPEST_NESTING = 200;  // what the plug-in reads
 
 // What changes when the file does.
 using Stamp = std::tuple<bool, dev_t, ino_t, off_t, time_t, long>;
@@ -45,7 +44,7 @@ bool IsGraph(const Json::Value& value) {
 
 void Parse(const std::string& text, RouteFile& file) {
     Json::CharReaderBuilder builder;
-    builder["stackLimit"] = DEEPEST_NESTING;
+    builder["stackLimit"] = ZORV_ROUTE_CONFIG_NESTING;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value top;
     std::string errors;
@@ -72,7 +71,8 @@ RouteFile Read(const std::string& path) {
     try {
         Parse(text, file);
     } catch (const std::exception&) {  // nested too deep
-        file.problem = "cannot be parsed: nested more than " + std::to_string(DEEPEST_NESTING) + " deep";
+        file.problem =
+            "cannot be parsed: nested more than " + std::to_string(ZORV_ROUTE_CONFIG_NESTING) + " deep";
     }
     return file;
 }

@@ -7,9 +7,9 @@
 #include <optional>
 #include <utility>
 
-#include "host/capture/archive.h"
 #include "host/capture/capture_zone.h"
 #include "host/capture/inputs.h"
+#include "host/capture/kept_archives.h"
 #include "host/capture/write_ahead_log.h"
 #include "text/file_hash.h"
 #include "text/local_time.h"
@@ -241,9 +241,7 @@ std::unique_ptr<CaptureFiles> Capture::FilesIn(const std::string& name) const {
     if (fs::is_directory(name)) {
         return std::make_unique<CaptureFiles>(name);
     }
-    fs::create_directory(root + UNPACKED);
-    Unpack(name, root + UNPACKED);
-    return std::make_unique<CaptureFiles>(root + UNPACKED, name);
+    return std::make_unique<CaptureFiles>(UnpackOnce(name, root + UNPACKED), name);
 }
 
 // A manifest comes from anywhere: of its paths those of a node's files alone are looked at, and once.

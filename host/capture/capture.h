@@ -17,8 +17,8 @@ namespace zorv {
 // into it and is gone with it. A program that this one starts, on the same capture, takes this one's root.
 class Capture {
 public:
-    // Of the files in the folder `name`, or in the archive `name` (see CaptureFiles and Unpack()), which is
-    // unpacked into the temporary root. Throws CaptureError when it cannot be unpacked or the databases
+    // Of the files in the folder `name`, or in the archive `name` (see CaptureFiles and UnpackOnce()), which
+    // is unpacked into the temporary root. Throws CaptureError when it cannot be unpacked or the databases
     // cannot be used; with `emptyHeal`, an empty heal database stands in for one that is missing or empty;
     // with `wantsZone`, the zone is looked for and told. Files that differ from what the manifest
     // tells of them are noted. Blocks while it unpacks, copies and reads each file once for that. Call it
@@ -28,7 +28,7 @@ public:
     // The temporary root.
     const std::string& Root() const { return root; }
 
-    // The captured files' own root, an absolute path; that of an archive is below the temporary root.
+    // The captured files' own root, an absolute path; that of an archive is where it was unpacked.
     const std::string& Directory() const { return files->Directory(); }
 
     // Where the captured files are.

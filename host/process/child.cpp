@@ -18,6 +18,7 @@
 #include <stdexcept>
 
 #include "host/process/files.h"
+#include "host/process/interrupt.h"
 
 namespace zorv {
 namespace {
@@ -25,6 +26,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto GRACE = std::chrono::seconds(2);  // between being asked to end and being made to
 constexpr auto EVER = std::chrono::milliseconds(-1);
+constexpr auto BETWEEN_LOOKS = std::chrono::milliseconds(20);  // whether it is over
 
 // Throws for the error number of a step on the way to the running program.
 void Check(int error, const std::string& program) {
@@ -79,8 +81,23 @@ private:
 };
 using Pipes = std::array<std::unique_ptr<Pipe>, 2>;  // of stdout and of stderr; none where it is not kept
 
+struct Attributes {
+    explicit Attributes(bool hasOwnGroup) {
+        posix_spawnattr_init(&attributes);
+        if (hasOwnGroup) {
+            posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+        }
+    }
+    ~Attributes() { posix_spawnattr_destroy(&attributes); }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+
+    posix_spawnattr_t attributes{};
+};
+
 // The standard input is where this process may have its next command from.
-pid_t Start(const std::string& program, const std::vector<std::string>& arguments, const Pipes& pipes) {
+pid_t Start(const std::string& program, const std::vector<std::string>& arguments, const Pipes& pipes,
+            bool hasOwnGroup) {
     FileActions files;
     Check(posix_spawn_file_actions_addopen(&files.actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0), program);
     for (const int number : {STDOUT_FILENO, STDERR_FILENO}) {
@@ -95,33 +112,42 @@ pid_t Start(const std::string& program, const std::vector<std::string>& argument
                    [](std::string& word) { return word.data(); });
     pointers.push_back(nullptr);
     std::fflush(nullptr);
+    const Attributes attributes(hasOwnGroup);
     pid_t child = -1;
-    Check(posix_spawnp(&child, program.c_str(), &files.actions, nullptr, pointers.data(), environ), program);
+    Check(posix_spawnp(&child, program.c_str(), &files.actions, &attributes.attributes, pointers.data(),
+                       environ),
+          program);
     return child;
 }
 
 // Ends a child whose time is over, first mildly.
 class Deadline {
 public:
-    Deadline(pid_t process, std::chrono::milliseconds time)
-        : child(process), end(time.count() > 0 ? Clock::now() + time : Clock::time_point::max()) {}
+    Deadline(pid_t process, const ChildLimits& limits)
+        : child(process),
+          endsTidily(limits.endsTidily),
+          end(limits.time.count() > 0 ? Clock::now() + limits.time : Clock::time_point::max()) {}
 
     bool IsOver() const { return killed > 0; }
 
     // How long to wait for the child until this is asked again.
     std::chrono::milliseconds Remaining() {
-        if (Clock::now() >= end) {
-            kill(child, killed++ == 0 ? SIGTERM : SIGKILL);
+        const bool isEndAsked = endsTidily && killed == 0 && IsEndAsked();
+        if (isEndAsked || Clock::now() >= end) {
+            kill(endsTidily ? -child : child, killed++ == 0 ? SIGTERM : SIGKILL);
             end = Clock::now() + GRACE;
         }
-        return end == Clock::time_point::max()
-                   ? EVER
-                   : std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()) +
-                         std::chrono::milliseconds(1);
+        if (end == Clock::time_point::max()) {
+            return endsTidily ? BETWEEN_LOOKS : EVER;
+        }
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()) +
+                          std::chrono::milliseconds(1);
+        return endsTidily ? std::min(left, BETWEEN_LOOKS) : left;
     }
 
 private:
     const pid_t child;
+    const bool endsTidily;
     Clock::time_point end;
     int killed = 0;
 };
@@ -154,7 +180,6 @@ void ReadAll(const Pipes& pipes, Deadline& deadline, const std::function<void()>
 
 // The child has closed its streams, or has this process's: in the first case it ends soon.
 ChildEnd WaitFor(pid_t child, Deadline& deadline) {
-    constexpr auto PAUSE = std::chrono::milliseconds(20);
     int status = 0;
     for (pid_t ended = 0; ended != child;) {
         const auto remaining = deadline.Remaining();
@@ -163,7 +188,7 @@ ChildEnd WaitFor(pid_t child, Deadline& deadline) {
             throw std::runtime_error(std::string("a program cannot be waited for: ") + std::strerror(errno));
         }
         if (ended == 0) {
-            poll(nullptr, 0, static_cast<int>(std::min(PAUSE, remaining).count()));
+            poll(nullptr, 0, static_cast<int>(std::min(BETWEEN_LOOKS, remaining).count()));
         }
     }
     return {WIFEXITED(status) ? WEXITSTATUS(status) : 0, WIFSIGNALED(status) ? WTERMSIG(status) : 0,
@@ -184,13 +209,13 @@ ChildEnd RunChild(const std::string& program, const std::vector<std::string>& ar
     if (streams.errors != nullptr) {
         pipes[1] = std::make_unique<Pipe>(streams.errors, limits.bytes);
     }
-    const pid_t child = Start(program, arguments, pipes);
+    const pid_t child = Start(program, arguments, pipes, limits.endsTidily);
     for (const auto& pipe : pipes) {
         if (pipe) {
             pipe->CloseChildEnd();
         }
     }
-    Deadline deadline(child, limits.time);
+    Deadline deadline(child, limits);
     ReadAll(pipes, deadline, streams.onMore);
     return WaitFor(child, deadline);
 }

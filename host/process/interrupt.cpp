@@ -19,6 +19,7 @@ thread_local SingleTry* g_singleTry = nullptr;
 thread_local bool g_hasGivenUp = false;
 
 std::atomic<int> g_lastSignal{0};
+std::atomic<bool> g_hasTidyEnd{false};
 
 void Interrupt(int signal) {
     g_lastSignal = signal;
@@ -41,6 +42,7 @@ void TakeInterrupts(std::initializer_list<int> signals) {
 
 TidyEnd::TidyEnd(const std::vector<int>& signals) {
     g_lastSignal = 0;
+    g_hasTidyEnd = true;
     for (const int signal : signals) {
         struct sigaction old {};
         sigaction(signal, nullptr, &old);
@@ -52,6 +54,7 @@ TidyEnd::TidyEnd(const std::vector<int>& signals) {
 }
 
 TidyEnd::~TidyEnd() {
+    g_hasTidyEnd = false;
     for (const auto& [signal, old] : before) {
         sigaction(signal, &old, nullptr);
     }
@@ -60,6 +63,10 @@ TidyEnd::~TidyEnd() {
             raise(signal);
         }
     }
+}
+
+bool IsEndAsked() {
+    return g_hasTidyEnd && g_lastSignal != 0;
 }
 
 CommandRun::CommandRun() {

@@ -29,6 +29,9 @@ private:
     std::vector<std::pair<int, struct sigaction>> before;
 };
 
+// Whether a signal of the TidyEnd that lives has come. Any thread; does not block.
+bool IsEndAsked();
+
 // The run of one command on the calling thread, the console's; an interrupt from before is forgotten. There
 // is one at a time.
 class CommandRun {

@@ -6,17 +6,16 @@
 #include <fstream>
 #include <memory>
 
+#include "agent/agent_storage.h"
 #include "fault_common/fault_log.h"
 
 namespace {
 
-// The reader's own limit of 1,000 ends a thread of 256 KiB of stack; a graph nests five deep.
-constexpr int DEEPEST_NESTING = 200;
-
-// Null unless the stream holds one JSON object. The reader throws when the nesting is too deep.
+// Null unless the stream holds one JSON object. The reader throws when the nesting is too deep; its own limit
+// of 1,000 ends a thread of 256 KiB of stack.
 Json::Value ParseObject(std::istream& stream) {
     Json::CharReaderBuilder reader;
-    reader["stackLimit"] = DEEPEST_NESTING;
+    reader["stackLimit"] = ZORV_ROUTE_CONFIG_NESTING;
     Json::Value parsed;
     std::string error;
     try {

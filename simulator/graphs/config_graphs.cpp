@@ -9,10 +9,10 @@
 #include <set>
 #include <sstream>
 
+#include "agent/agent_storage.h"
+
 namespace lumosim {
 namespace {
-
-constexpr int DEEPEST_NESTING = 200;  // as the diagnosis reads
 
 // The plug-in's texts where a member is not there.
 std::string Text(const Json::Value& object, const char* member) {
@@ -307,7 +307,7 @@ std::string ConfigFileText(const std::filesystem::path& path) {
 
 ConfigGraphs ReadConfigGraphs(const std::string& text) {
     Json::CharReaderBuilder builder;
-    builder["stackLimit"] = DEEPEST_NESTING;
+    builder["stackLimit"] = ZORV_ROUTE_CONFIG_NESTING;
     const std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
     Json::Value config;
     std::string error;

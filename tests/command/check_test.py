@@ -58,6 +58,7 @@ MISTAKES = [
     ("missing-root", "SAN_IO_READ", '"SAN_IO_READ": {', '"SAN_IO_READ": ^{', '"TGT_LUMO_HOST_READ", "name', '"TGT_LUMO_HOST", "name'),
     ("missing-root", "ERRCODE_SMB", '"ERRCODE_SMB": {', '"ERRCODE_SMB": ^{', '"SMB_AUTHTICATE_LOGON_FAILURE", "name"', '"SMB_LOGON", "name"'),
     ("missing-root", "SAN_IO_READ", '"label": "TGT_LUMO_HOST_READ"', '"label": ^"OB_TGT_LUMO_HOST_READ"'),
+    ("missing-root", "ERRCODE_SMB", '"label": "SMB_AUTHTICATE_LOGON_FAILURE"', '"label": ^"SMB_AUTHTICATE_LOGON_FAILURE"', "Sessions whose", "MODULE of those whose"),
     ("missing-root", "ERRCODE_BDM", '"ERRCODE_BDM": {', '"ERRCODE_BDM": ^{', '"edges": [', '"edges": [], "$edges": ['),
     ("name-is-a-graph", "SAN_IO_READ", '"name": "BDM_DISK_READ"', '"name": ^"POOL_READ"'),
     ("unknown-attr", "ERRCODE_BDM", '"attr": "automic"', '"attr": ^"automic x"'),

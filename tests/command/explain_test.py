@@ -108,6 +108,11 @@ class Explain(ConsoleTest):
         (self.root / CONFIG).write_text(json.dumps(graphs))
         _, _, found = self.explain(*self.range)
         self.assertEqual([one["graph"] for one in found["analyses"]], ["NAS_IO_NFSV4", "NAS_IO_SMB2", "NAS_IO_NFSV3"])
+        self.world("healthy")  # nothing but one bad value
+        self.sql(f"update {{table}} set avgdelay = 'x' where locateid = (select locateid from version_nmaps where locatename = '{POINT}')")
+        status, text, found = self.explain(*self.range)
+        self.assertEqual((status, [(one["point"], one["verdict"]) for one in found["analyses"]], "3 of 4 points" in text), (4, [(POINT, "cannot tell")], True))
+        self.assertEqual(self.run_explain("--point", POINT, *self.range)[0], 3)
 
     def test_all_graphs_of_a_point_are_one_division(self):
         """Its own part is larger than that of what both graphs have below it, and it is that in each."""
@@ -205,6 +210,12 @@ class Explain(ConsoleTest):
         self.assertEqual(there["analyses"], here["analyses"])
         self.assertEqual(here["range"]["start"], {"epoch": self.truth["start_epoch"], "local": "2023-01-05T10:30:00+08:00"})
         self.assertEqual(here["range"]["end"], {"epoch": self.truth["end_epoch"], "local": "2023-01-05T14:30:00+08:00"})
+        with contextlib.closing(sqlite3.connect(self.root / DATABASE)) as database:  # from 14:00 on as if an hour had been left out
+            database.executescript("alter table lumo_data_20230105140000 rename to lumo_data_20230105150000; "
+                                   "update table_flag set tablename = 'lumo_data_20230105150000' where tablename like '%40000'")
+        for where, said in (("--root", "named in +09:00 here and in +08:00 elsewhere, as over a change of daylight saving time: use --zone +0900\n"),
+                            ("--capture", "in zone +09:00 from 2023-01-05 15:00:00 on, as over a change of daylight saving time: the latter (--zone says another)\n")):
+            self.assertIn(said, subprocess.run([BIN / "zorv-explain", where, self.root, "20230105140000", "20230105142500"], capture_output=True, text=True).stderr)
 
     def test_missing_files(self):
         self.assertEqual(self.run_explain("60", root="/nowhere")[0], 3)

@@ -3,6 +3,7 @@ import json
 import os
 import re
 import shutil
+import signal
 import subprocess
 import unittest
 import xml.etree.ElementTree as ElementTree
@@ -10,7 +11,7 @@ from pathlib import Path
 
 import jsonschema
 
-from console import BIN, ConsoleTest, cells
+from console import BIN, ConsoleTest, cells, eventually
 
 FLEET = jsonschema.Draft7Validator(json.loads((Path(__file__).parents[2] / "docs/fleet.schema.json").read_text()))
 RANGE = ("20230105103000", "20230105143000")
@@ -105,6 +106,9 @@ class Fleet(ConsoleTest):
 
     def test_what_is_no_answer(self):
         good, time_of = answer("a"), '"epoch": %d' % T
+        untold = answer("b", analyses=[{"point": HOST, "graph": graph, "verdict": "cannot tell", "reason": "a bad value"} for graph in "GH"])
+        status, out, err = self.fleet("--fold", lines=f"{good}\n{untold}\n")
+        self.assertEqual((status, err, "Of 1 node it cannot be told" in out), (4, f"zorv-fleet: b: {HOST} cannot be told: a bad value\n", True))
         for line, said in (("{", "ends too early"), ("{}", "no answer of zorv-explain"), ("[1]", "no answer of"), ("nonsense", "no JSON"),
                            (good.replace('"version": 2', '"version": 1'), "no answer of zorv-explain --json of version 2"), ('{"a": "', "within a text"),
                            ("[" * 99999, "nested too deep"), (good + good, "more than one"), *[(good.replace("+08:00", zone), "zone") for zone in ("UTC", "::::::", "+99:99")],
@@ -142,6 +146,14 @@ class Fleet(ConsoleTest):
         self.assertEqual(sorted(links), sorted(f"pages/{name}.html" for name in ["packed", *(capture.name for capture in captures[1:4])]))
         ElementTree.fromstring(page.read_text().removeprefix("<!DOCTYPE html>"))
         self.assertTrue(all((page.parent / link).exists() for link in links))
+        own = self.root / "own"  # where what has answered once damages the archive: it is not unpacked again
+        own.mkdir()
+        shutil.copy(BIN / "zorv-fleet", own)
+        (own / "zorv-explain").write_text(f"""#!/bin/sh\n{BIN}/zorv-explain "$@" || exit\ntouch -r {archive} {own}/time
+            echo none | dd of={archive} conv=notrunc status=none\ntouch -r {own}/time {archive}\n""")
+        (own / "zorv-explain").chmod(0o755)
+        again = subprocess.run([own / "zorv-fleet", "--json", "--jobs", "1", *captures, *RANGE], capture_output=True, text=True)
+        self.assertEqual(again.stdout, out, again.stderr)
         for words, expected, said in (
                 (["missing", *captures[2:3], *RANGE], 3, "missing: the capture 'missing' is neither"), ([*captures[2:3], "240"], 3, "the range "),
                 ([*RANGE], 2, "no CAPTURE is named"), ([captures[0]], 2, "START END, or MINUTES, is missing"), (["--fold", "nosuch"], 2, "cannot be read"),
@@ -166,6 +178,17 @@ class Fleet(ConsoleTest):
             done = subprocess.run([self.root / "zorv-fleet", "--timeout", "1", self.root, *RANGE], capture_output=True, text=True)
             self.assertEqual((done.returncode, done.stderr), (4 if "exit 4" in str(script) else 3, f"zorv-fleet: {self.root.name}: {said}\n"))
             self.assertRegex(done.stdout, r"^0 nodes answered, 1 of 1 did not\n(.|\n)* no answer\n")
+        hosts, pids = self.root / "hosts", self.root / "pids"
+        hosts.write_text(":\n")
+        other.write_text(f"#!/bin/sh\necho $$ >>{pids}\nexec sleep 60\n")
+        other.chmod(0o755)
+        for words in ((self.root, self.root, *RANGE), ("--hosts", hosts, "60")):  # what was asked ends with whoever asks
+            pids.write_text("")
+            asking = subprocess.Popen([self.root / "zorv-fleet", "--jobs", "1", *words], env={**os.environ, "PATH": f"{self.root}:{os.environ['PATH']}"})
+            self.assertTrue(eventually(lambda: pids.read_text().endswith("\n")))
+            asking.terminate()
+            self.assertEqual(asking.wait(), -signal.SIGTERM)
+            self.assertTrue(eventually(lambda: not Path("/proc", pids.read_text().strip(), "exe").exists()))  # a zombie has none
 
     def test_hosts(self):
         self.simulate("--scenario", "slow-disk", "--end", RANGE[1])

@@ -94,6 +94,12 @@ class Watch(ConsoleTest):
             self.assertRegex(watch.stdout.readline(), rf"\d\d {POINT} slow, \d+ us \(\d\.\d times\), BDM_DISK_READ \d+ %\n")
             watch.stdout.close() if end is None else watch.send_signal(end)
             self.assertEqual(watch.wait(), 0, end)
+        with closing(sqlite3.connect(self.root / DATABASE)) as database, database:  # one that cannot be read beside one that is slow
+            for table, in database.execute("select tablename from table_flag").fetchall():
+                database.execute(f"update {table} set avgdelay = 'x' where locateid = (select locateid from version_nmaps where locatename = 'NAS_TRANS_ALL')")
+        watch = self.watch()
+        told = watch.stdout.readline() + watch.stdout.readline()
+        self.assertRegex(told, f"^.* {POINT} slow, .*\n.* hold a bad value: NAS_TRANS_ALL: .*\n$")
         for options in (["60"], ["--at", "-5m"], ["--every", "0"], ["--html", "page"], ["--textfile", "x", "--log", "./x"]):
             self.assertEqual(self.run_explain("--watch", *options)[0], 2, options)
         self.assertEqual(self.run_explain("--textfile", "x", "60")[0], 2)

@@ -173,6 +173,15 @@ TEST(Coverage, KnowsTheZoneOfTheTables) {
     for (const auto& row : cases) {
         EXPECT_EQ(ZoneOfTables(tables(row.named * HOUR), row.asked * HOUR), row.expected * HOUR);
     }
+    for (const int64_t change : {-HOUR, HOUR}) {  // over a change of daylight saving time
+        std::vector<TableSpan> changed = tables(2 * HOUR);
+        changed.back().named += change;
+        EXPECT_EQ(ZoneOfTables(changed, 2 * HOUR), std::nullopt);
+        const std::optional<ZoneChange> found = ZoneChangeOf(changed);
+        ASSERT_TRUE(found);
+        EXPECT_EQ(std::make_tuple(found->before, found->after, found->first),
+                  std::make_tuple(2 * HOUR, 2 * HOUR + change, size_t{2}));
+    }
     EXPECT_EQ(ZoneOfTables({}, HOUR), HOUR);
     EXPECT_EQ(ZoneOfTables({{0, {-9 * HOUR, 99 * HOUR}}, {2 * HOUR, {2 * HOUR, 3 * HOUR}}}, 0), std::nullopt);
 }
