@@ -153,7 +153,7 @@ def check():
             find(point, ("usual",), end - NEAR, end, end + behind, rows)
     for when, change in left:
         near = any(begin <= when <= until + PATIENCE for begin, until in disturbed)
-        expect(change["kind"] in ("unreadable", "readable", "silent", "rows") and near, f"{when:.1f}", str(change))
+        expect(change["kind"] in ("unreadable", "readable", "no rows", "rows") and near, f"{when:.1f}", str(change))
     for word, seconds in delays.items():
         print(f"{word}: seconds from being visible to being told: {[round(one, 1) for one in sorted(seconds)]}")
     print(f"{len(told)} lines, of which {len(left)} of the database")
