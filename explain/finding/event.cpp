@@ -118,6 +118,41 @@ std::optional<Run> MarkedPartOf(const Run& run, const Marks& marks) {
     return part;
 }
 
+// Means of values in a row.
+struct Means {
+    std::vector<double> values;
+    Marks telling;  // whether all that a mean is of tell what is usual
+};
+
+// Of `window` values, of those at the positions `left`.
+Means MeansOf(const std::vector<double>& values, const Marks& telling, const std::vector<size_t>& left,
+              size_t window) {
+    Means means;
+    for (size_t i = 0; i + window <= left.size(); ++i) {
+        double sum = 0.0;
+        bool tells = true;
+        for (size_t k = i; k < i + window; ++k) {
+            sum += values[left[k]];
+            tells = tells && telling[left[k]];
+        }
+        means.values.push_back(sum / static_cast<double>(window));
+        means.telling.push_back(tells);
+    }
+    return means;
+}
+
+// The means that are high. Where too few of them share no value, it takes means of few values, of which each
+// stands out by itself.
+High FindLasting(const Means& means, size_t window) {
+    const size_t count = CountOf(means.telling);
+    const bool isKnown = count >= FEWEST_FOR_EVENTS * window;
+    if (count < FEWEST_FOR_EVENTS || (window > WINDOW && !isKnown)) {
+        return {Marks(means.values.size(), false), {}, std::vector<double>(means.values.size(), 0.0)};
+    }
+    return FindHigh(means.values, means.telling,
+                    isKnown ? FindHidden(means.values, means.telling) : Marks(means.values.size(), false));
+}
+
 // Marks what is mild but lasts: where means of `window` values in a row, which are in no run yet, are high,
 // all from the first value that lies above what is usual to the last one. Means above WEAK that adjoin each
 // other join high ones; single values between may well be usual.
@@ -128,22 +163,7 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, size_t 
             left.push_back(i);
         }
     }
-    std::vector<double> means;
-    Marks meansTelling;
-    for (size_t i = 0; i + window <= left.size(); ++i) {
-        double sum = 0.0;
-        bool tells = true;
-        for (size_t k = i; k < i + window; ++k) {
-            sum += values[left[k]];
-            tells = tells && telling[left[k]];
-        }
-        means.push_back(sum / static_cast<double>(window));
-        meansTelling.push_back(tells);
-    }
-    if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
-        return;
-    }
-    const High lasting = FindHigh(means, meansTelling, FindHidden(means, meansTelling));
+    const High lasting = FindLasting(MeansOf(values, telling, left, window), window);
     Marks now = high.inside;
     for (const Run& weak : RunsAbove(lasting.deviations, WEAK, window - 1)) {
         const std::optional<Run> run = MarkedPartOf(weak, lasting.inside);
