@@ -130,15 +130,16 @@ Nature NatureOf(const Evidence& evidence, Rise rise) {
     }
     if (evidence.equalLoadRatio) {
         const bool isSlower = *evidence.equalLoadRatio > EQUAL_DELAY;
-        const bool isLoad =
-            rise != Rise::NONE && (HasItAtEqualLoad(evidence) ? rise == Rise::SURGE || !isSlower
-                                                              : rise == Rise::SURGE && !isSlower);
-        return isLoad ? Nature::LOAD : isSlower ? Nature::DEVICE : Nature::UNKNOWN;
+        const int signs = (rise == Rise::SURGE) + !isSlower + HasItAtEqualLoad(evidence);
+        return rise != Rise::NONE && signs >= 2 ? Nature::LOAD : isSlower ? Nature::DEVICE : Nature::UNKNOWN;
     }
     if (rise != Rise::SURGE) {
         return Nature::DEVICE;
     }
-    return evidence.loadCorrelation.value_or(0.0) >= FOLLOWS_LOAD ? Nature::LOAD : Nature::UNKNOWN;
+    if (!evidence.loadCorrelation) {
+        return Nature::UNKNOWN;
+    }
+    return *evidence.loadCorrelation >= FOLLOWS_LOAD ? Nature::LOAD : Nature::DEVICE;
 }
 
 // The samples of the event and a few to either side: over a long range, the swing of a day says more of how
