@@ -130,10 +130,9 @@ Nature NatureOf(const Evidence& evidence, Rise rise) {
         return Nature::USUAL;
     }
     if (evidence.equalLoadRatio) {
-        const bool isLoad = rise == Rise::SURGE || (rise == Rise::SOME && HasItAtEqualLoad(evidence));
-        return *evidence.equalLoadRatio > EQUAL_DELAY ? Nature::DEVICE
-               : isLoad                               ? Nature::LOAD
-                                                      : Nature::UNKNOWN;
+        const bool isSlower = *evidence.equalLoadRatio > EQUAL_DELAY;
+        const int signs = (rise == Rise::SURGE) + !isSlower + HasItAtEqualLoad(evidence);
+        return rise != Rise::NONE && signs >= 2 ? Nature::LOAD : isSlower ? Nature::DEVICE : Nature::UNKNOWN;
     }
     if (rise != Rise::SURGE) {
         return Nature::DEVICE;
@@ -163,14 +162,26 @@ Rise RiseOf(double requests, const std::vector<double>& before) {
                                                                      : Rise::NONE;
 }
 
+// From the first to the last time of the baseline: its samples and those of the other events.
+Samples Outside(const Samples& samples, const Stretches& baseline, const Window& event) {
+    Samples all = SamplesIn(samples, {{baseline.front().start, baseline.back().end}});
+    all.erase(std::remove_if(all.begin(), all.end(),
+                             [&](const Sample& sample) { return event.Holds(sample.time); }),
+              all.end());
+    return all;
+}
+
 void JudgeLoad(const PointData& point, const Stretches& baseline, const Window& event, Evidence& evidence) {
     const Samples usual = SamplesIn(point.samples, baseline);
     const std::vector<double> before = RequestsOf(usual);
+    const Rise rise = RiseOf(*evidence.eventRequests, before);
     const Samples around = Around(point.samples, event);
     evidence.baselineRequests = UsualOf(before).median;
     evidence.loadCorrelation = CorrelationOf(DelaySeries(around), RequestSeries(around)).correlation;
-    evidence.equalLoadRatio = EqualLoadRatio(usual, *evidence.eventRequests, *evidence.eventDelay);
-    evidence.nature = NatureOf(evidence, RiseOf(*evidence.eventRequests, before));
+    evidence.equalLoadRatio =
+        EqualLoadRatio(rise == Rise::SURGE ? Outside(point.samples, baseline, event) : usual,
+                       *evidence.eventRequests, *evidence.eventDelay);
+    evidence.nature = NatureOf(evidence, rise);
 }
 
 }  // namespace

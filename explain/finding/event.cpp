@@ -15,6 +15,7 @@ constexpr double NEW_TAIL = 0.5;  // of what the whole series leads to expect
 constexpr size_t MOST_ROUNDS = 5;
 constexpr size_t MOST_SEARCHES = 1000;  // which no series needs that was not made to
 constexpr size_t LEAST_USUAL = 10;      // one of so many samples at least stays in no event
+constexpr size_t MOST_OF_MARKED = 2;    // one run holds so great a part, one half, where a long event hides
 
 using Marks = std::vector<bool>;  // by position
 
@@ -60,10 +61,38 @@ bool LeavesEnough(const Marks& telling, const Marks& inside) {
     return left >= FEWEST_BASELINE && left * LEAST_USUAL >= CountOf(telling);
 }
 
-// The runs of high values. What is found is left out of what is usual, until nothing more is found. `telling`
-// must mark FEWEST_BASELINE values.
-High FindHigh(const std::vector<double>& values, const Marks& telling) {
-    High high{Marks(values.size(), false), {}, {}};
+// Whether one run holds most of what is marked: what comes again and again is usual.
+bool IsOneRun(const Marks& marks) {
+    size_t longest = 0;
+    for (const Run& run : RunsAbove(std::vector<double>(marks.begin(), marks.end()), 0.0, 0)) {
+        longest = std::max(longest, run.last - run.first + 1);
+    }
+    return longest * MOST_OF_MARKED >= CountOf(marks);
+}
+
+// A long event spreads what all values tell so far that nothing lies high. So everything above MILD is left
+// out first, and what the rest does not call high is taken back, until only such is left.
+Marks FindHidden(const std::vector<double>& values, const Marks& telling) {
+    const Marks none(values.size(), false);
+    Marks inside = none;
+    for (size_t search = 0; search < MOST_SEARCHES; ++search) {
+        const Usual usual = UsualOf(values, telling, inside);
+        Marks now = none;
+        for (const Run& run : RunsAbove(DeviationsFrom(usual, values), search == 0 ? MILD : HIGH)) {
+            Mark(run.first, run.last, now);
+        }
+        if (now == inside || !LeavesEnough(telling, now)) {
+            return now == inside && IsOneRun(now) ? now : none;
+        }
+        inside = std::move(now);
+    }
+    return none;
+}
+
+// The runs of high values, beside those in `known`. What is found is left out of what is usual, until nothing
+// more is found. `telling` must mark FEWEST_BASELINE values outside of `known`.
+High FindHigh(const std::vector<double>& values, const Marks& telling, Marks known) {
+    High high{std::move(known), {}, {}};
     for (size_t search = 1;; ++search) {
         high.usual = UsualOf(values, telling, high.inside);
         high.deviations = DeviationsFrom(high.usual, values);
@@ -89,41 +118,61 @@ std::optional<Run> MarkedPartOf(const Run& run, const Marks& marks) {
     return part;
 }
 
-// Marks what is mild but lasts: where means of WINDOW values in a row, which are in no run yet, are high, all
-// from the first value that lies above what is usual to the last one. Means above WEAK that adjoin each other
-// join high ones; single values between may well be usual.
-void AddLasting(const std::vector<double>& values, const Marks& telling, High& high) {
+// Means of values in a row.
+struct Means {
+    std::vector<double> values;
+    Marks telling;  // whether all that a mean is of tell what is usual
+};
+
+// Of `window` values, of those at the positions `left`.
+Means MeansOf(const std::vector<double>& values, const Marks& telling, const std::vector<size_t>& left,
+              size_t window) {
+    Means means;
+    for (size_t i = 0; i + window <= left.size(); ++i) {
+        double sum = 0.0;
+        bool tells = true;
+        for (size_t k = i; k < i + window; ++k) {
+            sum += values[left[k]];
+            tells = tells && telling[left[k]];
+        }
+        means.values.push_back(sum / static_cast<double>(window));
+        means.telling.push_back(tells);
+    }
+    return means;
+}
+
+// The means that are high. Where too few of them share no value, it takes means of few values, of which each
+// stands out by itself.
+High FindLasting(const Means& means, size_t window) {
+    const size_t count = CountOf(means.telling);
+    const bool isKnown = count >= FEWEST_FOR_EVENTS * window;
+    if (count < FEWEST_FOR_EVENTS || (window > WINDOW && !isKnown)) {
+        return {Marks(means.values.size(), false), {}, std::vector<double>(means.values.size(), 0.0)};
+    }
+    return FindHigh(means.values, means.telling,
+                    isKnown ? FindHidden(means.values, means.telling) : Marks(means.values.size(), false));
+}
+
+// Marks what is mild but lasts: where means of `window` values in a row, which are in no run yet, are high,
+// all from the first value that lies above what is usual to the last one. Means above WEAK that adjoin each
+// other join high ones; single values between may well be usual.
+void AddLasting(const std::vector<double>& values, const Marks& telling, size_t window, High& high) {
     std::vector<size_t> left;
     for (size_t i = 0; i < values.size(); ++i) {
         if (!high.inside[i]) {
             left.push_back(i);
         }
     }
-    std::vector<double> means;
-    Marks meansTelling;
-    for (size_t i = 0; i + WINDOW <= left.size(); ++i) {
-        double sum = 0.0;
-        bool tells = true;
-        for (size_t k = i; k < i + WINDOW; ++k) {
-            sum += values[left[k]];
-            tells = tells && telling[left[k]];
-        }
-        means.push_back(sum / static_cast<double>(WINDOW));
-        meansTelling.push_back(tells);
-    }
-    if (CountOf(meansTelling) < FEWEST_FOR_EVENTS) {
-        return;
-    }
-    const High lasting = FindHigh(means, meansTelling);
+    const High lasting = FindLasting(MeansOf(values, telling, left, window), window);
     Marks now = high.inside;
-    for (const Run& weak : RunsAbove(lasting.deviations, WEAK, WINDOW - 1)) {
+    for (const Run& weak : RunsAbove(lasting.deviations, WEAK, window - 1)) {
         const std::optional<Run> run = MarkedPartOf(weak, lasting.inside);
         if (!run) {
             continue;
         }
         const auto isAbove = [&](size_t position) { return high.deviations[position] > MILD; };
         const auto from = left.begin() + static_cast<std::ptrdiff_t>(run->first);
-        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run->last + WINDOW);
+        const auto until = left.begin() + static_cast<std::ptrdiff_t>(run->last + window);
         const auto first = std::find_if(from, until, isAbove);
         const auto last =
             std::find_if(std::make_reverse_iterator(until), std::make_reverse_iterator(first), isAbove);
@@ -141,7 +190,8 @@ void AddLasting(const std::vector<double>& values, const Marks& telling, High& h
 bool AddAlongCurve(const Samples& samples, const Marks& telling, High& high) {
     const double spread = UsualOf(DelaysOf(samples), telling, high.inside).scale;
     for (size_t round = 0; round < MOST_ROUNDS; ++round) {
-        High found = FindHigh(Levelled(samples, high.inside, high.usual.median), telling);
+        High found = FindHigh(Levelled(samples, high.inside, high.usual.median), telling,
+                              Marks(samples.size(), false));
         if (found.usual.scale > FLATTER * spread) {
             return round > 0;
         }
@@ -234,8 +284,9 @@ Finding FindEvents(const Samples& samples, const std::optional<Window>& baseline
         return {};
     }
     const std::vector<double> delays = DelaysOf(samples);
-    High high = FindHigh(delays, telling);
-    AddLasting(delays, telling, high);
+    High high = FindHigh(delays, telling, Marks(delays.size(), false));
+    AddLasting(delays, telling, WINDOW, high);
+    AddLasting(delays, telling, WIDE_WINDOW, high);
     const bool isCurved = !baseline && AddAlongCurve(samples, telling, high);
     Finding finding{{}, high.usual, std::move(high.deviations), isCurved};
     const std::vector<double> inside(high.inside.begin(), high.inside.end());

@@ -28,8 +28,9 @@ constexpr double HIGH = 5.0;
 constexpr double WEAK = 2.0;
 constexpr double MILD = 1.0;
 
-// Samples in a row whose mean is looked at, too.
+// Samples in a row whose means are looked at, too.
 constexpr size_t WINDOW = 4;
+constexpr size_t WIDE_WINDOW = 16;
 
 // The fewest samples of which one can lie beyond three deviations of all.
 constexpr size_t FEWEST_FOR_SIGMA = 11;

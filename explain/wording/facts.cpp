@@ -45,10 +45,11 @@ std::string EqualLoadOf(const std::optional<double>& ratio) {
                  : "not known: too few other intervals have as many requests";
 }
 
-std::string MeaningOf(Nature nature) {
-    switch (nature) {
+std::string MeaningOf(const Evidence& evidence) {
+    switch (evidence.nature) {
         case Nature::DEVICE:
-            return "device: slower than usual, not because of more requests";
+            return evidence.equalLoadRatio ? "device: slower than usual, not because of more requests"
+                                           : "device: the delay does not follow the requests";
         case Nature::LOAD:
             return "load: the delay follows the requests";
         case Nature::USUAL:
@@ -87,7 +88,7 @@ Facts LoadFactsOf(const Analysis& analysis, const Figures& figures) {
     return {{"delay", Compared(top.eventDelay, top.baselineDelay, figures.delay)},
             {"requests", Compared(top.eventRequests, top.baselineRequests, Requests)},
             {"equal load", EqualLoadOf(top.equalLoadRatio)},
-            {"so it is", MeaningOf(top.nature)}};
+            {"so it is", MeaningOf(top)}};
 }
 
 std::vector<Event> OthersOf(const Analysis& analysis) {

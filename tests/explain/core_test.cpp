@@ -17,10 +17,10 @@ constexpr int64_t STEP = 30;
 
 // Delay and requests of an interval.
 const std::map<char, std::pair<double, double>> LETTERS = {
-    {'.', {100, 10}},  {'0', {0, 10}},   {'5', {110, 10}},  {'6', {111, 10}},   {'h', {990, 10}},
-    {'H', {1000, 10}}, {'l', {10, 10}},  {'s', {100, 100}}, {'S', {1000, 100}}, {'z', {1000, 0}},
-    {'n', {10, -10}},  {'i', {0, 0}},    {'4', {104, 10}},  {'v', {110, 60}},   {'V', {125, 60}},
-    {'u', {100, 20}},  {'U', {1000, 40}}};
+    {'.', {100, 10}},  {'0', {0, 10}},    {'5', {110, 10}},  {'6', {111, 10}},   {'h', {990, 10}},
+    {'H', {1000, 10}}, {'l', {10, 10}},   {'s', {100, 100}}, {'S', {1000, 100}}, {'z', {1000, 0}},
+    {'n', {10, -10}},  {'i', {0, 0}},     {'4', {104, 10}},  {'v', {110, 60}},   {'V', {125, 60}},
+    {'u', {100, 20}},  {'U', {1000, 40}}, {'R', {700, 100}}};
 
 struct Series {
     Samples samples;
@@ -139,6 +139,7 @@ TEST(Explain, EvidenceOfAPoint) {
     const struct {
         std::string letters, expected;  // takes part, nature, onset, deviations, excess; reasons
         bool isObservation = false, hasGoneBack = false;
+        Window other{0, -1};  // an event that is no baseline
     } cases[] = {
         {"=|HH", "+device 20 450 18000 "},
         {"=|.HHh.", "+device 21 269 26900 "},
@@ -156,6 +157,8 @@ TEST(Explain, EvidenceOfAPoint) {
         {"=H|SSS", "+load 21 450 270000 "},
         {"=HHHH|SS", "+device 24 450 180000 "},
         {"=SSS|SS", "+load 23 450 180000 "},
+        {"=RRR|SS", "+load 23 450 180000 "},
+        {"=sssSSSS.|SS", "+load 28 450 180000 ", false, false, {23 * STEP, 27 * STEP - 1}},
         {"=sss|SSSSSS", "+device 23 450 540000 "},
         {".u.u.u.u.u.u.u.u.u.u|UU", "+load 20 450 72000 "},
         {"=|HH", "-unknown 20 450 none ; an observation p", true},
@@ -177,7 +180,9 @@ TEST(Explain, EvidenceOfAPoint) {
         top.deviations = 5.0;
         EXPECT_EQ(NeededBelow(top), HIGH);
         top.deviations = 4.9;
-        EXPECT_EQ(Text(EvidenceOf(point, {{0, event.start - 1}}, event, NeededBelow(top))), row.expected)
+        EXPECT_EQ(Text(EvidenceOf(point, {{0, row.other.start - 1}, {row.other.end + 1, event.start - 1}},
+                                  event, NeededBelow(top))),
+                  row.expected)
             << row.letters;
     }
 }

@@ -43,24 +43,35 @@ std::vector<double> NaiveDeviations(const std::vector<double>& values, const Pos
     return deviations;
 }
 
-Positions NaiveHigh(const std::vector<double>& values) {
-    Positions inside;
-    while (true) {
-        const std::vector<double> deviations = NaiveDeviations(values, inside);
-        Positions now = inside;
-        for (size_t i = 0; i < values.size(); ++i) {
-            const bool bridges =
-                i > 0 && i + 1 < values.size() && deviations[i - 1] > 5.0 && deviations[i + 1] > 5.0;
-            if (deviations[i] > 5.0 || bridges) {
-                now.insert(i);
-            }
+Positions NaiveAbove(const std::vector<double>& deviations, double least, Positions now) {
+    for (size_t i = 0; i < deviations.size(); ++i) {
+        const bool bridges =
+            i > 0 && i + 1 < deviations.size() && deviations[i - 1] > least && deviations[i + 1] > least;
+        if (deviations[i] > least || bridges) {
+            now.insert(i);
         }
+    }
+    return now;
+}
+
+// From all above 1 on what the rest calls high, where one run holds half of it; or what is high from `inside`
+// on.
+Positions NaiveHigh(const std::vector<double>& values, bool hides = false, Positions inside = {}) {
+    for (size_t search = 0; search < 1000; ++search) {
+        const std::vector<double> deviations = NaiveDeviations(values, inside);
+        const Positions now =
+            NaiveAbove(deviations, hides && search == 0 ? 1 : 5, hides ? Positions() : inside);
         const double left = static_cast<double>(values.size() - now.size());
         if (now == inside || left < 5.0 || left < 0.1 * static_cast<double>(values.size())) {
-            return inside;
+            size_t run = 0, longest = 0;
+            for (size_t i = 0; i < values.size(); ++i) {
+                longest = std::max(longest, run = now.count(i) > 0 ? run + 1 : 0);
+            }
+            return hides && (now != inside || longest * 2 < now.size()) ? Positions() : inside;
         }
         inside = now;
     }
+    return {};
 }
 
 using Pairs = std::vector<std::pair<size_t, size_t>>;
@@ -134,32 +145,43 @@ Pairs NaiveReach(const Pairs& events, const std::vector<double>& deviations) {
 Pairs NaiveEvents(const std::vector<double>& values) {
     Positions inside = NaiveHigh(values);
     const std::vector<double> deviations = NaiveDeviations(values, inside);
-    std::vector<size_t> left;
-    std::vector<double> means;
-    for (size_t i = 0; i < values.size(); ++i) {
-        if (inside.count(i) == 0) {
-            left.push_back(i);
+    for (const size_t width : {size_t{4}, size_t{16}}) {
+        std::vector<size_t> left;
+        std::vector<double> means;
+        for (size_t i = 0; i < values.size(); ++i) {
+            if (inside.count(i) == 0) {
+                left.push_back(i);
+            }
         }
-    }
-    for (size_t i = 0; i + 4 <= left.size(); ++i) {
-        means.push_back((values[left[i]] + values[left[i + 1]] + values[left[i + 2]] + values[left[i + 3]]) /
-                        4);
-    }
-    const Positions windows = means.size() > 10 ? NaiveHigh(means) : Positions();
-    const std::vector<double> weak =
-        windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
-    for (const size_t window : windows) {  // up to the next one, if no four weaker ones in a row lie between
-        size_t next = window;
-        for (size_t i = window + 1, low = 0; i < weak.size() && low < 4 && next == window; ++i) {
-            next = windows.count(i) > 0 ? i : window;
-            low = weak[i] > 2.0 ? 0 : low + 1;
+        for (size_t i = 0; i + width <= left.size(); ++i) {
+            double sum = 0.0;
+            for (size_t k = i; k < i + width; ++k) {
+                sum += values[left[k]];
+            }
+            means.push_back(sum / static_cast<double>(width));
         }
-        Positions above;
-        for (size_t i = window; i < next + 4; ++i) {
-            deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
-        }
-        for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin()); ++i) {
-            inside.insert(i);
+        const bool isKnown = means.size() >= 11 * width;
+        const Positions windows =
+            means.size() > 10 && (isKnown || width == 4)
+                ? NaiveHigh(means, false, isKnown ? NaiveHigh(means, true) : Positions())
+                : Positions();
+        const std::vector<double> weak =
+            windows.empty() ? std::vector<double>() : NaiveDeviations(means, windows);
+        for (const size_t window :
+             windows) {  // up to the next one, if no `width` weaker ones in a row lie between
+            size_t next = window;
+            for (size_t i = window + 1, low = 0; i < weak.size() && low < width && next == window; ++i) {
+                next = windows.count(i) > 0 ? i : window;
+                low = weak[i] > 2.0 ? 0 : low + 1;
+            }
+            Positions above;
+            for (size_t i = window; i < next + width; ++i) {
+                deviations[left[i]] > 1.0 ? void(above.insert(left[i])) : void();
+            }
+            for (size_t i = above.empty() ? 1 : *above.begin(); i <= (above.empty() ? 0 : *above.rbegin());
+                 ++i) {
+                inside.insert(i);
+            }
         }
     }
     Pairs events;
