@@ -4,6 +4,7 @@
 #include <map>
 
 #include "explain/analysis/budget.h"
+#include "explain/analysis/gaps.h"
 #include "explain/analysis/modules.h"
 #include "explain/finding/statistics.h"
 #include "fault_algorithm/fault_correlation.h"
@@ -218,12 +219,27 @@ std::optional<Reason> WhyNot(const Evidence& top) {
     return *top.eventRequests <= 0.0 ? std::optional<Reason>(Reason{ReasonKind::NO_REQUESTS}) : std::nullopt;
 }
 
+// Whether a point has no rows in most of the event, but rows in what tells what is usual.
+bool LacksMost(const PointData& point, const Analysis& analysis) {
+    const Evidence& top = analysis.findings.front().evidence;
+    const auto gapsIn = [&](const Window& window) {
+        return static_cast<size_t>(std::count_if(point.gaps.begin(), point.gaps.end(),
+                                                 [&](int64_t time) { return window.Holds(time); }));
+    };
+    const auto [first, end] =
+        PositionsIn(analysis.world->points.at(analysis.point).samples, *analysis.baseline);
+    return gapsIn(*analysis.event) * 2 > top.eventCount && IsRegular(end - first, gapsIn(*analysis.baseline));
+}
+
 Certainty CertaintyOf(const Analysis& analysis) {
     const std::vector<Candidate>& candidates = analysis.candidates;
     return analysis.event->first == analysis.event->last || analysis.MayBeElsewhere() || analysis.MayBeBelow()
                ? Certainty::UNSURE
-               : CertaintyOfShares(candidates.front().share,
-                                   candidates.size() > 1 ? candidates[1].share : 0.0);
+               : std::max(LacksMost(analysis.world->points.at(candidates.front().point), analysis)
+                              ? Certainty::LIKELY
+                              : Certainty::SURE,
+                          CertaintyOfShares(candidates.front().share,
+                                            candidates.size() > 1 ? candidates[1].share : 0.0));
 }
 
 std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates) {
@@ -266,8 +282,7 @@ bool Analysis::MayBeBelow() const {
         below.push_back(next->second);
     }
     return std::any_of(below.begin(), below.end(), [&](size_t node) {
-        return !world->points.at(world->nodes[node].point).complete.empty() &&
-               findings[node].evidence.eventCount * 2 < findings.front().evidence.eventCount;
+        return LacksMost(world->points.at(world->nodes[node].point), *this);
     });
 }
 

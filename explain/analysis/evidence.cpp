@@ -68,6 +68,9 @@ void TellWhatIsMissing(const PointData& point, Evidence& evidence) {
     if (const size_t missing = MissingIntervals(samples); missing > point.idle) {
         reasons.push_back({ReasonKind::MISSING_INTERVALS, missing - point.idle});
     }
+    if (evidence.estimated > 0) {
+        reasons.push_back({ReasonKind::ESTIMATED_INTERVALS, evidence.estimated});
+    }
     if (point.hasGoneBack) {
         reasons.push_back({ReasonKind::CLOCK_JUMPED});
     }
@@ -88,11 +91,15 @@ void JudgeDelays(const Usual& usual, double ownUsual, const PointData& point, co
         deviations += deviation;
         excess += sample.requests * (sample.delay - usual.median);
         ownExcess += sample.requests * (point.own[i] - ownUsual);
-        if (deviation > HIGH && !evidence.onset) {
+    }
+    for (const Sample& sample : SamplesIn(point.samples, {event})) {
+        if (usual.Deviations(sample.delay) > HIGH) {
             evidence.onset = sample.time;
+            break;
         }
     }
     evidence.deviations = deviations / static_cast<double>(end - first);
+    evidence.estimated = end - first - evidence.eventCount;
     if (!point.isObservation) {
         evidence.excess = excess;
         evidence.ownExcess = ownExcess;

@@ -25,6 +25,7 @@ struct Evidence {
     bool takesPart = false;
     size_t baselineCount = 0;  // samples
     size_t eventCount = 0;
+    size_t estimated = 0;  // intervals of the event, besides: in both excesses and the deviations
     std::optional<double> baselineDelay;     // median
     std::optional<double> eventDelay;        // mean
     std::optional<double> baselineRequests;  // median

@@ -13,9 +13,8 @@
 namespace explain {
 namespace {
 
-constexpr size_t BESIDE = 2;      // rows to either side that an estimate comes from
-constexpr size_t NEAR = WINDOW;   // intervals that they are away at most
-constexpr double REGULAR = 0.25;  // of the intervals of the point at the top, a point must have rows in more
+constexpr size_t BESIDE = 2;     // rows to either side that an estimate comes from
+constexpr size_t NEAR = WINDOW;  // intervals that they are away at most
 
 using Pair = std::pair<Sample, Sample>;  // of the point at the top, and of another, at one time
 
@@ -51,38 +50,51 @@ std::vector<Pair> Beside(const Samples& samples, const Samples& top, size_t gap)
     return pairs;
 }
 
-// A point's sample at the time of one of the point at the top, if both go together as they do beside it. No
-// higher and no lower than beside it: what lies near but in no event says nothing of one.
-Sample Estimate(const std::vector<Pair>& beside, const Sample& top, double topUsual, double usual) {
+// Of all samples of a point.
+struct Range {
+    double usual = 0.0;         // delay
+    double mostRequests = 0.0;  // of an interval
+};
+
+Range RangeOf(const Samples& samples) {
+    const std::vector<double> requests = RequestsOf(samples);
+    return {UsualOf(DelaysOf(samples)).median, *std::max_element(requests.begin(), requests.end())};
+}
+
+// A point's sample at the time of one of the point at the top, if both go together as they do beside it. Not
+// farther from the usual than beside it, as what lies near but in no event says nothing of one, and with no
+// more requests than any: a point may have others that wait for it.
+Sample Estimate(const std::vector<Pair>& beside, const Sample& top, double topUsual, const Range& its) {
     double topRequests = 0.0;
     double requests = 0.0;
     double both = 0.0;
     double square = 0.0;
-    double least = usual;
-    double most = usual;
+    double least = its.usual;
+    double most = its.usual;
     for (const auto& [other, own] : beside) {
         topRequests += other.requests;
         requests += own.requests;
-        both += (other.delay - topUsual) * (own.delay - usual);
+        both += (other.delay - topUsual) * (own.delay - its.usual);
         square += (other.delay - topUsual) * (other.delay - topUsual);
         least = std::min(least, own.delay);
         most = std::max(most, own.delay);
     }
     const double slope = square > 0.0 ? both / square : 0.0;
-    const double mean = requests / static_cast<double>(beside.size());
-    return {top.time, std::clamp(usual + slope * (top.delay - topUsual), least, most),
-            topRequests > 0.0 ? requests * top.requests / topRequests : mean};
+    const double estimated = topRequests > 0.0 ? requests * top.requests / topRequests
+                                               : requests / static_cast<double>(beside.size());
+    return {top.time, std::clamp(its.usual + slope * (top.delay - topUsual), least, most),
+            std::min(estimated, its.mostRequests)};
 }
 
 // The samples with an estimate in each gap that has rows beside it.
 Samples Completed(const Samples& samples, const Samples& top, const std::vector<size_t>& gaps) {
-    const double usual = UsualOf(DelaysOf(samples)).median;
+    const Range its = RangeOf(samples);
     const double topUsual = UsualOf(DelaysOf(top)).median;
     Samples estimates;
     for (const size_t gap : gaps) {
         const std::vector<Pair> beside = Beside(samples, top, gap);
         if (!beside.empty()) {
-            estimates.push_back(Estimate(beside, top[gap], topUsual, usual));
+            estimates.push_back(Estimate(beside, top[gap], topUsual, its));
         }
     }
     Samples completed;
@@ -94,6 +106,11 @@ Samples Completed(const Samples& samples, const Samples& top, const std::vector<
 
 }  // namespace
 
+bool IsRegular(size_t intervals, size_t gaps) {
+    constexpr double LEAST = 0.25;
+    return static_cast<double>(intervals - gaps) > LEAST * static_cast<double>(intervals);
+}
+
 void FillGaps(const std::map<std::string, PointData>& rows, GraphWorld& world) {
     const std::string& first = world.nodes.front().point;
     const Samples& top = world.points.at(first).samples;
@@ -102,8 +119,10 @@ void FillGaps(const std::map<std::string, PointData>& rows, GraphWorld& world) {
             continue;
         }
         const std::vector<size_t> gaps = GapsIn(rows.at(name).samples, top);
-        const auto present = static_cast<double>(top.size() - gaps.size());
-        if (!gaps.empty() && present > REGULAR * static_cast<double>(top.size())) {
+        for (const size_t gap : gaps) {
+            data.gaps.push_back(top[gap].time);
+        }
+        if (!gaps.empty() && IsRegular(top.size(), gaps.size())) {
             data.complete = Completed(data.samples, top, gaps);
         }
     }

@@ -13,8 +13,9 @@ namespace explain {
 
 enum class ReasonKind {
     // What limits the evidence of a point, in the order in which it is told.
-    MISSING_INTERVALS,  // so many
-    OBSERVATION_POINT,  // which takes no part
+    MISSING_INTERVALS,    // so many
+    ESTIMATED_INTERVALS,  // so many, of the event
+    OBSERVATION_POINT,    // which takes no part
     CONSTANT_DELAY,
     NO_ROWS_IN_EVENT,
     NO_ROWS,

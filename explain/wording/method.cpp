@@ -28,7 +28,7 @@ constexpr std::array<Term, 17> TERMS = {{
     {"load", "as slow as ever with so many requests: nothing is broken"},
     {"since", "when the first high sample of the point in the event is"},
     {"sure", "the share is 70 % or more, and the second far behind; likely: 50 %"},
-    {"unsure", "less, a second close behind, or one sample: look at both"},
+    {"unsure", "less, a second close behind, one sample, or rows missing below it"},
     {"agreement", "how many parts of the baseline lead to the same point"},
     {"own walk", "the cause that the plug-in's delayanal names, by correlation"},
 }};

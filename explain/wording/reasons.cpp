@@ -15,6 +15,7 @@ constexpr struct {
     std::string_view sentence;
 } SENTENCES[] = {
     {ReasonKind::MISSING_INTERVALS, "{intervals} without a row"},
+    {ReasonKind::ESTIMATED_INTERVALS, "{intervals} of the event estimated from the rows beside"},
     {ReasonKind::OBSERVATION_POINT, "an observation point: without request counts it takes no part"},
     {ReasonKind::CONSTANT_DELAY, "constant over the range"},
     {ReasonKind::NO_ROWS_IN_EVENT, "no rows during the event"},

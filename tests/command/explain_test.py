@@ -81,7 +81,7 @@ class Explain(ConsoleTest):
         self.world("slow-disk")
         fault = self.truth["fault"]
         lost = "delete from {table} where locateid = (select locateid from version_nmaps where locatename = ?) and curtime "
-        for condition, expected in (("/ 30 % 3 > 0", (DISK, "sure")), ("between ? and ?", ("SPACE_BLOCK_BDM_READ", "unsure"))):
+        for condition, expected in (("/ 30 % 3 > 0", (DISK, "likely")), ("between ? and ?", ("SPACE_BLOCK_BDM_READ", "unsure"))):
             self.sql(lost + condition, DISK, *[fault["start_epoch"], fault["end_epoch"]][:2 * condition.count("and")])
             first = self.explain(*self.range)[2]["analyses"][0]
             self.assertEqual((first["candidates"][0]["point"], first["certainty"]), expected)
