@@ -24,8 +24,7 @@ struct PointData {
     size_t idle = 0;             // rows that were left out, see WithoutIdle
     bool isObservation = false;  // has delays but no requests
     bool hasGoneBack = false;    // the times did not ascend: they were put in order
-    std::vector<int64_t> gaps =
-        {};  // when the point at the top has a sample and this one no row: see FillGaps
+    std::vector<int64_t> gaps = {};  // times of samples at the top without a row here, see FillGaps
 
     const Samples& Complete() const { return complete.empty() ? samples : complete; }
 };
