@@ -73,7 +73,7 @@ bool IsOneRun(const Marks& marks) {
 // A long event spreads what all values tell so far that nothing lies high. So everything above MILD is left
 // out first, and what the rest does not call high is taken back, until only such is left.
 Marks FindHidden(const std::vector<double>& values, const Marks& telling) {
-    const Marks none(values.size(), false);
+    Marks none(values.size(), false);
     Marks inside = none;
     for (size_t search = 0; search < MOST_SEARCHES; ++search) {
         const Usual usual = UsualOf(values, telling, inside);
