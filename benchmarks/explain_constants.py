@@ -19,8 +19,8 @@ from explain_scenarios import CERTAINTIES
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FILES = ["explain/finding/event.h", "explain/finding/run.h", "explain/finding/series.h", "explain/finding/level.h",
-         "explain/finding/event.cpp", "explain/finding/run.cpp", "explain/finding/usual.cpp", "explain/analysis/analysis.cpp", "explain/analysis/certainty.cpp",
-         "explain/analysis/evidence.cpp", "explain/survey.cpp"]
+         "explain/finding/event.cpp", "explain/finding/run.cpp", "explain/finding/usual.cpp",
+         "explain/analysis/analysis.cpp", "explain/analysis/certainty.cpp", "explain/analysis/evidence.cpp", "explain/survey.cpp"]
 HOUR = 3600
 # Of each constant half and twice, of what must be whole the next ones below and above; and the kinds of worlds that feel it.
 VALUES = {
