@@ -4,7 +4,6 @@
 #include <map>
 
 #include "explain/analysis/budget.h"
-#include "explain/analysis/certainty.h"
 #include "explain/analysis/modules.h"
 #include "explain/finding/statistics.h"
 #include "fault_algorithm/fault_correlation.h"

@@ -115,6 +115,9 @@ struct Analysis {
 std::vector<Event> EventsToExplain(const Question& question, const Look& look, const Samples& samples);
 constexpr size_t MOST_EVENTS = 8;
 
+// How sure an analysis is of its first candidate; it has an event, a baseline, evidence and candidates.
+Certainty CertaintyOf(const Analysis& analysis);
+
 // Explains an event of the point at the top of the world, which stands in `graph`.
 Analysis Explain(const Question& question, const Look& look, const std::string& graph,
                  const std::shared_ptr<const GraphWorld>& world, const Event& event);

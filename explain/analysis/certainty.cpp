@@ -1,8 +1,7 @@
-#include "explain/analysis/certainty.h"
-
 #include <algorithm>
 #include <vector>
 
+#include "explain/analysis/analysis.h"
 #include "explain/analysis/gaps.h"
 
 namespace explain {
