@@ -232,7 +232,7 @@ std::vector<ModuleShare> ModuleSharesOf(const std::vector<Candidate>& candidates
 
 void Answer(Analysis& analysis) {
     analysis.modules = ModuleSharesOf(analysis.candidates);
-    analysis.certainty = CertaintyOf(analysis);
+    analysis.certainty = CertaintyOfFirst(analysis);
     const auto isLoad = [&](size_t node) { return analysis.findings[node].evidence.nature == Nature::LOAD; };
     analysis.verdict = isLoad(0) && isLoad(analysis.candidates.front().node) ? Verdict::LOAD : Verdict::POINT;
 }

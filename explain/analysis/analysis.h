@@ -116,7 +116,7 @@ std::vector<Event> EventsToExplain(const Question& question, const Look& look, c
 constexpr size_t MOST_EVENTS = 8;
 
 // How sure an analysis is of its first candidate; it has an event, a baseline, evidence and candidates.
-Certainty CertaintyOf(const Analysis& analysis);
+Certainty CertaintyOfFirst(const Analysis& analysis);
 
 // Explains an event of the point at the top of the world, which stands in `graph`.
 Analysis Explain(const Question& question, const Look& look, const std::string& graph,

@@ -33,7 +33,7 @@ Certainty CertaintyOfShares(double first, double second) {
     return first < SURE_SHARE ? Certainty::LIKELY : Certainty::SURE;
 }
 
-Certainty CertaintyOf(const Analysis& analysis) {
+Certainty CertaintyOfFirst(const Analysis& analysis) {
     const std::vector<Candidate>& candidates = analysis.candidates;
     return analysis.event->first == analysis.event->last || analysis.MayBeElsewhere() || analysis.MayBeBelow()
                ? Certainty::UNSURE
