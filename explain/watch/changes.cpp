@@ -9,8 +9,8 @@
 namespace explain {
 namespace {
 
-constexpr size_t FEWEST_TOLD = 2;  // samples of an event
-constexpr size_t ENOUGH_MILD = 4;  // samples, of which few are high
+constexpr size_t FEWEST_TOLD = 2;            // samples of an event
+constexpr size_t ENOUGH_MILD = WIDE_WINDOW;  // samples of which few are high; means drag events over fewer
 constexpr int64_t SILENT_STEPS = 3;
 constexpr int64_t LEAST_SILENCE = 10;      // seconds
 constexpr int64_t ACCEPTED_AFTER = 14400;  // seconds: as long as what tells what is usual
@@ -123,7 +123,7 @@ bool HasFallen(const Look& look, const Event& event) {
                                   [=](double deviation) { return deviation > least; }) -
                      std::make_reverse_iterator(end);
     return height > HIGH && low > static_cast<std::ptrdiff_t>(GAP) &&
-           low < static_cast<std::ptrdiff_t>(WINDOW);
+           low < static_cast<std::ptrdiff_t>(WIDE_WINDOW);
 }
 
 // Whether the last sample says what makes the point slow now: it stands as high as what belongs to the event,

@@ -25,7 +25,7 @@ struct Sight {
 // Knows what was told, and tells what is other. A point is told to be slow once two samples of an event lie
 // above the usual, and to be usual again once two in a row do, as the event finder has it, without those
 // with which it lets a high event fade; what was told to be over is told again when two more samples are
-// high, or four lie above the usual; another cause, once it comes first in two looks at delays that stand
+// high, or sixteen lie above the usual; another cause, once it comes first in two looks at delays that stand
 // high: what fades says nothing of causes. Has no clock: a report's time is the time.
 class Changes {
 public:
